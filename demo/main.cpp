@@ -1,0 +1,144 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Plays a harvest in the real windows, through their controls, for who has no screen to sit at: searches the
+// samples, exports the list, and leaves pictures of what a user would have seen.
+
+#include "app/App.h"
+#include "app/Window1.h"
+#include "app/startUp.h"
+#include "framework/Runtime.h"
+#include "framework/dialogs/Desktop.h"
+
+#include <cstdlib>
+#include <iostream>
+
+namespace quilvane {
+
+namespace {
+
+/// Answers as the person at the screen would, and tells what it was shown.
+class DemoDesktop : public Desktop {
+public:
+    explicit DemoDesktop(std::string outputFolder)
+        : m_outputFolder(std::move(outputFolder))
+    {
+        Desktop::use(this);
+    }
+    ~DemoDesktop() override { Desktop::use(nullptr); }
+
+    std::string nextFileToOpen;
+    bool failed = false;
+
+    std::optional<std::string> chooseFileToOpen() override { return nextFileToOpen; }
+    std::optional<std::string> chooseFileToSave(std::string_view defaultName) override
+    {
+        return m_outputFolder + '/' + std::string(defaultName);
+    }
+    std::optional<std::string> chooseFolder() override { return std::nullopt; }
+    void showMessage(std::string_view text) override { std::cout << "Message: " << text << '\n'; }
+    MessageDialog::Button showDialog(const MessageDialog& dialog) override
+    {
+        std::cout << "Question: " << dialog.Message << '\n';
+        return MessageDialog::Button::Action;
+    }
+    void showError(std::string_view what, std::string_view where) override
+    {
+        std::cout << "Error: " << what << ' ' << where << '\n';
+        failed = true;
+    }
+    bool openWithDefaultApplication(std::string_view path) override
+    {
+        std::cout << "Export:  " << path << '\n';
+        return true;
+    }
+
+private:
+    std::string m_outputFolder;
+};
+
+class Demo {
+public:
+    Demo(std::string samples, std::string output, DemoDesktop& desktop)
+        : m_samples(std::move(samples))
+        , m_output(std::move(output))
+        , m_desktop(desktop)
+    {
+    }
+
+    void play()
+    {
+        picture("start");
+        searchFile("contacts.csv");
+        searchFile("newsletter.txt");
+        picture("search-file");
+        Window1& window = implicit<Window1>();
+        window.exportBtn.Push();
+        window.exportTabDelimited.Push();
+        printList();
+    }
+
+private:
+    void searchFile(const std::string& name)
+    {
+        Window1& window = implicit<Window1>();
+        m_desktop.nextFileToOpen = m_samples + '/' + name;
+        window.importBtn1.Push();
+        std::cout << "Searched " << name << ": " << window.ProgressText.Text() << ' ' << window.results.Text()
+                  << '\n';
+    }
+
+    void picture(const std::string& name)
+    {
+        constexpr int milliseconds = 300;
+        Application::DoEvents(milliseconds);
+        const std::string path = m_output + '/' + name + ".png";
+        implicit<Window1>().savePicture(path);
+        std::cout << "Picture: " << path << '\n';
+    }
+
+    static void printList()
+    {
+        const Listbox& list = implicit<Window1>().Listbox1;
+        std::cout << list.ListCount() << " addresses in the list:\n";
+        for (std::size_t row = 0; row < list.ListCount(); ++row)
+            std::cout << "  " << list.Row(row) << '\n';
+    }
+
+    std::string m_samples;
+    std::string m_output;
+    DemoDesktop& m_desktop;
+};
+
+int play(int argc, char** argv)
+{
+    if (argc < 3) {
+        std::cerr << "usage: quilvane_demo SAMPLES_FOLDER OUTPUT_FOLDER [dark]\n";
+        return EXIT_FAILURE;
+    }
+    const Runtime runtime(argc, argv, "Quilvane");
+    if (argc > 3)
+        Runtime::useDarkColors();
+    const std::unique_ptr<App> app = makeApp();
+    DemoDesktop desktop(argv[2]);
+    Demo demo(argv[1], argv[2], desktop);
+    Timer start("demo", 0);
+    start.Action = [&] {
+        start.setEnabled(false);
+        demo.play();
+        app->Quit();
+    };
+    const int exitCode = app->Run([&start] {
+        implicit<Window1>();
+        start.setEnabled(true);
+    });
+    return desktop.failed ? EXIT_FAILURE : exitCode;
+}
+
+} // namespace
+
+} // namespace quilvane
+
+int main(int argc, char** argv)
+{
+    return quilvane::play(argc, argv);
+}

@@ -1,0 +1,125 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Window1.h"
+
+#include "app/App.h"
+#include "app/MainMenuBar.h"
+#include "app/pictures.h"
+#include "app/prefsModule.h"
+#include "framework/text/strings.h"
+
+namespace quilvane {
+
+namespace {
+
+using enum ControlKind;
+
+// clang-format off
+constexpr ControlRow controlTable[] = {
+    // name                kind         caption                                  left   top  width height visible enabled tab index
+    { "Listbox1",           Listbox,     "",                                        20,  143,  316,  429,  true,  true,   0 },
+    { "importBtn",          PushButton,  "Search URL:",                             20,   76,  103,   20,  true,  true,   1 },
+    { "clearBtn",           PushButton,  "Clear List",                              20,  589,  111,   20,  true,  false,  6 },
+    { "results",            Label,       "",                                       143,  589,  297,   20,  false, true,   7 },
+    { "filterBtn",          PushButton,  "Filter Results",                         414,  180,  124,   20,  true,  false,  8 },
+    { "searchBtn",          PushButton,  "Search",                                 414,  212,  124,   20,  true,  false,  9 },
+    { "exportBtn",          PushButton,  "Export as CSV",                          367,  589,  221,   20,  true,  false, 13 },
+    { "HTMLViewer1",        HTMLViewer,  "",                                      -315,  -75,  300,  200,  true,  true,  16 },
+    { "urlField",           TextField,   "",                                       135,   75,  453,   22,  true,  true,  18 },
+    { "Canvas1",            Canvas,      "",                                       367,  261,  205,  208,  true,  true,  19 },
+    { "Label1",             Label,       "Drop files and folders here to search.",  367,  454,  205,   20,  true,  true,   0 },
+    { "importBtn1",         PushButton,  "Search File",                             20,   20,  103,   20,  true,  true,  20 },
+    { "importFolderBtn",    PushButton,  "Search Folder",                          143,   21,  103,   20,  true,  true,  21 },
+    { "ProgressText",       Label,       "",                                        20,  108,  568,   17,  true,  true,  23 },
+    { "TextArea1",          TextArea,    "",                                      -438,  588,  423,  570,  true,  true,  25 },
+    { "Slider1",            Slider,      "",                                       279, -104,  701,   23,  true,  true,  26 },
+    { "TextField1",         TextField,   "",                                      -350,  140,  335,  436,  true,  true,  27 },
+    { "subFolderSearch",    CheckBox,    "Search Subfolders",                      258,   21,  141,   20,  true,  true,  31 },
+    { "PushButton1",        PushButton,  "Thread",                                 458,  -62,   80,   20,  true,  true,  32 },
+    { "searchStop",         CheckBox,    "Stop Search",                            259,   44,  100,   20,  true,  false, 33 },
+    { "exportTabDelimited", PushButton,  "Export as Tab Delimited Text",           367,  552,  221,   20,  true,  false, 34 },
+};
+// clang-format on
+
+} // namespace
+
+void Window1::Layout()
+{
+    setProperties({ .title = "Quilvane",
+        .width = 608,
+        .height = 641,
+        .minimizeButton = true,
+        .resizable = true,
+        .visibleAtStart = false });
+    setMenuBar(MainMenuBar::instance());
+    place(controlTable);
+
+    Canvas1.setBackdrop(Quilvane_200());
+    results.setTextColor(0x803F02);
+    Label1.setTextColor(0x434343);
+    Label1.setTextSize(10);
+    Label1.setCentred();
+    ProgressText.setTextColor(0x636363);
+    ProgressText.setTextSize(12);
+    Listbox1.setAccessibleName("E-mail addresses found");
+    urlField.setAccessibleName("Web address to search");
+    Canvas1.setAccessibleName("Drop area for files and folders");
+
+    subFolderSearch.setValue(true);
+    Timer1.setEnabled(true);
+    bindEvents();
+}
+
+void Window1::bindEvents()
+{
+    Listbox1.Change = [this] { Listbox1_Change(); };
+    clearBtn.Action = [this] { clearBtn_Action(); };
+    filterBtn.Action = [this] { filterBtn_Action(); };
+    searchBtn.Action = [this] { searchBtn_Action(); };
+    exportBtn.Action = [this] { exportBtn_Action(); };
+    urlField.TextChange = [this] { urlField_TextChange(); };
+    importBtn1.Action = [this] { importBtn1_Action(); };
+    Timer1.Action = [this] { Timer1_Action(); };
+    searchStop.Action = [this] { searchStop_Action(); };
+    exportTabDelimited.Action = [this] { exportTabDelimited_Action(); };
+}
+
+void Window1::Event_Open()
+{
+    Show();
+    Listbox1.setHasHeading(false);
+    // Twelve widths for one column: the list looks at those of the columns that it has.
+    Listbox1.setColumnWidths("50,100," + Str(Listbox1.Width() - 150) + ",0,0,0,0,0,0,0,0,0");
+    EnableMenuItems();
+}
+
+void Window1::Event_Close()
+{
+    savePrefs();
+}
+
+void Window1::filterBtn_Action()
+{
+}
+
+void Window1::searchBtn_Action()
+{
+}
+
+void Window1::searchStop_Action()
+{
+    stopSwitch = searchStop.Value();
+}
+
+void Window1::Timer1_Action()
+{
+    ProgressText.setText(myProgressText);
+}
+
+void Window1::urlField_TextChange()
+{
+    if (!urlField.Text().empty())
+        EnableMenuItems();
+}
+
+} // namespace quilvane

@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What all sources end in: the scan, the list, and the words that tell what was found.
+
+#include "app/Window1.h"
+
+#include "framework/Application.h"
+#include "scan/AddressScanner.h"
+#include "scan/DuplicateFinder.h"
+#include "scan/TextPieces.h"
+#include "scan/endTexts.h"
+#include "scan/pictureName.h"
+
+#include <algorithm>
+#include <span>
+
+namespace quilvane {
+
+void Window1::scanToList(TextInputStream& stream, Counting counting)
+{
+    TextPieces pieces;
+    while (const std::size_t count = stream.Read(pieces.room()))
+        addMatchesToList(pieces.take(count), counting);
+    addMatchesToList(pieces.rest(), counting);
+}
+
+void Window1::addMatchesToList(std::string_view text, Counting counting)
+{
+    AddressScanner scanner(text);
+    while (const auto address = scanner.next()) {
+        Listbox1.AddRow(*address);
+        if (counting == Counting::On)
+            ++rCounter;
+        yieldToThreads();
+    }
+}
+
+void Window1::flushResultArray()
+{
+    for (std::size_t i = 0; i < resultArray.size(); ++i) {
+        Listbox1.AddRow(resultArray[i]);
+        yieldToThreads();
+    }
+}
+
+void Window1::enableButtonsBehindScan()
+{
+    exportBtn.setEnabled(true);
+    clearBtn.setEnabled(true);
+    searchBtn.setEnabled(true);
+    TextField1.setText({});
+}
+
+void Window1::setFinishMessage(Label& label)
+{
+    label.setText(finishMessage(rCounter));
+    // Off when this run has found nothing, whatever earlier runs have left in the list.
+    filterBtn.setEnabled(rCounter > 0);
+    clearBtn.setEnabled(rCounter > 0);
+}
+
+void Window1::setTotalLabel()
+{
+    results.setVisible(true);
+    const std::size_t rows = Listbox1.ListCount();
+    if (rows == 0)
+        return;
+    results.setText(totalLabel(rows));
+    searchBtn.setEnabled(true);
+    filterBtn.setEnabled(true);
+    exportBtn.setEnabled(true);
+}
+
+void Window1::checkDuplicates()
+{
+    constexpr std::size_t blockSize = 256;
+    const std::size_t rows = Listbox1.ListCount();
+    std::vector<unsigned char> keep(rows);
+    DuplicateFinder duplicates(rows, [this](std::size_t row) { return Listbox1.Row(row); });
+    for (std::size_t begin = 0; begin < rows; begin += blockSize) {
+        const std::size_t end = std::min(begin + blockSize, rows);
+        duplicates.mark(std::span(keep).subspan(begin, end - begin));
+        // A picture's name equals other pictures' names only, so it may go in the same pass.
+        for (std::size_t row = begin; row < end; ++row) {
+            if (looksLikePictureName(Listbox1.Row(row)))
+                keep[row] = 0;
+        }
+        yieldToThreads();
+    }
+    Listbox1.RetainRows(keep);
+}
+
+void Window1::Listbox1_Change()
+{
+    clearBtn.setEnabled(Listbox1.ListCount() > 0);
+}
+
+void Window1::clearBtn_Action()
+{
+    Listbox1.DeleteAllRows();
+    clearBtn.setEnabled(false);
+    exportBtn.setEnabled(false);
+    results.setVisible(true);
+    results.setText("Total: 0 entries"); // the one total without a full stop
+    // The pass below switches Search on again.
+    searchBtn.setEnabled(false);
+    filterBtn.setEnabled(false);
+    ProgressText.setText("");
+    EnableMenuItems();
+}
+
+} // namespace quilvane

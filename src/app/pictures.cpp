@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/pictures.h"
+
+namespace quilvane {
+
+namespace {
+
+Ref<Picture> loadOnce(Ref<Picture>& kept, std::string_view name)
+{
+    if (!kept)
+        kept = Picture::load(name);
+    return kept;
+}
+
+} // namespace
+
+Ref<Picture> Quilvane_200()
+{
+    static Ref<Picture> kept;
+    return loadOnce(kept, "Quilvane_200");
+}
+
+} // namespace quilvane

@@ -1,0 +1,15 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/Picture.h"
+
+namespace quilvane {
+
+// The pictures of the windows, each loaded at its first use and then kept. A failed load gives nil and is
+// tried again at the next call.
+
+/// The drop area of the main window.
+Ref<Picture> Quilvane_200();
+
+} // namespace quilvane

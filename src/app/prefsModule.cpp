@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/prefsModule.h"
+
+#include "app/App.h"
+#include "framework/files/FolderItem.h"
+#include "framework/files/SpecialFolder.h"
+#include "framework/files/TextInputStream.h"
+#include "framework/files/TextOutputStream.h"
+
+namespace quilvane {
+
+namespace {
+
+Ref<FolderItem> preferencesFile()
+{
+    const Ref<FolderItem> folder = SpecialFolder::ApplicationData()->Child("Quilvane");
+    if (!folder->Exists())
+        folder->CreateAsFolder();
+    return folder->Child("QuilvanePreferences");
+}
+
+} // namespace
+
+void getPrefs()
+{
+    const Ref<FolderItem> file = preferencesFile();
+    if (!file->Exists()) {
+        TextOutputStream::Create(*file);
+        return;
+    }
+    if (const Ref<TextInputStream> stream = file->OpenAsTextFile()) {
+        app().delimiter = stream->ReadLine();
+        stream->Close();
+    }
+}
+
+void savePrefs()
+{
+    const Ref<FolderItem> file = preferencesFile();
+    if (!file)
+        return;
+    const Ref<TextOutputStream> stream = file->CreateTextFile();
+    if (stream)
+        stream->WriteLine(app().delimiter);
+    // Not guarded like the writing: a file that can't be made is to be heard of.
+    stream->Close();
+}
+
+} // namespace quilvane

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+namespace quilvane {
+
+// The preferences file "QuilvanePreferences" in the folder "Quilvane" of the user's application data: one
+// line, the text of App::delimiter. Both make the folder if it is missing and throw IOException if that
+// fails.
+
+/// Takes the first line of the file into App::delimiter as it stands, also an empty one. A missing file is
+/// made, empty; one that can't be read changes nothing.
+void getPrefs();
+
+/// Writes the file anew from App::delimiter. Throws NilObjectException, with the reason, if it can't be made.
+void savePrefs();
+
+} // namespace quilvane

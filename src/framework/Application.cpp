@@ -1,0 +1,150 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/Application.h"
+
+#include "framework/EventGuard.h"
+#include "framework/controls/MenuBar.h"
+#include "framework/controls/Window.h"
+#include "framework/internal/editCommands.h"
+#include "framework/internal/qtText.h"
+#include "framework/threads/Thread.h"
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include <cassert>
+
+namespace quilvane {
+
+namespace {
+
+Application* theApplication = nullptr;
+
+/// The desktop's own request to end, as at the end of a session, takes the way of the menu item.
+class QuitFilter : public QObject {
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() != QEvent::Quit)
+            return false;
+        Application::instance().Quit();
+        return true;
+    }
+};
+
+} // namespace
+
+Application::Application()
+{
+    assert(!theApplication);
+    theApplication = this;
+}
+
+Application::~Application()
+{
+    WindowList::instance().deleteClosed();
+    theApplication = nullptr;
+}
+
+Application& Application::instance()
+{
+    assert(theApplication);
+    return *theApplication;
+}
+
+void Application::setVersionData(VersionData data)
+{
+    QApplication::setApplicationVersion(toQt(data.shortVersion));
+    m_versionData = std::move(data);
+}
+
+void Application::addMenuHandler(std::string_view itemName, MenuHandler handler)
+{
+    m_menuHandlers.emplace_back(itemName, std::move(handler));
+}
+
+int Application::Run(const std::function<void()>& lateStartUp)
+{
+    qApp->installEventFilter(new QuitFilter(qApp));
+    lateStartUp();
+    runGuarded("Event_Open", [this] { Event_Open(); });
+    return QApplication::exec();
+}
+
+void Application::Quit()
+{
+    m_quitting = true;
+    WindowList::instance().closeAll();
+    QApplication::exit();
+}
+
+void Application::DoEvents(int milliseconds)
+{
+    assert(onMainStack());
+    QElapsedTimer elapsed;
+    elapsed.start();
+    bool somethingDone = true;
+    while (somethingDone && elapsed.elapsed() <= milliseconds) {
+        somethingDone = QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents);
+        somethingDone = giveThreadsTheirTurn() || somethingDone;
+    }
+}
+
+void Application::chosen(MenuItem& item)
+{
+    if (item.isQuit())
+        Quit();
+    else if (const MenuHandler* handler = handlerFor(item.Name()))
+        runGuarded("_" + item.Name() + "_Action", [handler] { (*handler)(); });
+    else
+        edit(item.Name());
+}
+
+void Application::updateMenus()
+{
+    for (const auto& menu : menuBar().menus()) {
+        for (const auto& item : menu->children())
+            autoEnable(*item);
+    }
+    runGuarded("Event_EnableMenuItems", [this] { Event_EnableMenuItems(); });
+}
+
+void Application::windowClosed()
+{
+    QTimer::singleShot(0, qApp, [this] {
+        // No menu bar outlives the last window here, so no menu can be opened that would bring the menus up
+        // to date: that update comes now, and the program's pass makes its main window anew.
+        if (!m_quitting && WindowList::instance().openWindows().empty())
+            updateMenus();
+    });
+}
+
+void Application::autoEnable(MenuItem& item) const
+{
+    const std::string& name = item.Name();
+    if (item.isQuit() || handlerFor(name))
+        item.setEnabled(true);
+    else
+        item.setEnabled(isEditCommand(name) && canEdit(name));
+}
+
+const Application::MenuHandler* Application::handlerFor(std::string_view itemName) const
+{
+    for (const auto& [name, handler] : m_menuHandlers) {
+        if (name == itemName)
+            return &handler;
+    }
+    return nullptr;
+}
+
+void EnableMenuItems()
+{
+    Application::instance().updateMenus();
+}
+
+} // namespace quilvane

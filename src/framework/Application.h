@@ -1,0 +1,87 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace quilvane {
+
+class MenuBar;
+class MenuItem;
+
+struct VersionData {
+    int major = 0;
+    int minor = 0;
+    int bug = 0;
+    int stage = 0;
+    int nonRelease = 0;
+    std::string shortVersion;
+    std::string description;
+    std::string legalNotice;
+};
+
+/// The program's application object, one a process; the program derives its own.
+///
+/// Made behind a Runtime and before any window. Run() delivers Event_Open and then runs the event loop until
+/// Quit().
+class Application {
+public:
+    /// Answers a chosen menu item. The result says whether no further handler is to see it; there is only
+    /// one.
+    using MenuHandler = std::function<bool()>;
+
+    Application();
+    virtual ~Application();
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+    /// The application object. There must be one.
+    static Application& instance();
+
+    void setVersionData(VersionData data);
+    const VersionData& versionData() const { return m_versionData; }
+
+    void setMenuBar(MenuBar& bar) { m_menuBar = &bar; }
+    /// The bar must have been set.
+    quilvane::MenuBar& menuBar() const { return *m_menuBar; }
+    void addMenuHandler(std::string_view itemName, MenuHandler handler);
+
+    /// Runs the step that makes the first window, delivers Event_Open and runs the event loop. Returns the
+    /// process's exit code.
+    int Run(const std::function<void()>& lateStartUp);
+
+    /// Closes all windows, each with its closing event, and ends the event loop.
+    void Quit();
+
+    /// Delivers all events that wait and all timers that are due, and gives the worker its turn. Returns as
+    /// soon as nothing is left to do, after `milliseconds` at the latest. On the main stack only.
+    static void DoEvents(int milliseconds);
+
+    // For the toolkit itself.
+    void chosen(MenuItem& item);
+    void updateMenus();
+    void windowClosed();
+
+protected:
+    virtual void Event_Open() { }
+    virtual void Event_EnableMenuItems() { }
+
+private:
+    void autoEnable(MenuItem& item) const;
+    const MenuHandler* handlerFor(std::string_view itemName) const;
+
+    VersionData m_versionData;
+    quilvane::MenuBar* m_menuBar = nullptr;
+    std::vector<std::pair<std::string, MenuHandler>> m_menuHandlers;
+    bool m_quitting = false;
+};
+
+/// Brings menu items and buttons up to date: items follow AutoEnabled, then the application's own pass runs.
+void EnableMenuItems();
+
+} // namespace quilvane

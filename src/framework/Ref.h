@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/exceptions.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace quilvane {
+
+/// A shared reference that may be nil. Following a nil one throws NilObjectException instead of crashing.
+///
+/// A factory that finds nothing returns Ref<T>::nil(why); a caller that goes on without testing then gets an
+/// exception that says why there is nothing, so the user reads "Permission denied" and not only "nil".
+template <typename T>
+class Ref {
+public:
+    Ref() = default;
+    Ref(std::shared_ptr<T> object)
+        : m_object(std::move(object))
+    {
+    }
+
+    static Ref nil(std::string why)
+    {
+        Ref result;
+        result.m_whyNil = std::move(why);
+        return result;
+    }
+
+    template <typename... Arguments>
+    static Ref make(Arguments&&... arguments)
+    {
+        return Ref(std::make_shared<T>(std::forward<Arguments>(arguments)...));
+    }
+
+    explicit operator bool() const { return static_cast<bool>(m_object); }
+
+    T* operator->() const { return &**this; }
+
+    T& operator*() const
+    {
+        if (!m_object)
+            throw NilObjectException(m_whyNil);
+        return *m_object;
+    }
+
+private:
+    std::shared_ptr<T> m_object;
+    std::string m_whyNil;
+};
+
+} // namespace quilvane

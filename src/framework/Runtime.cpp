@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/Runtime.h"
+
+#include "framework/EventGuard.h"
+#include "framework/internal/qtText.h"
+#include "framework/threads/Thread.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QPalette>
+#include <QStyleFactory>
+
+namespace quilvane {
+
+namespace {
+
+constexpr int textSize = 13; // logical pixels
+
+void reportFromThread(Thread& thread, std::exception_ptr exception)
+{
+    try {
+        std::rethrow_exception(exception);
+    } catch (const std::exception&) {
+        reportCurrentException(thread.Name() + "_Run");
+    }
+}
+
+} // namespace
+
+struct Runtime::Native {
+    Native(int& argc, char** argv)
+        : application(argc, argv)
+    {
+    }
+
+    QApplication application;
+};
+
+Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
+    : m_native(std::make_unique<Native>(argc, argv))
+{
+    // Not the display name: Qt would append that to the title of every window.
+    QApplication::setApplicationName(toQt(applicationName));
+    QApplication::setDesktopFileName(toQt(applicationName).toLower());
+    // Closing the last window does not end the program; its File menu does.
+    QApplication::setQuitOnLastWindowClosed(false);
+    // The windows' tables give places in pixels, so every desktop gets the style whose controls fit them.
+    // Colours are the desktop's own.
+    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QFont font = QApplication::font();
+    font.setPixelSize(textSize);
+    QApplication::setFont(font);
+    setUncaughtThreadHandler(reportFromThread);
+}
+
+Runtime::~Runtime() = default;
+
+void Runtime::useDarkColors()
+{
+    // From these two Qt derives the shades of frames and shadows.
+    QPalette palette(QColor(0x3a3a3a), QColor(0x2b2b2b));
+    palette.setColor(QPalette::Base, QColor(0x1f1f1f));
+    palette.setColor(QPalette::AlternateBase, QColor(0x262626));
+    palette.setColor(QPalette::Highlight, QColor(0x8a4b10));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    QApplication::setPalette(palette);
+}
+
+} // namespace quilvane

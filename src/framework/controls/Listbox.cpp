@@ -1,0 +1,149 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/controls/Listbox.h"
+
+#include "framework/controls/RowStore.h"
+#include "framework/exceptions.h"
+#include "framework/internal/Native.h"
+#include "framework/internal/RowView.h"
+#include "framework/internal/qtText.h"
+
+#include <QAbstractListModel>
+
+#include <algorithm>
+#include <limits>
+
+namespace quilvane {
+
+/// The rows, and what the view has been told of them. Between a change and the next pass of the event loop
+/// the two differ; the view then still counts the rows it knows.
+class Listbox::Model : public QAbstractListModel {
+public:
+    const RowStore& rows() const { return m_rows; }
+
+    void append(std::string_view text)
+    {
+        m_rows.append(text);
+        tellViewSoon();
+    }
+
+    void clear()
+    {
+        m_rows.clear();
+        m_rowsRemoved = true;
+        tellViewSoon();
+    }
+
+    void retain(std::span<const unsigned char> keep)
+    {
+        m_rows.retain(keep);
+        m_rowsRemoved = true;
+        tellViewSoon();
+    }
+
+    int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : m_toldRows; }
+
+    QVariant data(const QModelIndex& index, int role) const override
+    {
+        const auto row = std::size_t(index.row());
+        if (role != Qt::DisplayRole || row >= m_rows.size())
+            return {};
+        return toQt(m_rows[row]);
+    }
+
+    /// Called once a reset has taken the selection away.
+    std::function<void()> selectionLost;
+    std::function<bool()> hasSelection;
+
+private:
+    void tellViewSoon()
+    {
+        if (m_tellingPending)
+            return;
+        m_tellingPending = true;
+        QMetaObject::invokeMethod(
+            this, [this] { tellView(); }, Qt::QueuedConnection);
+    }
+
+    void tellView()
+    {
+        m_tellingPending = false;
+        const int count = int(std::min<std::size_t>(m_rows.size(), std::numeric_limits<int>::max()));
+        if (m_rowsRemoved) {
+            m_rowsRemoved = false;
+            const bool selected = hasSelection && hasSelection();
+            beginResetModel();
+            m_toldRows = count;
+            endResetModel();
+            if (selected)
+                selectionLost();
+        } else if (count > m_toldRows) {
+            beginInsertRows({}, m_toldRows, count - 1);
+            m_toldRows = count;
+            endInsertRows();
+        }
+    }
+
+    RowStore m_rows;
+    int m_toldRows = 0;
+    bool m_rowsRemoved = false;
+    bool m_tellingPending = false;
+};
+
+Listbox::Listbox(Window& window, std::string_view name)
+    : RectControl(window, name, ControlKind::Listbox)
+    , m_model(std::make_unique<Model>())
+{
+}
+
+Listbox::~Listbox()
+{
+    deleteWidget(); // ahead of the model it shows
+}
+
+void Listbox::AddRow(std::string_view text)
+{
+    m_model->append(text);
+}
+
+std::size_t Listbox::ListCount() const
+{
+    return m_model->rows().size();
+}
+
+std::string Listbox::Cell(std::size_t row, int column) const
+{
+    if (column != 0 && column != -1)
+        throw OutOfBoundsException("list column", std::size_t(column), 1);
+    return std::string(Row(row));
+}
+
+std::string_view Listbox::Row(std::size_t row) const
+{
+    if (row >= ListCount())
+        throw OutOfBoundsException("list row", row, ListCount());
+    return m_model->rows()[row];
+}
+
+void Listbox::DeleteAllRows()
+{
+    m_model->clear();
+}
+
+void Listbox::RetainRows(std::span<const unsigned char> keep)
+{
+    if (std::find(keep.begin(), keep.end(), 0) != keep.end())
+        m_model->retain(keep);
+}
+
+void Listbox::makeWidget(Native& native)
+{
+    auto* view = new RowView(native.content);
+    view->setModel(m_model.get());
+    view->selectionMoved = [this] { fire("Change", Change); };
+    m_model->hasSelection = [view] { return view->selectionModel()->hasSelection(); };
+    m_model->selectionLost = view->selectionMoved;
+    native.widget = view;
+}
+
+} // namespace quilvane

@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/controls/RectControl.h"
+
+#include "framework/EventGuard.h"
+#include "framework/controls/Window.h"
+#include "framework/internal/Native.h"
+#include "framework/internal/qtText.h"
+
+namespace quilvane {
+
+RectControl::RectControl(Window& window, std::string_view name, ControlKind kind)
+    : m_native(std::make_unique<Native>())
+    , m_name(name)
+    , m_kind(kind)
+{
+    window.add(*this);
+}
+
+RectControl::~RectControl()
+{
+    deleteWidget();
+}
+
+void RectControl::deleteWidget()
+{
+    delete m_native->widget;
+    m_native->widget = nullptr;
+}
+
+void RectControl::setVisible(bool visible)
+{
+    m_visible = visible;
+    if (m_native->widget)
+        m_native->widget->setVisible(visible);
+}
+
+void RectControl::setEnabled(bool enabled)
+{
+    m_enabled = enabled;
+    if (m_native->widget)
+        m_native->widget->setEnabled(enabled);
+}
+
+void RectControl::setAccessibleName(std::string_view name)
+{
+    if (m_native->widget)
+        m_native->widget->setAccessibleName(toQt(name));
+}
+
+void RectControl::place(const ControlRow& row)
+{
+    m_left = row.left;
+    m_top = row.top;
+    m_width = row.width;
+    m_height = row.height;
+    m_tabIndex = row.tabIndex;
+
+    const bool parked = row.left + row.width <= 0 || row.top + row.height <= 0;
+    if (!parked)
+        makeWidget(*m_native);
+    if (m_native->widget) {
+        m_native->widget->setObjectName(toQt(m_name));
+        m_native->widget->setGeometry(row.left, row.top, row.width, row.height);
+    }
+    if (!row.caption.empty())
+        setTableCaption(row.caption);
+    setVisible(row.visible);
+    setEnabled(row.enabled);
+}
+
+void RectControl::makeWidget(Native&)
+{
+}
+
+void RectControl::setTableCaption(std::string_view)
+{
+}
+
+void RectControl::fire(std::string_view event, const std::function<void()>& handler) const
+{
+    if (handler)
+        runGuarded(m_name + "_" + std::string(event), handler);
+}
+
+} // namespace quilvane

@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace quilvane {
+
+class Window;
+
+enum class ControlKind {
+    Canvas,
+    CheckBox,
+    HTMLViewer,
+    Label,
+    Listbox,
+    PushButton,
+    Slider,
+    TextArea,
+    TextField,
+};
+
+/// One row of a window's control table. Left and top are logical pixels from the content's top left corner,
+/// below the menu bar.
+struct ControlRow {
+    std::string_view name;
+    ControlKind kind;
+    std::string_view caption;
+    int left, top, width, height;
+    bool visible, enabled;
+    int tabIndex;
+};
+
+/// What all controls that have a place in a window share.
+///
+/// A control is a member of its window and registers itself there by name. The window's Layout gives it its
+/// place from the control table; only then, and only if some part of that place lies inside of the content,
+/// does it get a widget. Controls parked above or left of the content are working parts: they hold their
+/// state and fire their events like any other, but neither mouse, keyboard nor screen reader comes upon them.
+class RectControl {
+public:
+    RectControl(Window& window, std::string_view name, ControlKind kind);
+    virtual ~RectControl();
+    RectControl(const RectControl&) = delete;
+    RectControl& operator=(const RectControl&) = delete;
+
+    const std::string& Name() const { return m_name; }
+    ControlKind Kind() const { return m_kind; }
+
+    /// What was set, not whether the control can be seen: a parked control is visible, too.
+    bool Visible() const { return m_visible; }
+    void setVisible(bool visible);
+
+    bool Enabled() const { return m_enabled; }
+    void setEnabled(bool enabled);
+
+    int Left() const { return m_left; }
+    int Top() const { return m_top; }
+    int Width() const { return m_width; }
+    int Height() const { return m_height; }
+    int TabIndex() const { return m_tabIndex; }
+
+    /// What a screen reader says for a control that shows no text of its own.
+    void setAccessibleName(std::string_view name);
+
+    /// Gives the control its place and its widget. Once, by the window.
+    void place(const ControlRow& row);
+
+    struct Native;
+    Native& native() { return *m_native; }
+
+protected:
+    /// Makes the control's widget in `native.content` and connects its signals. Default: a kind that never
+    /// shows.
+    virtual void makeWidget(Native& native);
+    /// Takes the caption column of the table. Default: this kind shows none.
+    virtual void setTableCaption(std::string_view caption);
+    /// Runs behind the placing of all controls of the window.
+    virtual void opened() { }
+
+    /// For a control whose widget looks at its members: to be called in its own destructor.
+    void deleteWidget();
+
+    /// Runs an event's handler, if one is bound, under the guard, named control, underscore, event.
+    void fire(std::string_view event, const std::function<void()>& handler) const;
+
+private:
+    friend class Window;
+
+    std::unique_ptr<Native> m_native;
+    std::string m_name;
+    ControlKind m_kind;
+    bool m_visible = true;
+    bool m_enabled = true;
+    int m_left = 0;
+    int m_top = 0;
+    int m_width = 0;
+    int m_height = 0;
+    int m_tabIndex = 0;
+};
+
+} // namespace quilvane

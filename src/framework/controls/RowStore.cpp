@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/controls/RowStore.h"
+
+#include <utility>
+
+namespace quilvane {
+
+void RowStore::append(std::string_view text)
+{
+    if (m_size % rowsPerChunk == 0) {
+        Chunk next;
+        next.ends.reserve(rowsPerChunk);
+        if (!m_chunks.empty()) {
+            m_chunks.back().text.shrink_to_fit();
+            next.text.reserve(m_chunks.back().text.size());
+        }
+        m_chunks.push_back(std::move(next));
+    }
+    Chunk& chunk = m_chunks.back();
+    chunk.text.append(text);
+    chunk.ends.push_back(chunk.text.size());
+    ++m_size;
+}
+
+std::string_view RowStore::operator[](std::size_t row) const
+{
+    const Chunk& chunk = m_chunks[row / rowsPerChunk];
+    const std::size_t index = row % rowsPerChunk;
+    const std::size_t begin = index == 0 ? 0 : chunk.ends[index - 1];
+    return std::string_view(chunk.text).substr(begin, chunk.ends[index] - begin);
+}
+
+void RowStore::clear()
+{
+    m_chunks = {};
+    m_size = 0;
+}
+
+void RowStore::retain(std::span<const unsigned char> keep)
+{
+    RowStore kept;
+    for (std::size_t row = 0; row < m_size; ++row) {
+        if (keep[row])
+            kept.append((*this)[row]);
+        // What has been copied goes at once: the peak is the list and one chunk, not the list twice.
+        if (row % rowsPerChunk == rowsPerChunk - 1)
+            m_chunks[row / rowsPerChunk] = {};
+    }
+    *this = std::move(kept);
+}
+
+} // namespace quilvane

@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quilvane {
+
+/// The rows of a list: texts in chunks of one arena each, so that millions cost little more than their bytes
+/// and adding a row never moves the earlier ones. Rows are numbered from 0.
+class RowStore {
+public:
+    void append(std::string_view text);
+
+    std::size_t size() const { return m_size; }
+
+    /// Valid until rows are removed or the store goes. `row` must be below size().
+    std::string_view operator[](std::size_t row) const;
+
+    void clear();
+
+    /// Keeps row i where keep[i] is not 0, in one pass and in the same order. `keep` has size() elements.
+    void retain(std::span<const unsigned char> keep);
+
+private:
+    static constexpr std::size_t rowsPerChunk = 4096;
+
+    struct Chunk {
+        std::string text;
+        std::vector<std::size_t> ends; // byte behind each row's text
+    };
+
+    std::vector<Chunk> m_chunks; // all but the last are full
+    std::size_t m_size = 0;
+};
+
+} // namespace quilvane

@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/controls/RectControl.h"
+
+#include <cstdint>
+
+namespace quilvane {
+
+/// A counter with an event, always parked outside of the window: it has no widget.
+class Slider : public RectControl {
+public:
+    Slider(Window& window, std::string_view name);
+
+    /// The value has changed, also when a new maximum has pushed it down.
+    std::function<void()> ValueChanged;
+
+    std::int64_t Maximum() const { return m_maximum; }
+    /// May be -1, for a document without pages: the value then stays at 0.
+    void setMaximum(std::int64_t maximum);
+
+    std::int64_t Value() const { return m_value; }
+    /// Fires ValueChanged before it returns, if the value is a new one. Kept between 0 and the maximum.
+    void setValue(std::int64_t value);
+
+private:
+    std::int64_t m_maximum = 100;
+    std::int64_t m_value = 0;
+};
+
+} // namespace quilvane

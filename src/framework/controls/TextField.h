@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/controls/RectControl.h"
+
+namespace quilvane {
+
+/// A one-line text field. Parked outside of the window it has no widget and is a text buffer that takes any
+/// bytes.
+class TextField : public RectControl {
+public:
+    TextField(Window& window, std::string_view name);
+
+    /// The text has changed, by the user or by code.
+    std::function<void()> TextChange;
+
+    const std::string& Text() const { return m_text; }
+    /// Fires TextChange before it returns, if the text is a new one.
+    void setText(std::string text);
+
+private:
+    void makeWidget(Native& native) override;
+    void changeText(std::string text);
+
+    std::string m_text;
+};
+
+} // namespace quilvane

@@ -1,0 +1,258 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/controls/Window.h"
+
+#include "framework/Application.h"
+#include "framework/EventGuard.h"
+#include "framework/controls/MenuBar.h"
+#include "framework/internal/Native.h"
+#include "framework/internal/WindowNative.h"
+#include "framework/internal/qtText.h"
+
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QPixmap>
+#include <QTimer>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace quilvane {
+
+namespace {
+
+/// The frame of a window on the screen; the user's closing of it becomes the program's Close.
+class Frame : public QMainWindow {
+public:
+    explicit Frame(Window& window)
+        : m_window(window)
+    {
+    }
+
+protected:
+    void closeEvent(QCloseEvent* event) override
+    {
+        event->accept();
+        m_window.Close();
+    }
+
+private:
+    Window& m_window;
+};
+
+constexpr int smallestSide = 64;
+constexpr int largestSide = 32000;
+
+} // namespace
+
+Window::Window()
+    : m_native(std::make_unique<Native>())
+{
+    m_native->frame = std::make_unique<Frame>(*this);
+    m_native->content = new QWidget;
+    m_native->frame->setCentralWidget(m_native->content);
+}
+
+Window::~Window() = default;
+
+void Window::Show()
+{
+    QMainWindow& frame = *m_native->frame;
+    if (frame.isMinimized())
+        frame.showNormal();
+    else
+        frame.show();
+    frame.raise();
+    frame.activateWindow();
+}
+
+void Window::Close()
+{
+    if (m_closed)
+        return;
+    m_closed = true;
+    m_native->frame->hide();
+    runGuarded("Event_Close of " + Title(), [this] { Event_Close(); });
+    WindowList::instance().closed(*this);
+}
+
+std::string Window::Title() const
+{
+    return fromQt(m_native->frame->windowTitle());
+}
+
+int Window::Width() const
+{
+    return m_native->content->width();
+}
+
+int Window::Height() const
+{
+    return m_native->content->height();
+}
+
+void Window::setSize(int width, int height)
+{
+    QMainWindow& frame = *m_native->frame;
+    const QWidget* bar = frame.menuWidget();
+    frame.resize(width, height + (bar ? bar->sizeHint().height() : 0));
+}
+
+void Window::savePicture(const std::string& path) const
+{
+    if (!m_native->frame->grab().save(toQt(path), "PNG"))
+        throw std::runtime_error("The picture " + path + " could not be written.");
+}
+
+RectControl& Window::control(std::string_view name) const
+{
+    const auto found = std::find_if(m_controls.begin(), m_controls.end(),
+        [name](const RectControl* each) { return each->Name() == name; });
+    if (found == m_controls.end())
+        throw std::logic_error("no control named " + std::string(name));
+    return **found;
+}
+
+void Window::setProperties(const WindowProperties& properties)
+{
+    QMainWindow& frame = *m_native->frame;
+    frame.setWindowTitle(toQt(properties.title));
+    frame.setObjectName(toQt(properties.title));
+
+    Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+        | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+    flags.setFlag(Qt::WindowMinimizeButtonHint, properties.minimizeButton);
+    flags.setFlag(Qt::WindowMaximizeButtonHint, properties.maximizeButton);
+    frame.setWindowFlags(flags);
+
+    setSize(properties.width, properties.height);
+    if (properties.resizable) {
+        frame.setMinimumSize(smallestSide, smallestSide);
+        frame.setMaximumSize(largestSide, largestSide);
+    } else {
+        frame.setFixedSize(frame.size());
+    }
+    m_visibleAtStart = properties.visibleAtStart;
+}
+
+void Window::setMenuBar(MenuBar& bar)
+{
+    bar.attachTo(*this);
+}
+
+void Window::place(std::span<const ControlRow> table)
+{
+    std::vector<RectControl*> byTabIndex;
+    for (const ControlRow& row : table) {
+        RectControl& placed = control(row.name);
+        if (placed.Kind() != row.kind)
+            throw std::logic_error("the table gives " + placed.Name() + " another kind");
+        placed.native().content = m_native->content;
+        placed.place(row);
+        byTabIndex.push_back(&placed);
+    }
+    std::stable_sort(byTabIndex.begin(), byTabIndex.end(),
+        [](const RectControl* a, const RectControl* b) { return a->TabIndex() < b->TabIndex(); });
+    QWidget* previous = nullptr;
+    for (RectControl* each : byTabIndex) {
+        QWidget* widget = each->native().widget;
+        if (previous && widget)
+            QWidget::setTabOrder(previous, widget);
+        if (widget)
+            previous = widget;
+    }
+}
+
+void Window::add(RectControl& control)
+{
+    m_controls.push_back(&control);
+}
+
+void Window::runOpening()
+{
+    Layout();
+    if (m_visibleAtStart)
+        Show();
+    for (RectControl* each : m_controls)
+        each->opened();
+    runGuarded("Event_Open of " + Title(), [this] { Event_Open(); });
+}
+
+WindowList& WindowList::instance()
+{
+    static WindowList list;
+    return list;
+}
+
+Window& WindowList::open(std::unique_ptr<Window> window)
+{
+    Window& opened = *window;
+    m_open.push_back({ std::move(window), typeid(void) });
+    opened.runOpening();
+    return opened;
+}
+
+Window& WindowList::implicitInstance(std::type_index type, std::unique_ptr<Window> (*make)())
+{
+    for (const Entry& entry : m_open) {
+        if (entry.implicitAs == type)
+            return *entry.window;
+    }
+    // It is in the list before it opens: its own Event_Open may ask for the implicit instance.
+    m_open.push_back({ make(), type });
+    Window& made = *m_open.back().window;
+    made.runOpening();
+    return made;
+}
+
+const Window* WindowList::findImplicit(std::type_index type) const
+{
+    for (const Entry& entry : m_open) {
+        if (entry.implicitAs == type)
+            return entry.window.get();
+    }
+    return nullptr;
+}
+
+std::vector<Window*> WindowList::openWindows() const
+{
+    std::vector<Window*> windows;
+    for (const Entry& entry : m_open)
+        windows.push_back(entry.window.get());
+    return windows;
+}
+
+void WindowList::closed(Window& window)
+{
+    const auto entry = std::find_if(
+        m_open.begin(), m_open.end(), [&window](const Entry& each) { return each.window.get() == &window; });
+    if (entry == m_open.end())
+        return;
+    m_closed.push_back(std::move(entry->window));
+    m_open.erase(entry);
+    deleteClosedSoon();
+    Application::instance().windowClosed();
+}
+
+void WindowList::closeAll()
+{
+    for (Window* window : openWindows())
+        window->Close();
+}
+
+void WindowList::deleteClosedSoon()
+{
+    if (m_closed.empty())
+        return;
+    QTimer::singleShot(0, [this] {
+        if (handlerDepth() == 0)
+            deleteClosed();
+    });
+}
+
+void WindowList::deleteClosed()
+{
+    m_closed.clear();
+}
+
+} // namespace quilvane

@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/controls/RectControl.h"
+
+#include <memory>
+#include <span>
+#include <string>
+#include <typeindex>
+#include <vector>
+
+namespace quilvane {
+
+class MenuBar;
+class PushButton;
+
+/// What a window is apart from its controls. Sizes are logical pixels of the content, the menu bar not
+/// counted.
+struct WindowProperties {
+    std::string_view title;
+    int width, height;
+    bool minimizeButton = false;
+    bool maximizeButton = false;
+    bool resizable = false;
+    bool visibleAtStart = true;
+};
+
+/// A window of the program.
+///
+/// Made by implicit<W>() or openWindow<W>(): the constructor makes the controls, Layout gives them their
+/// places and binds their events, Event_Open runs. Close() runs Event_Close and takes the window off the
+/// screen; the object goes, with its data, once no handler is running any more, so a handler may close its
+/// own window and go on.
+class Window {
+public:
+    Window();
+    virtual ~Window();
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+
+    /// Shows the window, brings it to the front and gives it the keyboard.
+    void Show();
+    void Close();
+
+    std::string Title() const;
+    /// Of the content, in logical pixels.
+    int Width() const;
+    int Height() const;
+    void setSize(int width, int height);
+
+    /// Writes what the window shows, its menu bar included, to a PNG file.
+    void savePicture(const std::string& path) const;
+
+    RectControl& control(std::string_view name) const;
+
+    struct Native;
+    Native& native() { return *m_native; }
+
+protected:
+    virtual void Layout() = 0;
+    virtual void Event_Open() { }
+    virtual void Event_Close() { }
+
+    // For Layout.
+    void setProperties(const WindowProperties& properties);
+    void setMenuBar(MenuBar& bar);
+    /// Gives each control of the table its place, in the table's order, later ones above earlier ones, and
+    /// sets the tab order. Throws std::logic_error for a row without a control of that name and kind.
+    void place(std::span<const ControlRow> table);
+
+private:
+    friend class RectControl;
+    friend class WindowList;
+
+    void add(RectControl& control);
+    void runOpening();
+
+    std::unique_ptr<Native> m_native;
+    std::vector<RectControl*> m_controls; // in the order of their creation; they are members of the window
+    bool m_visibleAtStart = true;
+    bool m_closed = false;
+};
+
+/// The open windows.
+class WindowList {
+public:
+    static WindowList& instance();
+
+    Window& open(std::unique_ptr<Window> window);
+    Window& implicitInstance(std::type_index type, std::unique_ptr<Window> (*make)());
+    const Window* findImplicit(std::type_index type) const;
+    std::vector<Window*> openWindows() const;
+
+    void closed(Window& window);
+    void closeAll();
+    /// Deletes the windows that were closed, once the event loop is back with no handler on the stack.
+    void deleteClosedSoon();
+    /// Deletes them now. No handler may be on the stack.
+    void deleteClosed();
+
+private:
+    struct Entry {
+        std::unique_ptr<Window> window;
+        std::type_index implicitAs;
+    };
+
+    std::vector<Entry> m_open;
+    std::vector<std::unique_ptr<Window>> m_closed;
+};
+
+/// The implicit instance of a window: the open one, or a new one if there is none.
+template <typename W>
+W& implicit()
+{
+    return static_cast<W&>(WindowList::instance().implicitInstance(
+        typeid(W), []() -> std::unique_ptr<Window> { return std::make_unique<W>(); }));
+}
+
+/// True if the implicit instance exists; unlike implicit() this makes none.
+template <typename W>
+bool isOpen()
+{
+    return WindowList::instance().findImplicit(typeid(W)) != nullptr;
+}
+
+/// Opens one more window of a kind that has no implicit instance.
+template <typename W>
+W& openWindow()
+{
+    return static_cast<W&>(WindowList::instance().open(std::make_unique<W>()));
+}
+
+} // namespace quilvane

@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/dialogs/MessageDialog.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quilvane {
+
+/// Everything that the program asks of the desktop around it: the one seam at which a test, or a
+/// demonstration without a person, answers in the user's stead. Paths are bytes. Every call waits for its
+/// answer, on the main stack only.
+class Desktop {
+public:
+    virtual ~Desktop() = default;
+
+    /// The desktop in use: the real one unless another was put in its place.
+    static Desktop& current();
+    /// Puts `desktop` in the place of the real one; nullptr gives the real one back. The caller keeps it
+    /// alive.
+    static void use(Desktop* desktop);
+
+    /// The chosen paths; none on cancel.
+    virtual std::optional<std::string> chooseFileToOpen() = 0;
+    virtual std::optional<std::string> chooseFileToSave(std::string_view defaultName) = 0;
+    virtual std::optional<std::string> chooseFolder() = 0;
+
+    virtual void showMessage(std::string_view text) = 0;
+    virtual MessageDialog::Button showDialog(const MessageDialog& dialog) = 0;
+    /// A failure: what happened, and where.
+    virtual void showError(std::string_view what, std::string_view where) = 0;
+
+    /// Hands a file to the application that the desktop assigns to it. False if nothing took it.
+    virtual bool openWithDefaultApplication(std::string_view path) = 0;
+};
+
+} // namespace quilvane

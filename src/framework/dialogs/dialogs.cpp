@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/dialogs/dialogs.h"
+
+#include "framework/dialogs/Desktop.h"
+#include "framework/exceptions.h"
+#include "framework/files/displayName.h"
+
+namespace quilvane {
+
+namespace {
+
+Ref<FolderItem> itemFor(const std::optional<std::string>& path)
+{
+    return path ? GetFolderItem(*path) : Ref<FolderItem>();
+}
+
+} // namespace
+
+void MsgBox(std::string_view text)
+{
+    Desktop::current().showMessage(text);
+}
+
+Ref<FolderItem> GetOpenFolderItem(std::string_view)
+{
+    return itemFor(Desktop::current().chooseFileToOpen());
+}
+
+Ref<FolderItem> GetSaveFolderItem(std::string_view, std::string_view defaultName)
+{
+    return itemFor(Desktop::current().chooseFileToSave(defaultName));
+}
+
+Ref<FolderItem> SelectFolder()
+{
+    return itemFor(Desktop::current().chooseFolder());
+}
+
+void Launch(const FolderItem& item)
+{
+    if (!Desktop::current().openWithDefaultApplication(item.NativePath()))
+        throw IOException("The file \"" + displayPath(item.NativePath())
+            + "\" is written, but no application was found to open it.");
+}
+
+} // namespace quilvane

@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/Ref.h"
+#include "framework/files/InputFile.h"
+
+#include <cstdint>
+#include <string>
+
+namespace quilvane {
+
+class FolderItem;
+
+/// A regular file, read as bytes.
+///
+/// Closed by Close() or when its last reference goes.
+class BinaryStream {
+public:
+    /// Nil, with the reason, if the file can't be opened (with `readWrite`, for writing too) or is anything but a
+    /// regular file; never waits.
+    static Ref<BinaryStream> Open(const FolderItem& item, bool readWrite = false);
+
+    explicit BinaryStream(InputFile file);
+
+    /// The size of the file in bytes, now. Throws IOException.
+    std::uint64_t Length() const;
+
+    /// The next `count` bytes, fewer if the file ends before. Throws IOException, and OutOfMemoryException, before it
+    /// reads, if they are more than the memory free.
+    std::string Read(std::uint64_t count);
+
+    void Close();
+
+private:
+    InputFile m_file;
+};
+
+} // namespace quilvane

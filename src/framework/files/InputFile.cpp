@@ -1,0 +1,138 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/files/InputFile.h"
+
+#include "framework/exceptions.h"
+#include "framework/files/availableMemory.h"
+#include "framework/files/displayName.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <new>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quilvane {
+
+namespace {
+
+constexpr std::uint64_t mebibyte = std::uint64_t(1) << 20;
+/// Less than this is asked for without a look at what is free.
+constexpr std::uint64_t small = 16 * mebibyte;
+/// Left to the rest of the program.
+constexpr std::uint64_t reserve = 64 * mebibyte;
+
+std::string inMebibytes(std::uint64_t bytes)
+{
+    std::array<char, 32> text {};
+    std::snprintf(text.data(), text.size(), "%.0f MiB", static_cast<double>(bytes) / static_cast<double>(mebibyte));
+    return text.data();
+}
+
+} // namespace
+
+InputFile InputFile::open(const std::string& path, Access access, std::string& whyNot)
+{
+    InputFile file;
+    file.m_path = path;
+    // O_NONBLOCK: the open of a pipe that nobody writes to would wait for a writer.
+    const int mode = access == Access::Read ? O_RDONLY : O_RDWR;
+    FileDescriptor opened(::open(path.c_str(), mode | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    struct stat status { };
+    if (!opened.isOpen() || ::fstat(opened.number(), &status) != 0) {
+        whyNot = IOException(path, "opened", errno).what();
+    } else if (!S_ISREG(status.st_mode)) {
+        whyNot = '"' + displayPath(path) + "\" is not a regular file.";
+    } else {
+        ::posix_fadvise(opened.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
+        file.m_descriptor = std::move(opened);
+    }
+    return file;
+}
+
+std::uint64_t InputFile::size() const
+{
+    struct stat status { };
+    if (::fstat(m_descriptor.number(), &status) != 0)
+        throw IOException(m_path, "read", errno);
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
+std::uint64_t InputFile::rest() const
+{
+    const std::uint64_t all = size();
+    return all - std::min(all, m_position);
+}
+
+std::size_t InputFile::read(std::span<char> into)
+{
+    ssize_t got = 0;
+    do
+        got = ::read(m_descriptor.number(), into.data(), into.size());
+    while (got < 0 && errno == EINTR);
+    if (got < 0)
+        throw IOException(m_path, "read", errno);
+    m_position += static_cast<std::size_t>(got);
+    return static_cast<std::size_t>(got);
+}
+
+void InputFile::appendTo(std::string& text, std::uint64_t count)
+{
+    const std::uint64_t expected = std::min(rest(), count);
+    requireMemory(expected);
+    std::size_t filled = text.size();
+    const std::size_t begin = filled;
+    try {
+        text.resize(begin + expected);
+        // A file may be shorter by now, or longer, and those of /proc say that they are empty: only a read that gives
+        // nothing tells the end.
+        while (filled - begin < count) {
+            if (filled == text.size()) {
+                std::array<char, 4096> more;
+                const std::size_t wanted = std::min<std::uint64_t>(more.size(), count - (filled - begin));
+                const std::size_t got = read(std::span(more).first(wanted));
+                if (got == 0)
+                    break;
+                text.append(more.data(), got);
+                filled = text.size();
+            } else {
+                const std::size_t got = read(std::span(text).subspan(filled));
+                if (got == 0)
+                    break;
+                filled += got;
+            }
+        }
+        text.resize(filled);
+    } catch (const std::bad_alloc&) {
+        refuse(expected, availableMemory());
+    } catch (const std::length_error&) {
+        refuse(expected, availableMemory());
+    }
+}
+
+void InputFile::requireMemoryForRest(unsigned copies) const
+{
+    requireMemory(rest() * copies);
+}
+
+void InputFile::requireMemory(std::uint64_t bytes) const
+{
+    if (bytes <= small)
+        return;
+    const std::uint64_t available = availableMemory();
+    if (bytes > available - std::min(available, reserve))
+        refuse(bytes, available);
+}
+
+void InputFile::refuse(std::uint64_t bytes, std::uint64_t available) const
+{
+    throw OutOfMemoryException("The file \"" + displayPath(m_path) + "\" is too large to be read: "
+        + inMebibytes(bytes) + " are needed, and " + inMebibytes(available) + " of memory are free.");
+}
+
+} // namespace quilvane

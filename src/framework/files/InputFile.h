@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/files/FileDescriptor.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace quilvane {
+
+/// An open regular file that is read from front to back; what the input streams have in common.
+class InputFile {
+public:
+    enum class Access { Read, ReadWrite };
+
+    /// Opens what `path` names. If that fails or is no regular file, the result is not open and `whyNot` holds a
+    /// sentence for the user. Never waits for the other end of a pipe or for a device.
+    static InputFile open(const std::string& path, Access access, std::string& whyNot);
+
+    bool isOpen() const { return m_descriptor.isOpen(); }
+    void close() { m_descriptor.close(); }
+
+    /// In bytes. Throws IOException.
+    std::uint64_t size() const;
+
+    /// Reads up to `into.size()` bytes; 0 at the end of the file. Throws IOException.
+    std::size_t read(std::span<char> into);
+
+    /// Appends up to `count` of the next bytes to `text`, up to the end of the file at most. What `text` holds
+    /// already counts for the memory that is asked for. Throws IOException, and OutOfMemoryException before the
+    /// first byte is read.
+    void appendTo(std::string& text, std::uint64_t count);
+
+    /// Throws OutOfMemoryException if what the file still holds, `copies` times, is more than the memory free.
+    void requireMemoryForRest(unsigned copies) const;
+
+private:
+    std::uint64_t rest() const;
+    void requireMemory(std::uint64_t bytes) const;
+    [[noreturn]] void refuse(std::uint64_t bytes, std::uint64_t available) const;
+
+    FileDescriptor m_descriptor;
+    std::string m_path;
+    std::uint64_t m_position = 0;
+};
+
+} // namespace quilvane

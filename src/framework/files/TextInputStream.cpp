@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/files/TextInputStream.h"
+
+#include "framework/files/FolderItem.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace quilvane {
+
+namespace {
+
+constexpr std::size_t readAhead = 4096;
+/// A line of this length makes it likely that the file has no line ends at all.
+constexpr std::size_t longLine = 4096 * readAhead;
+
+} // namespace
+
+Ref<TextInputStream> TextInputStream::Open(const FolderItem& item)
+{
+    std::string whyNot;
+    InputFile file = InputFile::open(item.NativePath(), InputFile::Access::Read, whyNot);
+    if (!file.isOpen())
+        return Ref<TextInputStream>::nil(std::move(whyNot));
+    return Ref<TextInputStream>::make(std::move(file));
+}
+
+TextInputStream::TextInputStream(InputFile file)
+    : m_file(std::move(file))
+{
+}
+
+std::string TextInputStream::ReadAll()
+{
+    std::string text = std::exchange(m_buffer, {});
+    text.erase(0, std::exchange(m_taken, 0));
+    m_file.appendTo(text, std::numeric_limits<std::uint64_t>::max());
+    return text;
+}
+
+std::string TextInputStream::ReadLine()
+{
+    std::string line;
+    while (m_taken < m_buffer.size() || fillBuffer()) {
+        const std::size_t end = m_buffer.find_first_of("\r\n", m_taken);
+        line.append(m_buffer, m_taken, end - m_taken);
+        if (end == std::string::npos) {
+            m_taken = m_buffer.size();
+            if (line.size() == longLine)
+                m_file.requireMemoryForRest(2); // a string that grows is copied now and then
+            continue;
+        }
+        m_taken = end + 1;
+        if (m_buffer[end] == '\r' && (m_taken < m_buffer.size() || fillBuffer()) && m_buffer[m_taken] == '\n')
+            ++m_taken;
+        break;
+    }
+    return line;
+}
+
+std::size_t TextInputStream::Read(std::span<char> into)
+{
+    if (m_taken == m_buffer.size())
+        return m_file.read(into);
+    const std::size_t count = m_buffer.copy(into.data(), into.size(), m_taken);
+    m_taken += count;
+    return count;
+}
+
+void TextInputStream::Close()
+{
+    m_file.close();
+    m_buffer.clear();
+    m_taken = 0;
+}
+
+/// Replaces the buffer, all of which has been handed out, by what comes next. False at the end of the file.
+bool TextInputStream::fillBuffer()
+{
+    m_buffer.resize(readAhead);
+    m_taken = 0;
+    std::size_t got = 0;
+    try {
+        got = m_file.read(m_buffer);
+    } catch (...) {
+        m_buffer.clear();
+        throw;
+    }
+    m_buffer.resize(got);
+    return got > 0;
+}
+
+} // namespace quilvane

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/Ref.h"
+#include "framework/files/InputFile.h"
+
+#include <cstddef>
+#include <span>
+#include <string>
+
+namespace quilvane {
+
+class FolderItem;
+
+/// A regular file, read from its start to its end as bytes: no encoding is converted and no byte-order mark taken off.
+///
+/// Closed by Close() or when its last reference goes. Reading throws IOException, also on a closed stream.
+class TextInputStream {
+public:
+    /// Nil, with the reason, if the file can't be opened or is anything but a regular file (a folder, a pipe, a
+    /// device); never waits.
+    static Ref<TextInputStream> Open(const FolderItem& item);
+
+    explicit TextInputStream(InputFile file);
+
+    /// The rest of the file. Throws OutOfMemoryException, before it reads, if that is more than the memory free.
+    std::string ReadAll();
+
+    /// The next line without its end, which is LF, CR or CRLF; empty at the end of the file. OutOfMemoryException as
+    /// with ReadAll, for a line that does not end.
+    std::string ReadLine();
+
+    /// Reads up to `into.size()` bytes and returns how many; 0 at the end of the file only (or for an empty span).
+    std::size_t Read(std::span<char> into);
+
+    void Close();
+
+private:
+    bool fillBuffer();
+
+    InputFile m_file;
+    std::string m_buffer; // what ReadLine has read ahead; the first m_taken bytes of it have been handed out
+    std::size_t m_taken = 0;
+};
+
+} // namespace quilvane

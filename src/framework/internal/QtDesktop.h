@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/dialogs/Desktop.h"
+
+namespace quilvane {
+
+/// The real desktop.
+class QtDesktop : public Desktop {
+public:
+    std::optional<std::string> chooseFileToOpen() override;
+    std::optional<std::string> chooseFileToSave(std::string_view defaultName) override;
+    std::optional<std::string> chooseFolder() override;
+    void showMessage(std::string_view text) override;
+    MessageDialog::Button showDialog(const MessageDialog& dialog) override;
+    void showError(std::string_view what, std::string_view where) override;
+    bool openWithDefaultApplication(std::string_view path) override;
+};
+
+} // namespace quilvane

@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/internal/editCommands.h"
+
+#include "framework/internal/RowView.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+
+#include <algorithm>
+#include <array>
+
+namespace quilvane {
+
+namespace {
+
+struct Command {
+    std::string_view itemName;
+    bool (*possible)(const QLineEdit&);
+    void (*carryOut)(QLineEdit&);
+};
+
+bool hasSelection(const QLineEdit& edit)
+{
+    return edit.hasSelectedText();
+}
+
+constexpr std::array commands{
+    Command{ "EditUndo", [](const QLineEdit& edit) { return edit.isUndoAvailable(); },
+        [](QLineEdit& edit) { edit.undo(); } },
+    Command{ "EditCut", hasSelection, [](QLineEdit& edit) { edit.cut(); } },
+    Command{ "EditCopy", hasSelection, [](QLineEdit& edit) { edit.copy(); } },
+    Command{ "EditPaste", [](const QLineEdit&) { return !QApplication::clipboard()->text().isEmpty(); },
+        [](QLineEdit& edit) { edit.paste(); } },
+    Command{ "EditClear", hasSelection, [](QLineEdit& edit) { edit.del(); } },
+    Command{ "EditSelectAll", [](const QLineEdit& edit) { return !edit.text().isEmpty(); },
+        [](QLineEdit& edit) { edit.selectAll(); } },
+};
+
+const Command* find(std::string_view itemName)
+{
+    const auto found = std::find_if(commands.begin(), commands.end(),
+        [itemName](const Command& command) { return command.itemName == itemName; });
+    return found == commands.end() ? nullptr : &*found;
+}
+
+/// The list, too, serves one of the commands: the selected address can be copied.
+QString selectedRowToCopy(std::string_view itemName)
+{
+    const auto* list = qobject_cast<QListView*>(QApplication::focusWidget());
+    if (itemName != "EditCopy" || !list || !list->selectionModel() || !list->selectionModel()->hasSelection())
+        return {};
+    return list->selectionModel()->selectedIndexes().first().data().toString();
+}
+
+} // namespace
+
+bool isEditCommand(std::string_view itemName)
+{
+    return find(itemName) != nullptr;
+}
+
+bool canEdit(std::string_view itemName)
+{
+    if (const auto* edit = qobject_cast<QLineEdit*>(QApplication::focusWidget()))
+        return find(itemName)->possible(*edit);
+    return !selectedRowToCopy(itemName).isEmpty();
+}
+
+void edit(std::string_view itemName)
+{
+    if (!canEdit(itemName))
+        return;
+    if (auto* lineEdit = qobject_cast<QLineEdit*>(QApplication::focusWidget()))
+        find(itemName)->carryOut(*lineEdit);
+    else
+        QApplication::clipboard()->setText(selectedRowToCopy(itemName));
+}
+
+} // namespace quilvane

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace quilvane {
+
+/// A pattern ready to run; what RegEx objects of one pattern share. On one OS thread only, like all that uses it.
+class CompiledPattern {
+public:
+    enum class EmptyAtStart { Allowed, Skipped };
+
+    /// From the store of the last patterns used, or compiled now. Throws RegExSearchPatternException.
+    static std::shared_ptr<const CompiledPattern> get(const std::string& pattern);
+
+    /// Throws RegExSearchPatternException.
+    explicit CompiledPattern(std::string pattern);
+    ~CompiledPattern();
+    CompiledPattern(const CompiledPattern&) = delete;
+    CompiledPattern& operator=(const CompiledPattern&) = delete;
+
+    const std::string& pattern() const { return m_pattern; }
+
+    /// Looks for the first match that begins at `start` or behind; `start` is at most the size of the text. Gives
+    /// pairs of begin and end offsets, for the whole match and for each bracket (`unset` for one that took no part),
+    /// or nothing if there is no match. They hold until the pattern is run again. Throws RegExException.
+    std::span<const std::size_t> run(
+        std::string_view text, std::size_t start = 0, EmptyAtStart empty = EmptyAtStart::Allowed) const;
+
+    static constexpr std::size_t unset = ~std::size_t(0);
+
+private:
+    struct Native;
+
+    std::string m_pattern;
+    std::unique_ptr<Native> m_native;
+};
+
+} // namespace quilvane

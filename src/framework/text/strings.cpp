@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/text/strings.h"
+
+#include "framework/exceptions.h"
+
+#include <algorithm>
+
+namespace quilvane {
+
+namespace {
+
+char asciiLower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+} // namespace
+
+std::string Str(std::int64_t number)
+{
+    return std::to_string(number);
+}
+
+std::string Chr(int code)
+{
+    constexpr int asciiCount = 128;
+    if (code < 0 || code >= asciiCount)
+        throw OutOfBoundsException("ASCII character", static_cast<std::size_t>(code), asciiCount);
+    return std::string(1, static_cast<char>(code));
+}
+
+std::vector<std::string> Split(std::string_view text, std::string_view separator)
+{
+    std::vector<std::string> pieces;
+    std::size_t begin = 0;
+    if (!separator.empty()) {
+        for (std::size_t end = 0; (end = text.find(separator, begin)) != std::string_view::npos;
+             begin = end + separator.size())
+            pieces.emplace_back(text.substr(begin, end - begin));
+    }
+    pieces.emplace_back(text.substr(begin));
+    return pieces;
+}
+
+bool equalsIgnoringCase(std::string_view left, std::string_view right)
+{
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+        [](char a, char b) { return asciiLower(a) == asciiLower(b); });
+}
+
+} // namespace quilvane

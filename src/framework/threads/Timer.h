@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace quilvane {
+
+/// Fires Action from the event loop again and again while it is enabled; never while a handler runs, unless
+/// that handler runs the event loop itself.
+class Timer {
+public:
+    /// `period` is in milliseconds.
+    Timer(std::string name, int period);
+    ~Timer();
+
+    std::function<void()> Action;
+
+    int Period() const;
+    bool Enabled() const;
+    void setEnabled(bool enabled);
+
+private:
+    struct Native;
+    std::unique_ptr<Native> m_native;
+};
+
+} // namespace quilvane

@@ -1,0 +1,287 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scan/AddressScanner.h"
+
+#include "scan/byteClasses.h"
+
+#include <bit>
+#include <cstddef>
+#include <cstring>
+
+#if defined(__x86_64__)
+#define QUILVANE_HAS_AVX2_KERNEL 1
+#include <immintrin.h>
+#else
+#define QUILVANE_HAS_AVX2_KERNEL 0
+#endif
+
+namespace quilvane {
+
+namespace {
+
+std::string_view viewOf(const char* begin, const char* end)
+{
+    return { begin, static_cast<std::size_t>(end - begin) };
+}
+
+} // namespace
+
+bool AddressScanner::isSupported(Kernel kernel)
+{
+#if QUILVANE_HAS_AVX2_KERNEL
+    return kernel == Kernel::Scalar || (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi"));
+#else
+    return kernel == Kernel::Scalar;
+#endif
+}
+
+AddressScanner::Kernel AddressScanner::fastestKernel()
+{
+    static const Kernel fastest = isSupported(Kernel::Avx2) ? Kernel::Avx2 : Kernel::Scalar;
+    return fastest;
+}
+
+AddressScanner::AddressScanner(std::string_view text, Kernel kernel)
+    : m_begin(text.data())
+    , m_end(text.data() + text.size())
+    , m_previousMatchEnd(text.data())
+    , m_unsearched(text.data())
+    , m_kernel(kernel)
+{
+}
+
+std::optional<std::string_view> AddressScanner::next()
+{
+    return m_kernel == Kernel::Avx2 ? nextAvx2() : nextScalar();
+}
+
+std::optional<std::string_view> AddressScanner::nextScalar()
+{
+    while (m_unsearched != m_end) {
+        const auto remaining = static_cast<std::size_t>(m_end - m_unsearched);
+        const auto* at = static_cast<const char*>(std::memchr(m_unsearched, '@', remaining));
+        if (!at) {
+            m_unsearched = m_end;
+            break;
+        }
+        m_unsearched = at + 1;
+        if (const std::string_view match = matchAround(at); !match.empty()) {
+            m_previousMatchEnd = match.data() + match.size();
+            return match;
+        }
+    }
+    return std::nullopt;
+}
+
+/// The match whose '@' is at `at`; empty if there is none.
+std::string_view AddressScanner::matchAround(const char* at) const
+{
+    const char* begin = localPartBegin(at);
+    if (!begin)
+        return {};
+    const char* end = domainEnd(at + 1);
+    if (!end)
+        return {};
+    return viewOf(begin, end);
+}
+
+/// Where the match around the '@' at `at` begins: at the leftmost word boundary of the run before it. Null if
+/// the run has no boundary.
+const char* AddressScanner::localPartBegin(const char* at) const
+{
+    // What follows a match is no word character, so its end is a boundary and a match may begin there on any
+    // byte. Everywhere else a run begins behind a byte that is no word character.
+    const char* firstWordByte = nullptr;
+    const char* begin = at;
+    while (begin != m_previousMatchEnd && isOf(begin[-1], ByteClass::localPart)) {
+        --begin;
+        if (isOf(*begin, ByteClass::word))
+            firstWordByte = begin;
+    }
+    if (begin == m_previousMatchEnd && begin != m_begin && begin != at)
+        return begin;
+    return firstWordByte;
+}
+
+/// Where the domain that begins at `domain` ends: behind the last of its dots that two letters or more and
+/// then no word character follow. Null if there is no such dot behind the domain's first byte.
+const char* AddressScanner::domainEnd(const char* domain) const
+{
+    const char* runEnd = domain;
+    while (runEnd != m_end && isOf(*runEnd, ByteClass::domain))
+        ++runEnd;
+
+    const char* labelEnd = runEnd;
+    for (const char* byte = runEnd; byte - 1 > domain;) {
+        --byte;
+        if (isOf(*byte, ByteClass::letter))
+            continue;
+        const bool isBoundary = labelEnd == m_end || !isOf(*labelEnd, ByteClass::word);
+        if (*byte == '.' && labelEnd - byte > 2 && isBoundary)
+            return labelEnd;
+        labelEnd = byte;
+    }
+    return nullptr;
+}
+
+#if QUILVANE_HAS_AVX2_KERNEL
+
+#define QUILVANE_AVX2 __attribute__((target("avx2,bmi")))
+
+namespace {
+
+constexpr std::ptrdiff_t windowSize = 32;
+constexpr std::ptrdiff_t blockSize = 64;
+
+/// Classes of bytes as two table look-ups give them, one by the high and one by the low half of a byte: a
+/// byte is of a class if both of its halves name that class. Letters take two, as their halves do not combine
+/// freely.
+struct HalfClass {
+    static constexpr char digit = 1; // 0x30 to 0x39
+    static constexpr char lettersToO = 2; // 0x41 to 0x4f, 0x61 to 0x6f
+    static constexpr char lettersFromP = 4; // 0x50 to 0x5a, 0x70 to 0x7a
+    static constexpr char underscore = 8; // 0x5f
+    static constexpr char dotOrDash = 16; // 0x2e, 0x2d
+    static constexpr char percentOrPlus = 32; // 0x25, 0x2b
+
+    static constexpr char letter = lettersToO | lettersFromP;
+    static constexpr char word = letter | digit | underscore;
+    static constexpr char domain = letter | digit | dotOrDash;
+};
+
+QUILVANE_AVX2 inline __m256i load(const char* bytes)
+{
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
+}
+
+/// The classes of each byte; 0 for a byte that no address holds.
+QUILVANE_AVX2 inline __m256i classify(__m256i bytes)
+{
+    using C = HalfClass;
+    constexpr char inAll = C::digit | C::lettersToO | C::lettersFromP; // low halves 1 to 9
+    const __m256i lowHalf = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(C::digit | C::lettersFromP, inAll, inAll, inAll, inAll, inAll | C::percentOrPlus, inAll,
+            inAll, inAll, inAll, C::letter, C::lettersToO | C::percentOrPlus, C::lettersToO,
+            C::lettersToO | C::dotOrDash, C::lettersToO | C::dotOrDash, C::lettersToO | C::underscore));
+    const __m256i highHalf = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(0, 0, C::dotOrDash | C::percentOrPlus, C::digit, C::lettersToO,
+            C::lettersFromP | C::underscore, C::lettersToO, C::lettersFromP, 0, 0, 0, 0, 0, 0, 0, 0));
+    const __m256i highHalves = _mm256_and_si256(_mm256_srli_epi16(bytes, 4), _mm256_set1_epi8(0x0f));
+    // A shuffle gives 0 where the index has its top bit set, that is for bytes above 127.
+    return _mm256_and_si256(_mm256_shuffle_epi8(lowHalf, bytes), _mm256_shuffle_epi8(highHalf, highHalves));
+}
+
+/// Bit i is set if byte i is of none of `wanted`.
+QUILVANE_AVX2 inline std::uint32_t noneOf(__m256i classes, char wanted)
+{
+    const __m256i found = _mm256_and_si256(classes, _mm256_set1_epi8(wanted));
+    return static_cast<std::uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(found, _mm256_setzero_si256())));
+}
+
+QUILVANE_AVX2 inline std::uint32_t equalTo(__m256i bytes, char wanted)
+{
+    return static_cast<std::uint32_t>(
+        _mm256_movemask_epi8(_mm256_cmpeq_epi8(bytes, _mm256_set1_epi8(wanted))));
+}
+
+/// Bit i is set if byte i of the block is an '@'.
+QUILVANE_AVX2 inline std::uint64_t atsIn(const char* block)
+{
+    const std::uint64_t low = equalTo(load(block), '@');
+    const std::uint64_t high = equalTo(load(block + windowSize), '@');
+    return low | high << windowSize;
+}
+
+/// Goes forward from `bytes` by pairs of blocks for as long as they hold no '@'.
+QUILVANE_AVX2 inline const char* skipBlocksWithoutAt(const char* bytes, const char* end)
+{
+    const __m256i ats = _mm256_set1_epi8('@');
+    while (end - bytes >= 2 * blockSize) {
+        const __m256i low = _mm256_or_si256(_mm256_cmpeq_epi8(load(bytes), ats), _mm256_cmpeq_epi8(load(bytes + windowSize), ats));
+        const __m256i high = _mm256_or_si256(_mm256_cmpeq_epi8(load(bytes+blockSize), ats), _mm256_cmpeq_epi8(load(bytes + blockSize+windowSize), ats));
+        const __m256i any = _mm256_or_si256(low, high);
+        if (!_mm256_testz_si256(any, any))
+            break;
+        bytes += 2 * blockSize;
+    }
+    return bytes;
+}
+
+} // namespace
+
+QUILVANE_AVX2 std::optional<std::string_view> AddressScanner::nextAvx2()
+{
+    for (;;) {
+        while (m_pendingAts != 0) {
+            const char* at = m_unsearched - blockSize + std::countr_zero(m_pendingAts);
+            m_pendingAts &= m_pendingAts - 1;
+            if (const std::string_view match = matchAroundAvx2(at); !match.empty()) {
+                m_previousMatchEnd = match.data() + match.size();
+                return match;
+            }
+        }
+        m_unsearched = skipBlocksWithoutAt(m_unsearched, m_end);
+        if (m_end - m_unsearched < blockSize)
+            return nextScalar();
+        m_pendingAts = atsIn(m_unsearched);
+        m_unsearched += blockSize;
+    }
+}
+
+/// matchAround() with the 32 bytes on either side of the '@' looked at together. What reaches out of them is
+/// left to matchAround().
+QUILVANE_AVX2 std::string_view AddressScanner::matchAroundAvx2(const char* at) const
+{
+    if (at - m_begin < windowSize || m_end - at <= windowSize)
+        return matchAround(at);
+
+    const __m256i left = classify(load(at - windowSize));
+    const std::uint32_t leftStops = equalTo(left, 0);
+    const __m256i rightBytes = load(at + 1);
+    const __m256i right = classify(rightBytes);
+    const std::uint32_t rightStops = noneOf(right, HalfClass::domain);
+    if (leftStops == 0 || rightStops == 0)
+        return matchAround(at);
+
+    // Bit 31 stands for the byte before the '@'.
+    const std::ptrdiff_t runSize = std::countl_zero(leftStops);
+    const char* begin;
+    if (const std::ptrdiff_t room = at - m_previousMatchEnd;
+        room <= runSize && m_previousMatchEnd != m_begin) {
+        if (room == 0)
+            return {};
+        begin = m_previousMatchEnd;
+    } else {
+        const std::uint32_t inRun = ~(0xffffffffU >> runSize);
+        const std::uint32_t wordBytes = ~noneOf(left, HalfClass::word) & inRun;
+        if (wordBytes == 0)
+            return {};
+        begin = at - windowSize + std::countr_zero(wordBytes);
+    }
+
+    // Bit 0 stands for the byte behind the '@', which cannot be the pattern's dot.
+    const std::uint32_t beforeStop = rightStops & (0U - rightStops);
+    std::uint32_t dots = equalTo(rightBytes, '.') & (beforeStop - 1) & ~1U;
+    const std::uint32_t noLetters = noneOf(right, HalfClass::letter);
+    const std::uint32_t wordBytes = ~noneOf(right, HalfClass::word);
+    while (dots != 0) {
+        const int dot = 31 - std::countl_zero(dots);
+        // The run's stop lies behind every dot, so there is a byte that is no letter.
+        const int labelEnd = std::countr_zero(noLetters & ~(0xffffffffU >> (31 - dot)));
+        if (labelEnd - dot > 2 && (wordBytes >> labelEnd & 1) == 0)
+            return viewOf(begin, at + 1 + labelEnd);
+        dots ^= 1U << dot;
+    }
+    return {};
+}
+
+#else
+
+std::optional<std::string_view> AddressScanner::nextAvx2()
+{
+    return nextScalar();
+}
+
+#endif
+
+} // namespace quilvane
