@@ -48,10 +48,10 @@ void Window1::Layout()
     setProperties({ .title = "Quilvane",
         .width = 608,
         .height = 641,
+        .menuBar = &MainMenuBar::instance(),
         .minimizeButton = true,
         .resizable = true,
         .visibleAtStart = false });
-    setMenuBar(MainMenuBar::instance());
     place(controlTable);
 
     Canvas1.setBackdrop(Quilvane_200());

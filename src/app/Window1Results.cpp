@@ -6,13 +6,9 @@
 
 #include "framework/Application.h"
 #include "scan/AddressScanner.h"
-#include "scan/DuplicateFinder.h"
 #include "scan/TextPieces.h"
 #include "scan/endTexts.h"
-#include "scan/pictureName.h"
-
-#include <algorithm>
-#include <span>
+#include "scan/survivors.h"
 
 namespace quilvane {
 
@@ -73,21 +69,8 @@ void Window1::setTotalLabel()
 
 void Window1::checkDuplicates()
 {
-    constexpr std::size_t blockSize = 256;
-    const std::size_t rows = Listbox1.ListCount();
-    std::vector<unsigned char> keep(rows);
-    DuplicateFinder duplicates(rows, [this](std::size_t row) { return Listbox1.Row(row); });
-    for (std::size_t begin = 0; begin < rows; begin += blockSize) {
-        const std::size_t end = std::min(begin + blockSize, rows);
-        duplicates.mark(std::span(keep).subspan(begin, end - begin));
-        // A picture's name equals other pictures' names only, so it may go in the same pass.
-        for (std::size_t row = begin; row < end; ++row) {
-            if (looksLikePictureName(Listbox1.Row(row)))
-                keep[row] = 0;
-        }
-        yieldToThreads();
-    }
-    Listbox1.RetainRows(keep);
+    const auto rowText = [this](std::size_t row) { return Listbox1.Row(row); };
+    Listbox1.RetainRows(findSurvivors(Listbox1.ListCount(), rowText, yieldToThreads));
 }
 
 void Window1::Listbox1_Change()

@@ -22,6 +22,11 @@ std::string quote(std::string_view text)
     return '"' + displayPath(text.substr(0, end)) + "…\"";
 }
 
+std::string because(int errorNumber)
+{
+    return ": " + std::generic_category().message(errorNumber) + '.';
+}
+
 } // namespace
 
 NilObjectException::NilObjectException(const std::string& why)
@@ -49,9 +54,15 @@ RegExException::RegExException(std::string_view pattern, std::string_view reason
 }
 
 IOException::IOException(std::string_view path, std::string_view failed, int errorNumber)
-    : RuntimeException("The file \"" + displayPath(path) + "\" could not be " + std::string(failed) + ": "
-        + std::generic_category().message(errorNumber) + ".")
+    : RuntimeException(
+        "The file \"" + displayPath(path) + "\" could not be " + std::string(failed) + because(errorNumber))
 {
+}
+
+IOException IOException::folderNotCreated(std::string_view path, int errorNumber)
+{
+    return IOException(
+        "The folder \"" + displayPath(path) + "\" could not be created" + because(errorNumber));
 }
 
 ThreadAlreadyRunningException::ThreadAlreadyRunningException()

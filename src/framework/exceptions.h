@@ -49,6 +49,9 @@ public:
 
     /// "The file "x" could not be <failed>: <text of errorNumber>." `errorNumber` is an errno value.
     IOException(std::string_view path, std::string_view failed, int errorNumber);
+
+    /// "The folder "x" could not be created: <text of errorNumber>."
+    static IOException folderNotCreated(std::string_view path, int errorNumber);
 };
 
 /// Something needs more memory than the machine can give.

@@ -134,8 +134,8 @@ constexpr std::ptrdiff_t windowSize = 32;
 constexpr std::ptrdiff_t blockSize = 64;
 
 /// Classes of bytes as two table look-ups give them, one by the high and one by the low half of a byte: a
-/// byte is of a class if both of its halves name that class. Letters take two, as their halves do not combine
-/// freely.
+/// byte is of a class if both halves name it. Letters take two, as not every high half goes with every low
+/// half.
 struct HalfClass {
     static constexpr char digit = 1; // 0x30 to 0x39
     static constexpr char lettersToO = 2; // 0x41 to 0x4f, 0x61 to 0x6f
@@ -195,14 +195,13 @@ QUILVANE_AVX2 inline std::uint64_t atsIn(const char* block)
 /// Goes forward from `bytes` by pairs of blocks for as long as they hold no '@'.
 QUILVANE_AVX2 inline const char* skipBlocksWithoutAt(const char* bytes, const char* end)
 {
-    const __m256i ats = _mm256_set1_epi8('@');
-    while (end - bytes >= 2 * blockSize) {
-        const __m256i low = _mm256_or_si256(_mm256_cmpeq_epi8(load(bytes), ats), _mm256_cmpeq_epi8(load(bytes + windowSize), ats));
-        const __m256i high = _mm256_or_si256(_mm256_cmpeq_epi8(load(bytes+blockSize), ats), _mm256_cmpeq_epi8(load(bytes + blockSize+windowSize), ats));
-        const __m256i any = _mm256_or_si256(low, high);
-        if (!_mm256_testz_si256(any, any))
+    const __m256i at = _mm256_set1_epi8('@');
+    for (; end - bytes >= 2 * blockSize; bytes += 2 * blockSize) {
+        __m256i found = _mm256_cmpeq_epi8(load(bytes), at);
+        for (std::ptrdiff_t i = windowSize; i < 2 * blockSize; i += windowSize)
+            found = _mm256_or_si256(found, _mm256_cmpeq_epi8(load(bytes + i), at));
+        if (!_mm256_testz_si256(found, found))
             break;
-        bytes += 2 * blockSize;
     }
     return bytes;
 }
@@ -211,21 +210,30 @@ QUILVANE_AVX2 inline const char* skipBlocksWithoutAt(const char* bytes, const ch
 
 QUILVANE_AVX2 std::optional<std::string_view> AddressScanner::nextAvx2()
 {
+    // Copies, as the members might lie in the text for all that the compiler knows.
+    const char* unsearched = m_unsearched;
+    std::uint64_t pendingAts = m_pendingAts;
     for (;;) {
-        while (m_pendingAts != 0) {
-            const char* at = m_unsearched - blockSize + std::countr_zero(m_pendingAts);
-            m_pendingAts &= m_pendingAts - 1;
+        while (pendingAts != 0) {
+            const char* at = unsearched - blockSize + std::countr_zero(pendingAts);
+            pendingAts &= pendingAts - 1;
             if (const std::string_view match = matchAroundAvx2(at); !match.empty()) {
                 m_previousMatchEnd = match.data() + match.size();
+                m_unsearched = unsearched;
+                m_pendingAts = pendingAts;
                 return match;
             }
         }
-        m_unsearched = skipBlocksWithoutAt(m_unsearched, m_end);
-        if (m_end - m_unsearched < blockSize)
-            return nextScalar();
-        m_pendingAts = atsIn(m_unsearched);
-        m_unsearched += blockSize;
+        if (m_end - unsearched < blockSize)
+            break;
+        pendingAts = atsIn(unsearched);
+        unsearched += blockSize;
+        if (pendingAts == 0)
+            unsearched = skipBlocksWithoutAt(unsearched, m_end);
     }
+    m_unsearched = unsearched;
+    m_pendingAts = 0;
+    return nextScalar();
 }
 
 /// matchAround() with the 32 bytes on either side of the '@' looked at together. What reaches out of them is
@@ -245,30 +253,25 @@ QUILVANE_AVX2 std::string_view AddressScanner::matchAroundAvx2(const char* at) c
 
     // Bit 31 stands for the byte before the '@'.
     const std::ptrdiff_t runSize = std::countl_zero(leftStops);
-    const char* begin;
-    if (const std::ptrdiff_t room = at - m_previousMatchEnd;
-        room <= runSize && m_previousMatchEnd != m_begin) {
-        if (room == 0)
-            return {};
-        begin = m_previousMatchEnd;
-    } else {
+    const char* begin = m_previousMatchEnd;
+    if (at - begin > runSize || begin == m_begin) {
         const std::uint32_t inRun = ~(0xffffffffU >> runSize);
         const std::uint32_t wordBytes = ~noneOf(left, HalfClass::word) & inRun;
         if (wordBytes == 0)
             return {};
         begin = at - windowSize + std::countr_zero(wordBytes);
     }
+    if (begin == at)
+        return {};
 
-    // Bit 0 stands for the byte behind the '@', which cannot be the pattern's dot.
-    const std::uint32_t beforeStop = rightStops & (0U - rightStops);
-    std::uint32_t dots = equalTo(rightBytes, '.') & (beforeStop - 1) & ~1U;
+    // Bit 0 stands for the byte behind the '@', where the last dot cannot be.
+    const std::uint32_t firstStop = rightStops & (0U - rightStops);
     const std::uint32_t noLetters = noneOf(right, HalfClass::letter);
-    const std::uint32_t wordBytes = ~noneOf(right, HalfClass::word);
-    while (dots != 0) {
+    for (std::uint32_t dots = equalTo(rightBytes, '.') & (firstStop - 1) & ~1U; dots != 0;) {
         const int dot = 31 - std::countl_zero(dots);
-        // The run's stop lies behind every dot, so there is a byte that is no letter.
-        const int labelEnd = std::countr_zero(noLetters & ~(0xffffffffU >> (31 - dot)));
-        if (labelEnd - dot > 2 && (wordBytes >> labelEnd & 1) == 0)
+        const std::uint32_t behindDot = ~(0xffffffffU >> (31 - dot));
+        const int labelEnd = std::countr_zero(noLetters & behindDot);
+        if (labelEnd - dot > 2 && !isOf(at[1 + labelEnd], ByteClass::word))
             return viewOf(begin, at + 1 + labelEnd);
         dots ^= 1U << dot;
     }

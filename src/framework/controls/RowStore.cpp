@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/RowStore.h"
 
+#include <limits>
+#include <stdexcept>
 #include <utility>
 
 namespace quilvane {
@@ -18,8 +20,11 @@ void RowStore::append(std::string_view text)
         m_chunks.push_back(std::move(next));
     }
     Chunk& chunk = m_chunks.back();
+    if (chunk.text.size() + text.size() > std::numeric_limits<std::uint32_t>::max())
+        throw std::length_error(
+            "These rows are too long for a list: more than 4 GB in a few thousand of them.");
     chunk.text.append(text);
-    chunk.ends.push_back(chunk.text.size());
+    chunk.ends.push_back(std::uint32_t(chunk.text.size()));
     ++m_size;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,6 +15,7 @@ namespace quilvane {
 /// and adding a row never moves the earlier ones. Rows are numbered from 0.
 class RowStore {
 public:
+    /// Throws std::length_error for a row that takes a chunk past 4 GB.
     void append(std::string_view text);
 
     std::size_t size() const { return m_size; }
@@ -31,7 +33,7 @@ private:
 
     struct Chunk {
         std::string text;
-        std::vector<std::size_t> ends; // byte behind each row's text
+        std::vector<std::uint32_t> ends; // byte behind each row's text
     };
 
     std::vector<Chunk> m_chunks; // all but the last are full

@@ -125,6 +125,8 @@ void Window::setProperties(const WindowProperties& properties)
     flags.setFlag(Qt::WindowMaximizeButtonHint, properties.maximizeButton);
     frame.setWindowFlags(flags);
 
+    if (properties.menuBar)
+        properties.menuBar->attachTo(*this);
     setSize(properties.width, properties.height);
     if (properties.resizable) {
         frame.setMinimumSize(smallestSide, smallestSide);
@@ -133,11 +135,6 @@ void Window::setProperties(const WindowProperties& properties)
         frame.setFixedSize(frame.size());
     }
     m_visibleAtStart = properties.visibleAtStart;
-}
-
-void Window::setMenuBar(MenuBar& bar)
-{
-    bar.attachTo(*this);
 }
 
 void Window::place(std::span<const ControlRow> table)

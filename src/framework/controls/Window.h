@@ -13,13 +13,13 @@
 namespace quilvane {
 
 class MenuBar;
-class PushButton;
 
 /// What a window is apart from its controls. Sizes are logical pixels of the content, the menu bar not
 /// counted.
 struct WindowProperties {
     std::string_view title;
     int width, height;
+    MenuBar* menuBar = nullptr;
     bool minimizeButton = false;
     bool maximizeButton = false;
     bool resizable = false;
@@ -64,7 +64,6 @@ protected:
 
     // For Layout.
     void setProperties(const WindowProperties& properties);
-    void setMenuBar(MenuBar& bar);
     /// Gives each control of the table its place, in the table's order, later ones above earlier ones, and
     /// sets the tab order. Throws std::logic_error for a row without a control of that name and kind.
     void place(std::span<const ControlRow> table);

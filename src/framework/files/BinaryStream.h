@@ -17,8 +17,8 @@ class FolderItem;
 /// Closed by Close() or when its last reference goes.
 class BinaryStream {
 public:
-    /// Nil, with the reason, if the file can't be opened (with `readWrite`, for writing too) or is anything but a
-    /// regular file; never waits.
+    /// Nil, with the reason, if the file can't be opened (with `readWrite`, for writing too) or is anything
+    /// but a regular file; never waits.
     static Ref<BinaryStream> Open(const FolderItem& item, bool readWrite = false);
 
     explicit BinaryStream(InputFile file);
@@ -26,8 +26,8 @@ public:
     /// The size of the file in bytes, now. Throws IOException.
     std::uint64_t Length() const;
 
-    /// The next `count` bytes, fewer if the file ends before. Throws IOException, and OutOfMemoryException, before it
-    /// reads, if they are more than the memory free.
+    /// The next `count` bytes, fewer if the file ends before. Throws IOException, and OutOfMemoryException,
+    /// before it reads, if they are more than the memory free.
     std::string Read(std::uint64_t count);
 
     void Close();

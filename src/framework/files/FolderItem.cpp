@@ -76,8 +76,8 @@ Ref<FolderItem> FolderItem::Item(int index) const
     const std::vector<std::string>& names = children();
     const auto position = static_cast<std::size_t>(index) - 1;
     if (index < 1 || position >= names.size())
-        return Ref<FolderItem>::nil("The folder \"" + displayPath(m_path) + "\" has no item number "
-            + std::to_string(index) + ".");
+        return Ref<FolderItem>::nil(
+            "The folder \"" + displayPath(m_path) + "\" has no item number " + std::to_string(index) + ".");
     return Ref<FolderItem>::make(joined(m_path, names[position]));
 }
 
@@ -88,8 +88,7 @@ void FolderItem::CreateAsFolder() const
         return;
     const int reason = errno;
     if (reason != EEXIST || !Directory())
-        throw IOException("The folder \"" + displayPath(m_path)
-            + "\" could not be created: " + std::generic_category().message(reason) + ".");
+        throw IOException::folderNotCreated(m_path, reason);
 }
 
 Ref<TextOutputStream> FolderItem::CreateTextFile() const
@@ -119,7 +118,8 @@ Ref<FolderItem> GetFolderItem(std::string_view path)
         return Ref<FolderItem>::nil('"' + displayPath(path) + "\" can't be the path of a file.");
     if (path.starts_with('/'))
         return Ref<FolderItem>::make(std::string(path));
-    // Where the current folder itself was removed the path stays relative, and whatever uses it says that it is gone.
+    // Where the current folder itself was removed the path stays relative, and whatever uses it says that it
+    // is gone.
     std::error_code ignored;
     const std::string current = std::filesystem::current_path(ignored).native();
     return Ref<FolderItem>::make(path.empty() ? current : joined(current, path));

@@ -13,17 +13,18 @@ namespace quilvane {
 class TextInputStream;
 class TextOutputStream;
 
-/// A reference to a file or folder that may not exist. Nothing is opened or held; each question asks the file system.
+/// A reference to a file or folder that may not exist. Nothing is opened or held; each question asks the file
+/// system.
 ///
-/// Got from GetFolderItem, a dialog, or another item's Child and Item. Paths and names are bytes as the file system
-/// has them, not always UTF-8: show them through displayPath.
+/// Got from GetFolderItem, a dialog, or another item's Child and Item. Paths and names are bytes as the file
+/// system has them, not always UTF-8: show them through displayPath.
 class FolderItem {
 public:
     /// `path` must be absolute; GetFolderItem takes any.
     explicit FolderItem(std::string path);
 
-    /// The item of that name in this folder, there or not. Nil for a name that no file can have: an empty one, "."
-    /// and "..", one with a slash or a NUL in it.
+    /// The item of that name in this folder, there or not. Nil for a name that no file can have: an empty
+    /// one, "." and "..", one with a slash or a NUL in it.
     Ref<FolderItem> Child(std::string_view name) const;
 
     /// Links are followed: false for a link that leads nowhere.
@@ -37,8 +38,9 @@ public:
     std::string Name() const;
     const std::string& NativePath() const { return m_path; }
 
-    /// The number of the folder's children, hidden ones included; 0 for what is no folder or can't be read. The
-    /// folder is listed once, when Count or Item is first called: take a new item to see what has changed since.
+    /// The number of the folder's children, hidden ones included; 0 for what is no folder or can't be read.
+    /// The folder is listed once, when Count or Item is first called: take a new item to see what has changed
+    /// since.
     int Count() const;
     /// The child at `index`, from 1 to Count, in the order that the file system gives; nil outside.
     Ref<FolderItem> Item(int index) const;
@@ -59,8 +61,8 @@ private:
     mutable bool m_listed = false;
 };
 
-/// The item for a path; a relative one is taken from the current folder, and an empty one is that folder. Nil only
-/// for a path with a NUL in it.
+/// The item for a path; a relative one is taken from the current folder, and an empty one is that folder. Nil
+/// only for a path with a NUL in it.
 Ref<FolderItem> GetFolderItem(std::string_view path);
 
 } // namespace quilvane

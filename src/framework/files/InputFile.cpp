@@ -29,8 +29,9 @@ constexpr std::uint64_t reserve = 64 * mebibyte;
 
 std::string inMebibytes(std::uint64_t bytes)
 {
-    std::array<char, 32> text {};
-    std::snprintf(text.data(), text.size(), "%.0f MiB", static_cast<double>(bytes) / static_cast<double>(mebibyte));
+    std::array<char, 32> text{};
+    std::snprintf(
+        text.data(), text.size(), "%.0f MiB", static_cast<double>(bytes) / static_cast<double>(mebibyte));
     return text.data();
 }
 
@@ -89,8 +90,8 @@ void InputFile::appendTo(std::string& text, std::uint64_t count)
     const std::size_t begin = filled;
     try {
         text.resize(begin + expected);
-        // A file may be shorter by now, or longer, and those of /proc say that they are empty: only a read that gives
-        // nothing tells the end.
+        // A file may be shorter by now, or longer, and those of /proc say that they are empty: only a read
+        // that gives nothing tells the end.
         while (filled - begin < count) {
             if (filled == text.size()) {
                 std::array<char, 4096> more;

@@ -16,8 +16,8 @@ class InputFile {
 public:
     enum class Access { Read, ReadWrite };
 
-    /// Opens what `path` names. If that fails or is no regular file, the result is not open and `whyNot` holds a
-    /// sentence for the user. Never waits for the other end of a pipe or for a device.
+    /// Opens what `path` names. If that fails or is no regular file, the result is not open and `whyNot`
+    /// holds a sentence for the user. Never waits for the other end of a pipe or for a device.
     static InputFile open(const std::string& path, Access access, std::string& whyNot);
 
     bool isOpen() const { return m_descriptor.isOpen(); }
@@ -29,12 +29,13 @@ public:
     /// Reads up to `into.size()` bytes; 0 at the end of the file. Throws IOException.
     std::size_t read(std::span<char> into);
 
-    /// Appends up to `count` of the next bytes to `text`, up to the end of the file at most. What `text` holds
-    /// already counts for the memory that is asked for. Throws IOException, and OutOfMemoryException before the
-    /// first byte is read.
+    /// Appends up to `count` of the next bytes to `text`, up to the end of the file at most. What `text`
+    /// holds already counts for the memory that is asked for. Throws IOException, and OutOfMemoryException
+    /// before the first byte is read.
     void appendTo(std::string& text, std::uint64_t count);
 
-    /// Throws OutOfMemoryException if what the file still holds, `copies` times, is more than the memory free.
+    /// Throws OutOfMemoryException if what the file still holds, `copies` times, is more than the memory
+    /// free.
     void requireMemoryForRest(unsigned copies) const;
 
 private:

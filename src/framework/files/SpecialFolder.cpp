@@ -2,13 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/files/SpecialFolder.h"
 
-#include "framework/files/displayName.h"
-
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <string>
-#include <system_error>
 
 #include <pwd.h>
 #include <sys/stat.h>
@@ -31,7 +28,7 @@ std::string homeFolder()
     if (!home.empty())
         return home;
     std::array<char, 16384> texts;
-    passwd entry {};
+    passwd entry{};
     passwd* found = nullptr;
     if (::getpwuid_r(::getuid(), &entry, texts.data(), texts.size(), &found) == 0 && found && found->pw_dir)
         return found->pw_dir;
@@ -45,10 +42,11 @@ void makePrivateFolder(const std::string& path)
     for (std::size_t end = 0; end != std::string::npos;) {
         end = path.find('/', end + 1);
         const std::string part = path.substr(0, end);
-        if (::mkdir(part.c_str(), forThisUser) == 0 || FolderItem(part).Directory())
+        if (::mkdir(part.c_str(), forThisUser) == 0)
             continue;
-        throw IOException("The folder \"" + displayPath(part)
-            + "\" could not be created: " + std::generic_category().message(errno) + ".");
+        const int reason = errno;
+        if (!FolderItem(part).Directory())
+            throw IOException::folderNotCreated(part, reason);
     }
 }
 

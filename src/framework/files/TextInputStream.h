@@ -13,25 +13,28 @@ namespace quilvane {
 
 class FolderItem;
 
-/// A regular file, read from its start to its end as bytes: no encoding is converted and no byte-order mark taken off.
+/// A regular file, read from its start to its end as bytes: no encoding is converted and no byte-order mark
+/// taken off.
 ///
 /// Closed by Close() or when its last reference goes. Reading throws IOException, also on a closed stream.
 class TextInputStream {
 public:
-    /// Nil, with the reason, if the file can't be opened or is anything but a regular file (a folder, a pipe, a
-    /// device); never waits.
+    /// Nil, with the reason, if the file can't be opened or is anything but a regular file (a folder, a pipe,
+    /// a device); never waits.
     static Ref<TextInputStream> Open(const FolderItem& item);
 
     explicit TextInputStream(InputFile file);
 
-    /// The rest of the file. Throws OutOfMemoryException, before it reads, if that is more than the memory free.
+    /// The rest of the file. Throws OutOfMemoryException, before it reads, if that is more than the memory
+    /// free.
     std::string ReadAll();
 
-    /// The next line without its end, which is LF, CR or CRLF; empty at the end of the file. OutOfMemoryException as
-    /// with ReadAll, for a line that does not end.
+    /// The next line without its end, which is LF, CR or CRLF; empty at the end of the file.
+    /// OutOfMemoryException as with ReadAll, for a line that does not end.
     std::string ReadLine();
 
-    /// Reads up to `into.size()` bytes and returns how many; 0 at the end of the file only (or for an empty span).
+    /// Reads up to `into.size()` bytes and returns how many; 0 at the end of the file only (or for an empty
+    /// span).
     std::size_t Read(std::span<char> into);
 
     void Close();

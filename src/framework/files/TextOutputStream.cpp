@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -36,25 +35,19 @@ std::string behindLinks(std::string path)
     return path;
 }
 
-std::optional<struct stat> statusOf(const std::string& path)
-{
-    struct stat status { };
-    if (::stat(path.c_str(), &status) == 0)
-        return status;
-    return std::nullopt;
-}
-
-/// Makes a file of a new name in the folder of `target`, and sets `path` to it. Not open, with errno set, if none can
-/// be made.
+/// Makes a file of a new name in the folder of `target`, and sets `path` to it. Not open, with errno set, if
+/// none can be made.
 FileDescriptor makeTemporary(const std::string& target, mode_t mode, std::string& path)
 {
     static unsigned counter = 0;
     constexpr int attempts = 100; // a process of the same number may have been killed and have left some
-    const std::string start = target.substr(0, target.rfind('/') + 1) + ".quilvane-" + std::to_string(::getpid()) + '-';
+    const std::string start
+        = target.substr(0, target.rfind('/') + 1) + ".quilvane-" + std::to_string(::getpid()) + '-';
     FileDescriptor file;
     for (int i = 0; i < attempts && !file.isOpen() && (i == 0 || errno == EEXIST); ++i) {
         path = start + std::to_string(counter++);
-        file = FileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
+        file = FileDescriptor(
+            ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
     }
     return file;
 }
@@ -84,21 +77,24 @@ Ref<TextOutputStream> TextOutputStream::Create(const FolderItem& item)
     const auto failed = [&target] {
         return Ref<TextOutputStream>::nil(IOException(target.shownPath, "created", errno).what());
     };
-    const std::optional<struct stat> existing = statusOf(target.path);
-    if (existing && !S_ISREG(existing->st_mode))
+    struct stat existing { };
+    const bool exists = ::stat(target.path.c_str(), &existing) == 0;
+    if (!exists && errno != ENOENT)
+        return failed();
+    if (exists && !S_ISREG(existing.st_mode))
         return Ref<TextOutputStream>::nil('"' + displayPath(target.shownPath) + "\" is not a regular file.");
     // Renaming asks for the folder's permission only, so a write-protected file would be replaced.
-    if (existing && ::faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0)
+    if (exists && ::faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0)
         return failed();
 
-    const mode_t mode = existing ? existing->st_mode & permissions : forAll;
+    const mode_t mode = exists ? existing.st_mode & permissions : forAll;
     target.temporary = makeTemporary(target.path, mode, target.temporaryPath);
     if (!target.temporary.isOpen())
         return failed();
-    if (existing) {
+    if (exists) {
         // Of no effect, and no harm, where the user may not give files away.
         [[maybe_unused]] const int ignored
-            = ::fchown(target.temporary.number(), existing->st_uid, existing->st_gid);
+            = ::fchown(target.temporary.number(), existing.st_uid, existing.st_gid);
         ::fchmod(target.temporary.number(), mode);
     }
     return Ref<TextOutputStream>::make(std::move(target));

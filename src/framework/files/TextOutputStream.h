@@ -14,13 +14,13 @@ class FolderItem;
 
 /// Writes a text file that takes its place only when it is whole.
 ///
-/// The text goes into a temporary file beside the target; Close() brings it to the disk and renames it over the
-/// target. When the last reference goes the stream is closed too, unless an exception is on its way or a write has
-/// failed: then the temporary file is removed and the target is as it was.
+/// The text goes into a temporary file beside the target; Close() brings it to the disk and renames it over
+/// the target. When the last reference goes the stream is closed too, unless an exception is on its way or a
+/// write has failed: then the temporary file is removed and the target is as it was.
 class TextOutputStream {
 public:
-    /// Makes the file or prepares to replace it. A link is followed and stays. Nil, with the reason, if the folder
-    /// can't be written to or the target is write-protected or no regular file.
+    /// Makes the file or prepares to replace it. A link is followed and stays. Nil, with the reason, if the
+    /// folder can't be written to or the target is write-protected or no regular file.
     static Ref<TextOutputStream> Create(const FolderItem& item);
 
     /// Only for Create.
@@ -36,11 +36,13 @@ public:
     TextOutputStream& operator=(const TextOutputStream&) = delete;
     ~TextOutputStream();
 
-    /// Writes `text` and one line end. Throws IOException; the stream is then closed and the target untouched.
+    /// Writes `text` and one line end. Throws IOException; the stream is then closed and the target
+    /// untouched.
     void WriteLine(std::string_view text);
 
-    /// Throws IOException if the file can't be brought to its place; the target is then untouched. Does nothing on a
-    /// stream that is closed or has failed. A destructor can't report that, so who wants to know calls Close.
+    /// Throws IOException if the file can't be brought to its place; the target is then untouched. Does
+    /// nothing on a stream that is closed or has failed. A destructor can't report that, so who wants to know
+    /// calls Close.
     void Close();
 
 private:

@@ -45,13 +45,14 @@ struct GroupFiles {
     const char* mount;
     const char* limit;
     const char* usage;
-    std::array<const char*, 2> cache; // lines of memory.stat: pages that the kernel takes back before it ends anyone
+    std::array<const char*, 2>
+        cache; // lines of memory.stat: pages that the kernel takes back before it ends anyone
 };
 
-constexpr GroupFiles version1 = {"/sys/fs/cgroup/memory", "/memory.limit_in_bytes", "/memory.usage_in_bytes",
-    {"total_inactive_file", "total_active_file"}};
+constexpr GroupFiles version1 = { "/sys/fs/cgroup/memory", "/memory.limit_in_bytes", "/memory.usage_in_bytes",
+    { "total_inactive_file", "total_active_file" } };
 constexpr GroupFiles version2
-    = {"/sys/fs/cgroup", "/memory.max", "/memory.current", {"inactive_file", "active_file"}};
+    = { "/sys/fs/cgroup", "/memory.max", "/memory.current", { "inactive_file", "active_file" } };
 
 std::uint64_t leftInGroup(const std::string& folder, const GroupFiles& files)
 {
@@ -64,13 +65,14 @@ std::uint64_t leftInGroup(const std::string& folder, const GroupFiles& files)
     return *limit - std::min(*limit, used);
 }
 
-/// A limit of a group binds all groups below it, so the least of them counts. Inside a container the group's own
-/// path is often not there, and its limits stand at the mount itself; asking for both is harmless.
+/// A limit of a group binds all groups below it, so the least of them counts. Inside a container the group's
+/// own path is often not there, and its limits stand at the mount itself; asking for both is harmless.
 std::uint64_t leftInGroupAndParents(const std::string& root, std::string group, const GroupFiles& files)
 {
-    std::uint64_t left = leftInGroup(root + files.mount, files);
+    const std::string mount = root + files.mount;
+    std::uint64_t left = leftInGroup(mount, files);
     while (group.size() > 1) {
-        left = std::min(left, leftInGroup(root + files.mount + group, files));
+        left = std::min(left, leftInGroup(mount + group, files));
         group.erase(group.rfind('/'));
     }
     return left;

@@ -7,9 +7,9 @@
 
 namespace quilvane {
 
-/// How many bytes the process can still take before the kernel starts to end processes: what the machine has free,
-/// and no more than the process's control groups leave (version 1 and 2). The largest number if nothing is known.
-/// `root` stands before /proc and /sys, for a tree that tests have made.
+/// How many bytes the process can still take before the kernel starts to end processes: what the machine has
+/// free, and no more than the process's control groups leave (version 1 and 2). The largest number if nothing
+/// is known. `root` stands before /proc and /sys, for a tree that tests have made.
 std::uint64_t availableMemory(const std::string& root = {});
 
 } // namespace quilvane

@@ -7,9 +7,9 @@
 
 namespace quilvane {
 
-/// A path or name, which may hold any bytes, as a text for labels and dialogs: valid UTF-8 on one line. Bytes that
-/// are no UTF-8 and characters that would be invisible or turn the text around are shown as \x1F or \u202E.
-/// For showing only: the result does not lead back to the file.
+/// A path or name, which may hold any bytes, as a text for labels and dialogs: valid UTF-8 on one line. Bytes
+/// that are no UTF-8 and characters that would be invisible or turn the text around are shown as \x1F or
+/// \u202E. For showing only: the result does not lead back to the file.
 std::string displayPath(std::string_view bytes);
 
 } // namespace quilvane

@@ -63,19 +63,20 @@ bool isEditCommand(std::string_view itemName)
 
 bool canEdit(std::string_view itemName)
 {
+    const Command* command = find(itemName);
     if (const auto* edit = qobject_cast<QLineEdit*>(QApplication::focusWidget()))
-        return find(itemName)->possible(*edit);
+        return command && command->possible(*edit);
     return !selectedRowToCopy(itemName).isEmpty();
 }
 
 void edit(std::string_view itemName)
 {
-    if (!canEdit(itemName))
-        return;
-    if (auto* lineEdit = qobject_cast<QLineEdit*>(QApplication::focusWidget()))
-        find(itemName)->carryOut(*lineEdit);
-    else
-        QApplication::clipboard()->setText(selectedRowToCopy(itemName));
+    const Command* command = find(itemName);
+    auto* lineEdit = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    if (lineEdit && command && command->possible(*lineEdit))
+        command->carryOut(*lineEdit);
+    else if (const QString row = selectedRowToCopy(itemName); !row.isEmpty())
+        QApplication::clipboard()->setText(row);
 }
 
 } // namespace quilvane

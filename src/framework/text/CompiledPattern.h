@@ -10,7 +10,8 @@
 
 namespace quilvane {
 
-/// A pattern ready to run; what RegEx objects of one pattern share. On one OS thread only, like all that uses it.
+/// A pattern ready to run; what RegEx objects of one pattern share. On one OS thread only, like all that uses
+/// it.
 class CompiledPattern {
 public:
     enum class EmptyAtStart { Allowed, Skipped };
@@ -26,9 +27,10 @@ public:
 
     const std::string& pattern() const { return m_pattern; }
 
-    /// Looks for the first match that begins at `start` or behind; `start` is at most the size of the text. Gives
-    /// pairs of begin and end offsets, for the whole match and for each bracket (`unset` for one that took no part),
-    /// or nothing if there is no match. They hold until the pattern is run again. Throws RegExException.
+    /// Looks for the first match that begins at `start` or behind; `start` is at most the size of the text.
+    /// Gives pairs of begin and end offsets, for the whole match and for each bracket (`unset` for one that
+    /// took no part), or nothing if there is no match. They hold until the pattern is run again. Throws
+    /// RegExException.
     std::span<const std::size_t> run(
         std::string_view text, std::size_t start = 0, EmptyAtStart empty = EmptyAtStart::Allowed) const;
 

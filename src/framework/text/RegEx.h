@@ -14,14 +14,16 @@ namespace quilvane {
 
 class CompiledPattern;
 
-/// A regular expression of Perl's kind, run over bytes: case is ignored and `\b` and `\w` are told for ASCII only,
+/// A regular expression of Perl's kind, run over bytes: case is ignored and `\b` and `\w` are told for ASCII
+/// only,
 /// `.` stops at CR and LF.
 ///
-/// Making one costs next to nothing: a pattern is compiled when it is first searched with, and the compiled forms of
-/// the last patterns are kept and shared. Set SearchPattern, call Search(text), then Search() until it gives nil.
+/// Making one costs next to nothing: a pattern is compiled when it is first searched with, and the compiled
+/// forms of the last patterns are kept and shared. Set SearchPattern, call Search(text), then Search() until
+/// it gives nil.
 ///
-/// Whatever runs a pattern throws RegExSearchPatternException if it is invalid, and RegExException if it needs too
-/// much time or memory on that text.
+/// Whatever runs a pattern throws RegExSearchPatternException if it is invalid, and RegExException if it
+/// needs too much time or memory on that text.
 class RegEx {
 public:
     RegEx() = default;
@@ -41,16 +43,16 @@ public:
     /// Takes a temporary over, so that Search() has a text to go on in.
     Ref<RegExMatch> Search(std::string&& text);
 
-    /// The next match behind the previous one, or nil if there is no more or no text was given. Behind an empty
-    /// match the search goes on so that it comes to an end.
+    /// The next match behind the previous one, or nil if there is no more or no text was given. Behind an
+    /// empty match the search goes on so that it comes to an end.
     Ref<RegExMatch> Search();
 
     /// `text` with its first match replaced by ReplacementPattern, which is taken literally: it knows no
     /// back-references. Does not touch the text that Search() goes on in.
     std::string Replace(std::string_view text);
 
-    /// Whether the pattern is found in `text`; allocates nothing once the pattern is compiled. Does not touch the
-    /// text that Search() goes on in.
+    /// Whether the pattern is found in `text`; allocates nothing once the pattern is compiled. Does not touch
+    /// the text that Search() goes on in.
     bool matches(std::string_view text);
 
 private:

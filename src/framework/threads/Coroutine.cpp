@@ -35,8 +35,9 @@ struct StackBounds {
     std::size_t size = 0;
 };
 
-// AddressSanitizer has to be told of each switch, before and behind it, or it takes one stack's frames for faults of
-// the other. `fakeStack` is its note of the stack that is left; none is kept of a stack that is left for good.
+// AddressSanitizer has to be told of each switch, before and behind it, or it takes one stack's frames for
+// faults of the other. `fakeStack` is its note of the stack that is left; none is kept of a stack that is
+// left for good.
 
 void aboutToSwitch([[maybe_unused]] void** fakeStack, [[maybe_unused]] const StackBounds& to)
 {
@@ -62,9 +63,9 @@ boost::context::stack_context allocateStack(Allocator& allocator)
     return stack;
 }
 
-/// Puts away what the C++ runtime knows of the exceptions in flight on this stack, for the time that another one runs:
-/// std::uncaught_exceptions() and `throw;` must see those of their own stack. The layout is that of the Itanium C++
-/// ABI, 2.2.2.
+/// Puts away what the C++ runtime knows of the exceptions in flight on this stack, for the time that another
+/// one runs: std::uncaught_exceptions() and `throw;` must see those of their own stack. The layout is that of
+/// the Itanium C++ ABI, 2.2.2.
 class ExceptionsOfThisStack {
 public:
     ExceptionsOfThisStack()
@@ -95,9 +96,9 @@ struct Coroutine::Native {
         Allocator allocator(std::max(stackSize, Allocator::traits_type::minimum_size()));
         const boost::context::stack_context stack = allocateStack(allocator);
         const std::size_t guard = Allocator::traits_type::page_size();
-        own = {static_cast<char*>(stack.sp) - stack.size + guard, stack.size - guard};
-        inside = fiber(std::allocator_arg, boost::context::preallocated(stack.sp, stack.size, stack), allocator,
-            [this](fiber&& from) { return run(std::move(from)); });
+        own = { static_cast<char*>(stack.sp) - stack.size + guard, stack.size - guard };
+        inside = fiber(std::allocator_arg, boost::context::preallocated(stack.sp, stack.size, stack),
+            allocator, [this](fiber&& from) { return run(std::move(from)); });
     }
 
     fiber run(fiber&& from)

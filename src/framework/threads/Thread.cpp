@@ -69,13 +69,14 @@ public:
     void kill(const BodyPointer& body);
     void yield();
     bool giveSlices();
-    /// Unwinds the body on whose stack this is called if it was killed, but not while it is being unwound already.
+    /// Unwinds the body on whose stack this is called if it was killed, but not while it is being unwound
+    /// already.
     void throwIfKilled() const;
 
     std::function<void(Thread&, std::exception_ptr)> uncaughtHandler;
 
 private:
-    void enter(BodyPointer body);
+    void enter(const BodyPointer& body);
     void deliverFailures();
     void updateYieldMatters() const;
 
@@ -106,8 +107,8 @@ void ThreadScheduler::kill(const BodyPointer& body)
         updateYieldMatters();
 }
 
-/// Runs the body for one slice. Holds it, as the Thread may go meanwhile.
-void ThreadScheduler::enter(BodyPointer body)
+/// Runs the body for one slice. The caller holds the body: its Thread may go meanwhile.
+void ThreadScheduler::enter(const BodyPointer& body)
 {
     const BodyPointer caller = std::exchange(m_current, body);
     body->waiting = false;
@@ -147,7 +148,8 @@ bool ThreadScheduler::giveSlices()
     if (m_current)
         return false;
     bool any = false;
-    // Over a copy: bodies end meanwhile, and a handler of what one throws may run the event loop and come here again.
+    // Over a copy: bodies end meanwhile, and a handler of what one throws may run the event loop and come
+    // here again.
     const std::vector<BodyPointer> now = m_running;
     for (const BodyPointer& body : now) {
         if (body->waiting) {
@@ -208,16 +210,17 @@ void Thread::Run()
         throw ThreadAlreadyRunningException();
     if (!RunEvent)
         return;
-    m_body = std::make_shared<Body>(*this);
+    const auto body = std::make_shared<Body>(*this);
+    m_body = body;
     // The body may destroy this object; nothing of it is used behind this line.
-    ThreadScheduler::instance().start(m_body);
+    ThreadScheduler::instance().start(body);
     ThreadScheduler::instance().throwIfKilled();
 }
 
 void Thread::Kill()
 {
-    if (isRunning())
-        ThreadScheduler::instance().kill(m_body);
+    if (const auto body = m_body; isRunning())
+        ThreadScheduler::instance().kill(body); // here too what is unwound may destroy this object
     ThreadScheduler::instance().throwIfKilled();
 }
 

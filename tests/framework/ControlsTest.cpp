@@ -1,0 +1,291 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/Application.h"
+#include "framework/EventGuard.h"
+#include "framework/controls/CheckBox.h"
+#include "framework/controls/Label.h"
+#include "framework/controls/Listbox.h"
+#include "framework/controls/MenuBar.h"
+#include "framework/controls/PushButton.h"
+#include "framework/controls/Slider.h"
+#include "framework/controls/TextField.h"
+#include "framework/controls/Window.h"
+#include "framework/exceptions.h"
+#include "framework/threads/Thread.h"
+#include "framework/threads/Timer.h"
+#include "support/ScriptedDesktop.h"
+
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QTest>
+
+namespace quilvane {
+
+namespace {
+
+class TestMenuBar : public MenuBar {
+public:
+    TestMenuBar() { append(std::make_unique<MenuItem>("Menu", "&Menu")); }
+};
+
+class TestWindow : public Window {
+public:
+    PushButton parked{ *this, "parked" };
+    Listbox list{ *this, "list" };
+    CheckBox box{ *this, "box" };
+    TextField field{ *this, "field" };
+    Label label{ *this, "label" };
+    Slider slider{ *this, "slider" };
+
+    template <typename Widget>
+    static Widget* widget(const char* name)
+    {
+        for (QWidget* each : QApplication::allWidgets()) {
+            if (each->objectName() == name)
+                return qobject_cast<Widget*>(each);
+        }
+        return nullptr;
+    }
+
+private:
+    void Layout() override
+    {
+        setProperties({ .title = "Test", .width = 300, .height = 300 });
+        constexpr ControlRow table[] = {
+            { "parked", ControlKind::PushButton, "Parked", 10, -60, 80, 20, true, true, 4 },
+            { "list", ControlKind::Listbox, "", 0, 0, 200, 200, true, true, 3 },
+            { "box", ControlKind::CheckBox, "Box", 0, 210, 100, 20, true, true, 2 },
+            { "field", ControlKind::TextField, "", 0, 240, 100, 20, true, true, 1 },
+            { "label", ControlKind::Label, "", 0, 270, 100, 20, true, true, 0 },
+            { "slider", ControlKind::Slider, "", 0, -100, 100, 20, true, true, 0 },
+        };
+        place(table);
+    }
+};
+
+class ControlsTest : public testing::Test {
+protected:
+    ControlsTest()
+    {
+        application.setMenuBar(menuBar);
+        window = &implicit<TestWindow>();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(TestWindow::widget<QWidget>("Test")));
+    }
+    ~ControlsTest() override
+    {
+        application.Quit();
+        Application::DoEvents(100);
+    }
+
+    TestMenuBar menuBar;
+    ScriptedDesktop desktop;
+    Application application;
+    TestWindow* window = nullptr;
+};
+
+} // namespace
+
+TEST_F(ControlsTest, aHandlerThatThrowsEndsAloneAndIsNamed)
+{
+    std::string order;
+    window->box.Action = [&] {
+        order += "inner ";
+        throw IOException("the reason");
+    };
+    window->parked.Action = [&] {
+        window->box.setValue(true);
+        order += "outer";
+    };
+    desktop.willReport({ "the reason", "box_Action", "untouched" });
+    window->parked.Push();
+    EXPECT_EQ(order, "inner outer");
+    EXPECT_EQ(handlerDepth(), 0);
+}
+
+TEST_F(ControlsTest, aBodyThatThrowsOnAThreadIsReportedToo)
+{
+    Thread thread("Worker");
+    thread.RunEvent = [] { throw std::bad_alloc(); };
+    desktop.willReport({ "memory", "Worker_Run" });
+    thread.Run();
+    EXPECT_FALSE(thread.isRunning());
+}
+
+TEST_F(ControlsTest, changesByCodeFireTheUsersEvents)
+{
+    std::string events;
+    window->box.Action = [&] { events += window->box.Value() ? "on " : "off "; };
+    window->field.TextChange = [&] { events += window->field.Text() + " "; };
+    window->slider.ValueChanged = [&] { events += std::to_string(window->slider.Value()) + " "; };
+    window->box.setValue(true);
+    window->box.setValue(true);
+    window->field.setText("text");
+    window->field.setText("text");
+    window->slider.setValue(7);
+    window->slider.setMaximum(3);
+    window->slider.setMaximum(-1);
+    EXPECT_EQ(events, "on text 7 3 0 ");
+
+    events.clear();
+    QTest::mouseClick(TestWindow::widget<QWidget>("box"), Qt::LeftButton, {}, { 8, 10 });
+    QTest::keyClick(TestWindow::widget<QLineEdit>("field"), 'X');
+    EXPECT_EQ(events, "off textX ");
+}
+
+TEST_F(ControlsTest, aParkedControlWorksButCannotBeReached)
+{
+    int presses = 0;
+    window->parked.Action = [&] { ++presses; };
+    window->parked.Push();
+    EXPECT_EQ(presses, 1);
+    EXPECT_TRUE(window->parked.Visible());
+    EXPECT_EQ(TestWindow::widget<QWidget>("parked"), nullptr);
+    window->parked.setEnabled(false);
+    window->parked.Push();
+    EXPECT_EQ(presses, 1);
+}
+
+TEST_F(ControlsTest, tabGoesByTheTable)
+{
+    const std::string order[] = { "field", "box", "list" };
+    TestWindow::widget<QWidget>("field")->setFocus();
+    for (const std::string& name : order) {
+        EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), name);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+}
+
+TEST_F(ControlsTest, listTellsItsViewOncePerPass)
+{
+    auto* view = TestWindow::widget<QListView>("list");
+    int told = 0;
+    QObject::connect(view->model(), &QAbstractItemModel::rowsInserted, [&] { ++told; });
+    for (int i = 0; i < 100'000; ++i)
+        window->list.AddRow("row" + std::to_string(i));
+    EXPECT_EQ(window->list.ListCount(), 100'000U);
+    EXPECT_EQ(view->model()->rowCount(), 0);
+    Application::DoEvents(100);
+    EXPECT_EQ(view->model()->rowCount(), 100'000);
+    EXPECT_EQ(told, 1);
+
+    view->scrollToBottom();
+    QTest::keyClick(view, Qt::Key_End);
+    EXPECT_EQ(view->currentIndex().data().toString(), "row99999");
+    EXPECT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex())));
+    EXPECT_EQ(view->indexAt(view->visualRect(view->currentIndex()).center()), view->currentIndex());
+}
+
+TEST_F(ControlsTest, listKeepsTheRetainedRowsInOrder)
+{
+    // Across the borders of the store's chunks.
+    std::vector<unsigned char> keep(10'000);
+    std::vector<std::string> expected;
+    for (std::size_t i = 0; i < keep.size(); ++i) {
+        window->list.AddRow(std::to_string(i));
+        keep[i] = i % 3 == 0 || i > 9'000;
+        if (keep[i])
+            expected.push_back(std::to_string(i));
+    }
+    Application::DoEvents(100);
+    int changes = 0;
+    window->list.Change = [&] { ++changes; };
+    TestWindow::widget<QListView>("list")->setCurrentIndex(
+        TestWindow::widget<QListView>("list")->model()->index(1, 0));
+    EXPECT_EQ(changes, 1);
+
+    window->list.RetainRows(keep);
+    ASSERT_EQ(window->list.ListCount(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_EQ(window->list.Cell(i, -1), expected[i]);
+    EXPECT_THROW(window->list.Cell(expected.size(), 0), OutOfBoundsException);
+    Application::DoEvents(100);
+    EXPECT_EQ(changes, 2) << "the selected row has gone";
+
+    window->list.DeleteAllRows();
+    window->list.AddRow("");
+    EXPECT_EQ(window->list.Cell(0, 0), "");
+}
+
+TEST_F(ControlsTest, aScreenReaderCanWalkTheRows)
+{
+    window->list.setAccessibleName("Rows");
+    window->list.AddRow("first@row.org");
+    window->list.AddRow("second@row.org");
+    Application::DoEvents(100);
+    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(TestWindow::widget<QListView>("list"));
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->role(), QAccessible::List);
+    EXPECT_EQ(list->text(QAccessible::Name), "Rows");
+    ASSERT_EQ(list->childCount(), 2);
+    EXPECT_EQ(list->child(1)->text(QAccessible::Name), "second@row.org");
+}
+
+TEST_F(ControlsTest, labelStaysReadableOnDark)
+{
+    window->label.setTextColor(0x803F02);
+    auto* label = TestWindow::widget<QLabel>("label");
+    const auto color = [label] { return label->palette().color(QPalette::WindowText); };
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(QPalette(QColor(0xf0f0f0), QColor(0xf0f0f0)));
+    Application::DoEvents(100);
+    EXPECT_EQ(color(), QColor(0x803F02));
+    QApplication::setPalette(QPalette(QColor(0x2b2b2b), QColor(0x2b2b2b)));
+    Application::DoEvents(100);
+    EXPECT_GT(color().lightness(), QColor(0x803F02).lightness() + 50);
+    QApplication::setPalette(before);
+
+    window->label.setText("<b>a</b>\nb");
+    EXPECT_EQ(label->text(), QString::fromUtf8("<b>a</b>\u21b5b"));
+}
+
+TEST_F(ControlsTest, aWindowMayCloseItselfAndGoOn)
+{
+    window->parked.Action = [&] {
+        window->Close();
+        window->Close();
+        EXPECT_FALSE(isOpen<TestWindow>());
+        Application::DoEvents(20);
+        window->label.setText("still here");
+    };
+    window->parked.Push();
+    Application::DoEvents(100);
+    EXPECT_EQ(TestWindow::widget<QLabel>("label"), nullptr) << "gone, once no handler stands in it";
+}
+
+TEST_F(ControlsTest, doEventsReturnsWhenNothingIsLeftToDo)
+{
+    Timer timer("timer", 0);
+    int ticks = 0;
+    timer.Action = [&] {
+        if (++ticks == 3)
+            timer.setEnabled(false);
+    };
+    timer.setEnabled(true);
+    // Were it to wait for its time, this would take a day.
+    Application::DoEvents(86'400'000);
+    EXPECT_EQ(ticks, 3);
+}
+
+TEST_F(ControlsTest, doEventsGivesTheWorkerItsTurn)
+{
+    const ThreadSlice slice(1);
+    Thread thread("Worker");
+    int passes = 0;
+    thread.RunEvent = [&] {
+        while (passes < 5) {
+            ++passes;
+            yieldToThreads();
+        }
+    };
+    thread.Run();
+    EXPECT_EQ(passes, 1);
+    Application::DoEvents(10'000);
+    EXPECT_EQ(passes, 5);
+}
+
+} // namespace quilvane

@@ -1,0 +1,109 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program/ProgramTest.h"
+
+#include <sys/resource.h>
+
+#include <csignal>
+
+namespace quilvane {
+
+using ExportTest = ProgramTest;
+
+TEST_F(ExportTest, bothFormatsByteForByte)
+{
+    struct Case {
+        std::vector<std::string> rows;
+        const char* csv;
+        const char* tabDelimited;
+    };
+    const Case cases[] = {
+        { { "a" }, "a,\n", "a\n" },
+        { { "a", "b" }, "a,\nb,\n", "a\nb\t\n" },
+        { { "a", "b", "a" }, "a,\nb,\na,\n", "a\nb\t\na\t\n" },
+    };
+    const std::string csv = folder / "list.csv";
+    const std::string text = folder / "list.txt";
+    for (const Case& c : cases) {
+        window().clearBtn_Action();
+        addRows(c.rows);
+        desktop.willSave(csv);
+        window().exportBtn.Push();
+        EXPECT_EQ(desktop.offeredName, "email_list.csv");
+        EXPECT_EQ(TempFolder::contentOf(folder / "list.csv"), c.csv);
+        desktop.willSave(text);
+        window().exportTabDelimited.Push();
+        EXPECT_EQ(desktop.offeredName, "email_list.txt");
+        EXPECT_EQ(TempFolder::contentOf(folder / "list.txt"), c.tabDelimited);
+    }
+    EXPECT_EQ(desktop.launched.size(), 6U);
+    EXPECT_EQ(desktop.launched.front(), csv);
+}
+
+TEST_F(ExportTest, cancelIsSilentInOneFormatOnly)
+{
+    addRows({ "a@b.co" });
+    desktop.willCancelSave();
+    window().exportBtn.Push();
+    desktop.willCancelSave();
+    desktop.willShow("Could not write the file for some reason.");
+    window().exportTabDelimited.Push();
+    EXPECT_TRUE(desktop.launched.empty());
+    EXPECT_TRUE(window().exportBtn.Enabled());
+}
+
+TEST_F(ExportTest, emptyListFailsBeforeTheDialog)
+{
+    window().exportBtn.setEnabled(true);
+    desktop.willReport({ "list row", "exportBtn_Action" });
+    window().exportBtn.Push();
+}
+
+TEST_F(ExportTest, fileThatCannotBeMadeIsReported)
+{
+    addRows({ "a@b.co" });
+    folder.write("file", "");
+    desktop.willSave(folder / "file/list.csv");
+    desktop.willReport({ "list.csv", "Not a directory" });
+    window().exportBtn.Push();
+    desktop.willSave(folder / "missing/list.csv");
+    desktop.willReport({ "list.csv", "No such file or directory" });
+    window().exportBtn.Push();
+    EXPECT_TRUE(desktop.launched.empty());
+}
+
+TEST_F(ExportTest, failingWriteLeavesTheGoodFile)
+{
+    folder.write("list.csv", "good");
+    addRows(std::vector<std::string>(1000, "somebody@example.org"));
+    // The system stops the writing in the middle, as a full disk does.
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    getrlimit(RLIMIT_FSIZE, &old);
+    rlimit small = old;
+    small.rlim_cur = 4096;
+    setrlimit(RLIMIT_FSIZE, &small);
+
+    desktop.willSave(folder / "list.csv");
+    desktop.willReport({ "list.csv", "File too large" });
+    window().exportBtn.Push();
+
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+    EXPECT_EQ(TempFolder::contentOf(folder / "list.csv"), "good");
+    EXPECT_EQ(rows().size(), 1000U);
+    EXPECT_TRUE(desktop.launched.empty());
+    EXPECT_EQ(folder.count(), 1) << "nothing half-written is left";
+}
+
+TEST_F(ExportTest, missingDefaultApplicationIsReportedBehindTheWriting)
+{
+    addRows({ "a@b.co" });
+    desktop.launchSucceeds = false;
+    desktop.willSave(folder / "list.csv");
+    desktop.willReport({ "is written, but no application" });
+    window().exportBtn.Push();
+    EXPECT_EQ(TempFolder::contentOf(folder / "list.csv"), "a@b.co,\n");
+}
+
+} // namespace quilvane

@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program/ProgramTest.h"
+
+#include <cstdlib>
+
+namespace quilvane {
+
+ProgramTest::ProgramTest()
+{
+    setenv("XDG_DATA_HOME", folder.path().c_str(), 1);
+    application = makeApp();
+    implicit<Window1>();
+}
+
+ProgramTest::~ProgramTest()
+{
+    application->Quit();
+    settle();
+}
+
+std::vector<std::string> ProgramTest::rows()
+{
+    std::vector<std::string> texts;
+    for (std::size_t row = 0; row < window().Listbox1.ListCount(); ++row)
+        texts.push_back(window().Listbox1.Cell(row, 0));
+    return texts;
+}
+
+void ProgramTest::addRows(const std::vector<std::string>& addresses)
+{
+    for (const std::string& address : addresses)
+        window().Listbox1.AddRow(address);
+    EnableMenuItems();
+}
+
+void ProgramTest::searchFile(const std::string& path)
+{
+    desktop.willOpen(path);
+    window().importBtn1.Push();
+}
+
+} // namespace quilvane

@@ -1,0 +1,196 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program/ProgramTest.h"
+
+#include "readers/fileKind.h"
+
+#include <sys/stat.h>
+
+namespace quilvane {
+
+namespace {
+
+const std::string none = "Finished searching. No email addresses detected.";
+
+std::string found(const std::string& count)
+{
+    return "Finished searching. " + count + " detected. Duplicates removed.";
+}
+
+using Rows = std::vector<std::string>;
+
+} // namespace
+
+using SearchFileTest = ProgramTest;
+
+TEST_F(SearchFileTest, kindsOfFilesByName)
+{
+    const std::pair<const char*, FileKind> cases[] = {
+        { "report.PDF", FileKind::PDF },
+        { "letter.docx", FileKind::Word },
+        { "notes.doc.txt", FileKind::Word },
+        { "archive.pdf.csv", FileKind::PDF },
+        { "mydoc.txt", FileKind::Text },
+        { "a.txt.csv", FileKind::Delimited },
+        { "notes.txt.bak", FileKind::Text },
+        { "data.tsv", FileKind::Other },
+        { "txt", FileKind::Other },
+    };
+    for (const auto& [name, kind] : cases)
+        EXPECT_EQ(fileKind(name), kind) << name;
+}
+
+TEST_F(SearchFileTest, endStates)
+{
+    struct Case {
+        const char* name;
+        const char* file;
+        const char* content;
+        Rows before;
+        std::string progress;
+        std::string results;
+        bool filterBtn;
+        Rows after;
+        int matches;
+    };
+    const Case cases[] = {
+        { "text with matches", "a.txt", "x@y.org, a.b@c.de.", {}, found("2 emails"), "Total: 2 entries.",
+            true, { "x@y.org", "a.b@c.de" }, 2 },
+        { "one match", "a.txt", "<x@y.org>", {}, found("1 email"), "Total: 1 entry.", true, { "x@y.org" },
+            1 },
+        { "delimited with matches, one of them twice", "a.CSV", "\"Q@y.org\"\n\"q@Y.org\"\n", {},
+            found("2 emails"), "Total: 1 entry.", true, { "Q@y.org" }, 2 },
+        { "text without matches, empty list", "a.txt", "nothing", {}, none, "old text", false, {}, 0 },
+        { "text without matches, rows from before", "a.txt", "", { "old@row.org" }, none, "Total: 1 entry.",
+            true, { "old@row.org" }, 0 },
+        { "no known kind is not read", "a.tsv", "x@y.org", {}, none, "old text", false, {}, 0 },
+        { "delimited without matches, empty list: told in the total's place", "a.csv", "", {}, "", none,
+            false, {}, 0 },
+        { "delimited without matches, rows from before", "a.csv", "", { "old@row.org" }, "",
+            "Total: 1 entry.", true, { "old@row.org" }, 0 },
+        { "a second file without a new address", "a.csv", "OLD@row.org", { "old@row.org" }, found("1 email"),
+            "Total: 1 entry.", true, { "old@row.org" }, 1 },
+        { "names of pictures are counted and go", "a.txt", "logo@2x.png pngs@y.org apng@y.org", {},
+            found("3 emails"), "Total: 1 entry.", true, { "pngs@y.org" }, 3 },
+        { "nothing but names of pictures", "a.txt", "logo@2x.png", {}, found("1 email"), "old text", true, {},
+            1 },
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Window1& w = window();
+        w.clearBtn_Action();
+        addRows(c.before);
+        w.results.setText("old text");
+        folder.write(c.file, c.content);
+
+        searchFile(folder / c.file);
+
+        EXPECT_EQ(w.ProgressText.Text(), c.progress);
+        EXPECT_EQ(w.results.Text(), c.results);
+        EXPECT_TRUE(w.results.Visible());
+        EXPECT_EQ(w.filterBtn.Enabled(), c.filterBtn);
+        EXPECT_EQ(rows(), c.after);
+        EXPECT_EQ(w.rCounter, c.matches);
+        const bool hasRows = !c.after.empty();
+        EXPECT_EQ(w.clearBtn.Enabled(), hasRows);
+        EXPECT_EQ(w.exportBtn.Enabled(), hasRows);
+        EXPECT_EQ(w.exportTabDelimited.Enabled(), hasRows);
+        EXPECT_TRUE(w.searchBtn.Enabled());
+        EXPECT_FALSE(w.Timer1.Enabled());
+        EXPECT_EQ(w.TextField1.Text(), "");
+    }
+}
+
+TEST_F(SearchFileTest, cancelledDialogStillEndsTheRun)
+{
+    Window1& w = window();
+    w.ProgressText.setText("before");
+    w.results.setText("old text");
+    desktop.willCancelOpen();
+    w.importBtn1.Push();
+    EXPECT_EQ(w.ProgressText.Text(), "");
+    EXPECT_EQ(w.results.Text(), "old text");
+    EXPECT_TRUE(w.results.Visible());
+    EXPECT_FALSE(w.filterBtn.Enabled());
+    EXPECT_FALSE(w.Timer1.Enabled());
+
+    addRows({ "a@b.co" });
+    desktop.willCancelOpen();
+    w.importBtn1.Push();
+    EXPECT_EQ(w.results.Text(), "Total: 1 entry.");
+    EXPECT_TRUE(w.filterBtn.Enabled());
+}
+
+TEST_F(SearchFileTest, failuresAreReportedAndLoseNothing)
+{
+    struct Case {
+        const char* name;
+        const char* file;
+        std::string reason;
+    };
+    ASSERT_EQ(mkfifo((folder / "pipe.txt").c_str(), 0600), 0);
+    folder.makeFolder("folder.csv");
+    const Case cases[] = {
+        { "vanished since the dialog", "gone.txt", "No such file or directory" },
+        { "a pipe never blocks", "pipe.txt", "regular file" },
+        { "a folder of that name", "folder.csv", "regular file" },
+    };
+    addRows({ "a@b.co" });
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        desktop.willOpen(folder / c.file);
+        desktop.willReport({ c.file, c.reason, "importBtn1_Action" });
+        window().importBtn1.Push();
+        EXPECT_EQ(rows(), Rows{ "a@b.co" });
+        EXPECT_TRUE(window().Timer1.Enabled()) << "the rest of the handler did not run";
+    }
+}
+
+TEST_F(SearchFileTest, namesAreBytes)
+{
+    for (const std::string name : { "line\nend.txt", "no\xff utf.txt" }) {
+        folder.write(name, "x@y.org");
+        searchFile(folder / name);
+        EXPECT_EQ(rows(), Rows{ "x@y.org" });
+    }
+}
+
+TEST_F(SearchFileTest, anAddressAcrossPiecesOfTheFileStaysWhole)
+{
+    // Longer than the pieces in which a file is read, with an address at every place.
+    std::string text;
+    Rows expected;
+    for (int i = 0; i < 60'000; ++i) {
+        const std::string address = "a" + std::to_string(i) + "@b.co";
+        expected.push_back(address);
+        text += address + (i % 7 == 0 ? "\r\n" : ",");
+    }
+    folder.write("big.csv", text);
+    searchFile(folder / "big.csv");
+    EXPECT_EQ(rows(), expected);
+}
+
+TEST_F(SearchFileTest, clearList)
+{
+    folder.write("a.txt", "x@y.org");
+    searchFile(folder / "a.txt");
+    window().clearBtn.Push();
+    EXPECT_TRUE(rows().empty());
+    EXPECT_EQ(window().results.Text(), "Total: 0 entries");
+    EXPECT_TRUE(window().results.Visible());
+    EXPECT_EQ(window().ProgressText.Text(), "");
+    EXPECT_TRUE(window().searchBtn.Enabled());
+    for (const PushButton* off : { &window().clearBtn, &window().filterBtn, &window().exportBtn })
+        EXPECT_FALSE(off->Enabled()) << off->Name();
+}
+
+TEST_F(SearchFileTest, folderFormNobodyCallsCountsNothingAndTotalsBeforeTheRemoval)
+{
+    folder.write("a.csv", "x@y.org X@y.org");
+    window().doCSVFolder(GetFolderItem(folder / "a.csv"));
+    EXPECT_EQ(window().rCounter, 0);
+    EXPECT_EQ(window().results.Text(), "Total: 2 entries.");
+    EXPECT_EQ(rows(), Rows{ "x@y.org" });
+}
+
+} // namespace quilvane

@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program/ProgramTest.h"
+
+#include "app/MainMenuBar.h"
+#include "app/prefsModule.h"
+#include "framework/threads/Timer.h"
+
+#include <filesystem>
+
+namespace quilvane {
+
+using StartUpTest = ProgramTest;
+
+TEST_F(StartUpTest, firstSightOfTheWindow)
+{
+    Window1& w = window();
+    EXPECT_EQ(w.Title(), "Quilvane");
+    EXPECT_EQ(w.Width(), 608);
+    EXPECT_EQ(w.Height(), 641);
+    EXPECT_TRUE(w.searchBtn.Enabled()) << "live on an empty list, by the pass at opening";
+    for (const PushButton* off : { &w.clearBtn, &w.filterBtn, &w.exportBtn, &w.exportTabDelimited })
+        EXPECT_FALSE(off->Enabled()) << off->Name();
+    EXPECT_FALSE(w.results.Visible());
+    EXPECT_TRUE(w.subFolderSearch.Value());
+    EXPECT_FALSE(w.searchStop.Enabled());
+    EXPECT_TRUE(w.Timer1.Enabled());
+    EXPECT_EQ(w.Listbox1.ColumnWidths(), "50,100,166,0,0,0,0,0,0,0,0,0");
+
+    w.setSize(900, 900);
+    settle();
+    EXPECT_EQ(w.exportBtn.Left(), 367);
+}
+
+TEST_F(StartUpTest, runsFromStartToQuit)
+{
+    Timer quit("quit", 1);
+    quit.Action = [this] { application->Quit(); };
+    EXPECT_EQ(application->Run([&] { quit.setEnabled(true); }), 0);
+    EXPECT_EQ(TempFolder::contentOf(folder / "Quilvane/QuilvanePreferences"), "tab\n");
+    EXPECT_FALSE(std::filesystem::exists(folder / "Quilvane/Temp"));
+    EXPECT_FALSE(isOpen<Window1>());
+}
+
+TEST_F(StartUpTest, preferencesFileHoldsOneLineAsItStands)
+{
+    struct Case {
+        const char* name;
+        std::string before;
+        std::string delimiter;
+        std::string after;
+    };
+    const Case cases[] = {
+        { "empty: the default does not come back", "", "", "\n" },
+        { "any text is taken unchecked", "comma\n", "comma", "comma\n" },
+        { "only the first line counts", "a\nb\nc\n", "a", "a\n" },
+        { "no line end", "x", "x", "x\n" },
+        { "bytes that are no text", std::string("\xff\0\x80\n", 4), std::string("\xff\0\x80", 3),
+            std::string("\xff\0\x80\n", 4) },
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        folder.write("Quilvane/QuilvanePreferences", c.before);
+        getPrefs();
+        EXPECT_EQ(application->delimiter, c.delimiter);
+        savePrefs();
+        EXPECT_EQ(TempFolder::contentOf(folder / "Quilvane/QuilvanePreferences"), c.after);
+    }
+}
+
+TEST_F(StartUpTest, preferencesFileThatCannotBeWrittenIsReportedWhenTheWindowCloses)
+{
+    std::filesystem::create_directories(folder / "Quilvane/QuilvanePreferences");
+    getPrefs();
+    EXPECT_EQ(application->delimiter, "tab");
+    desktop.willReport({ "QuilvanePreferences" });
+    window().Close();
+    std::filesystem::remove(folder / "Quilvane/QuilvanePreferences");
+}
+
+TEST_F(StartUpTest, closedMainWindowComesBackEmpty)
+{
+    addRows({ "a@b.co" });
+    application->delimiter = "kept";
+    window().Close();
+    EXPECT_FALSE(isOpen<Window1>());
+    EXPECT_EQ(TempFolder::contentOf(folder / "Quilvane/QuilvanePreferences"), "kept\n");
+    settle();
+    ASSERT_TRUE(isOpen<Window1>()) << "the menu update behind the last window makes the next one";
+    EXPECT_TRUE(rows().empty());
+}
+
+TEST_F(StartUpTest, menusFollowTheRows)
+{
+    MainMenuBar& bar = MainMenuBar::instance();
+    for (const bool hasRow : { false, true }) {
+        if (hasRow)
+            addRows({ "a@b.co" });
+        EnableMenuItems();
+        EXPECT_EQ(FiltersApplyFilters().Enabled(), hasRow);
+        EXPECT_FALSE(FileNewWindow().Enabled());
+        EXPECT_TRUE(bar.Lookup("FileQuit").Enabled());
+        EXPECT_TRUE(bar.Lookup("FileAboutTamsrel").Enabled());
+        EXPECT_TRUE(window().searchBtn.Enabled());
+        EXPECT_FALSE(window().filterBtn.Enabled()) << "no business of the pass";
+        for (const PushButton* button :
+            { &window().clearBtn, &window().exportBtn, &window().exportTabDelimited })
+            EXPECT_EQ(button->Enabled(), hasRow) << button->Name();
+    }
+}
+
+} // namespace quilvane

@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/dialogs/Desktop.h"
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace quilvane {
+
+/// Answers the program's dialogs by a plan made beforehand, in order. A dialog that was not planned, or that
+/// shows another text than planned, fails the test with its text and is answered as a user who cancels; a
+/// planned one that never came fails it, too. In place of the real desktop while it lives.
+class ScriptedDesktop : public Desktop {
+public:
+    ScriptedDesktop();
+    ~ScriptedDesktop() override;
+
+    void willOpen(std::string path) { plan({ .kind = "open dialog", .answer = std::move(path) }); }
+    void willCancelOpen() { plan({ .kind = "open dialog" }); }
+    void willSave(std::string path) { plan({ .kind = "save dialog", .answer = std::move(path) }); }
+    void willCancelSave() { plan({ .kind = "save dialog" }); }
+    void willSelect(std::string folder) { plan({ .kind = "folder dialog", .answer = std::move(folder) }); }
+    void willCancelSelect() { plan({ .kind = "folder dialog" }); }
+    void willShow(std::string text) { plan({ .kind = "message", .texts = { std::move(text) } }); }
+    void willAsk(std::string text, MessageDialog::Button button)
+    {
+        plan({ .kind = "question", .texts = { std::move(text) }, .button = button });
+    }
+    /// Each of `texts` must stand somewhere in the report.
+    void willReport(std::vector<std::string> texts) { plan({ .kind = "error", .texts = std::move(texts) }); }
+
+    /// What the save dialog offered last.
+    std::string offeredName;
+    /// Paths that were handed to their default application.
+    std::vector<std::string> launched;
+    bool launchSucceeds = true;
+
+    std::optional<std::string> chooseFileToOpen() override;
+    std::optional<std::string> chooseFileToSave(std::string_view defaultName) override;
+    std::optional<std::string> chooseFolder() override;
+    void showMessage(std::string_view text) override;
+    MessageDialog::Button showDialog(const MessageDialog& dialog) override;
+    void showError(std::string_view what, std::string_view where) override;
+    bool openWithDefaultApplication(std::string_view path) override;
+
+private:
+    struct Plan {
+        std::string kind;
+        std::vector<std::string> texts = {};
+        std::optional<std::string> answer = {};
+        MessageDialog::Button button = MessageDialog::Button::Cancel;
+    };
+
+    void plan(Plan plan) { m_plans.push_back(std::move(plan)); }
+    /// The next plan if it is of this kind; else fails the test and returns one that cancels.
+    Plan next(const std::string& kind, const std::string& shown);
+
+    std::deque<Plan> m_plans;
+};
+
+} // namespace quilvane
