@@ -6,6 +6,7 @@
 #include "framework/Application.h"
 #include "framework/Runtime.h"
 #include "framework/controls/Listbox.h"
+#include "framework/controls/MenuBar.h"
 #include "framework/controls/Window.h"
 #include "support/race.h"
 
@@ -97,7 +98,9 @@ int main(int argc, char** argv)
 {
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     const Runtime runtime(argc, argv, "Quilvane");
+    MenuBar noMenus;
     Application application;
+    application.setMenuBar(noMenus);
     for (const std::size_t count : { std::size_t(1'000'000), std::size_t(5'000'000) }) {
         const std::vector<std::string> rows = makeRows(count);
         std::array contenders{

@@ -11,6 +11,8 @@
 #include <QPalette>
 #include <QStyleFactory>
 
+#include <csignal>
+
 namespace quilvane {
 
 namespace {
@@ -52,6 +54,8 @@ Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
     font.setPixelSize(textSize);
     QApplication::setFont(font);
     setUncaughtThreadHandler(reportFromThread);
+    // A write past the user's limit on file sizes shall fail with a reason and not end the program.
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 Runtime::~Runtime() = default;

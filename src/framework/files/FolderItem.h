@@ -13,8 +13,7 @@ namespace quilvane {
 class TextInputStream;
 class TextOutputStream;
 
-/// A reference to a file or folder that may not exist. Nothing is opened or held; each question asks the file
-/// system.
+/// A reference to a file or folder that may not exist. Nothing is held open.
 ///
 /// Got from GetFolderItem, a dialog, or another item's Child and Item. Paths and names are bytes as the file
 /// system has them, not always UTF-8: show them through displayPath.
@@ -39,8 +38,7 @@ public:
     const std::string& NativePath() const { return m_path; }
 
     /// The number of the folder's children, hidden ones included; 0 for what is no folder or can't be read.
-    /// The folder is listed once, when Count or Item is first called: take a new item to see what has changed
-    /// since.
+    /// The folder is listed once, when Count or Item is first called: a new item sees what has changed.
     int Count() const;
     /// The child at `index`, from 1 to Count, in the order that the file system gives; nil outside.
     Ref<FolderItem> Item(int index) const;

@@ -34,8 +34,7 @@ public:
     /// before the first byte is read.
     void appendTo(std::string& text, std::uint64_t count);
 
-    /// Throws OutOfMemoryException if what the file still holds, `copies` times, is more than the memory
-    /// free.
+    /// Throws OutOfMemoryException if the memory free is less than `copies` times what the file still holds.
     void requireMemoryForRest(unsigned copies) const;
 
 private:

@@ -25,8 +25,8 @@ public:
 
     explicit TextInputStream(InputFile file);
 
-    /// The rest of the file. Throws OutOfMemoryException, before it reads, if that is more than the memory
-    /// free.
+    /// The rest of the file. If that is more than the memory free, throws OutOfMemoryException and reads
+    /// nothing.
     std::string ReadAll();
 
     /// The next line without its end, which is LF, CR or CRLF; empty at the end of the file.

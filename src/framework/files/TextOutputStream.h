@@ -36,8 +36,7 @@ public:
     TextOutputStream& operator=(const TextOutputStream&) = delete;
     ~TextOutputStream();
 
-    /// Writes `text` and one line end. Throws IOException; the stream is then closed and the target
-    /// untouched.
+    /// Writes `text` and one line end. Throws IOException; the stream is then closed, the target untouched.
     void WriteLine(std::string_view text);
 
     /// Throws IOException if the file can't be brought to its place; the target is then untouched. Does

@@ -49,8 +49,7 @@ std::string messageFor(int error)
     return reinterpret_cast<const char*>(text.data());
 }
 
-/// What all patterns run with. A run never yields, so one stack serves them all, on whichever stack they are
-/// called.
+/// What all patterns run with. A run never yields, so the one stack for compiled code serves every caller.
 struct Engine {
     Owned<pcre2_compile_context> compileContext = owned(pcre2_compile_context_create(nullptr));
     Owned<pcre2_match_context> matchContext = owned(pcre2_match_context_create(nullptr));

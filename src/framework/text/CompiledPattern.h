@@ -10,8 +10,7 @@
 
 namespace quilvane {
 
-/// A pattern ready to run; what RegEx objects of one pattern share. On one OS thread only, like all that uses
-/// it.
+/// A pattern ready to run; what RegEx objects of one pattern share. For one OS thread only.
 class CompiledPattern {
 public:
     enum class EmptyAtStart { Allowed, Skipped };

@@ -8,8 +8,8 @@
 
 namespace quilvane {
 
-/// A function on a stack of its own, which can be left in the middle and gone on with. What Thread is made
-/// of.
+/// A function on a stack of its own, which can be left in the middle and gone on with. Threads are made of
+/// it.
 ///
 /// Made with its stack; entered by the first resume(). It must not go while it is suspended: whoever holds it
 /// lets the function run to its end first.

@@ -69,8 +69,7 @@ public:
     void kill(const BodyPointer& body);
     void yield();
     bool giveSlices();
-    /// Unwinds the body on whose stack this is called if it was killed, but not while it is being unwound
-    /// already.
+    /// Unwinds the body on whose stack this is called if it was killed and is not being unwound already.
     void throwIfKilled() const;
 
     std::function<void(Thread&, std::exception_ptr)> uncaughtHandler;

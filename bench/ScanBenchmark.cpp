@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The address scanner against PCRE2 and against memchr alone, over the same texts in memory.
+#include "scan/AddressScanner.h"
+#include "support/PatternOracle.h"
+#include "support/benchText.h"
+#include "support/race.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using namespace quilvane;
+using Kernel = AddressScanner::Kernel;
+
+constexpr std::size_t megabyte = std::size_t{ 1 } << 20;
+
+std::size_t countMatches(std::string_view text, Kernel kernel)
+{
+    AddressScanner scanner(text, kernel);
+    std::size_t count = 0;
+    while (scanner.next())
+        ++count;
+    return count;
+}
+
+std::size_t countBytes(std::string_view text, char wanted)
+{
+    std::size_t count = 0;
+    const char* end = text.data() + text.size();
+    for (const char* byte = text.data(); byte != end; ++count) {
+        byte = static_cast<const char*>(std::memchr(byte, wanted, static_cast<std::size_t>(end - byte)));
+        if (!byte)
+            break;
+        ++byte;
+    }
+    return count;
+}
+
+struct Goals {
+    /// The scanner's speed by that of memchr, at least. 0: none.
+    double byMemchr;
+    /// The scanner's speed by that of PCRE2, at least. 0: none.
+    double byPattern;
+};
+
+void printRatio(const char* of, double ratio, double goal)
+{
+    if (goal == 0)
+        std::printf("    %-40s %8.2f\n", of, ratio);
+    else
+        std::printf("    %-40s %8.2f   goal %5.2f  %s\n", of, ratio, goal, verdict(ratio >= goal));
+}
+
+void compareOn(BenchText kind, std::size_t bytes, Goals goals)
+{
+    const std::string text = makeBenchText(kind, bytes);
+    const PatternOracle pattern(PatternOracle::addressPattern);
+    std::vector<Contender> contenders{
+        { "memchr to each '@'", [&] { return countBytes(text, '@'); } },
+        { "memchr for a byte that is not there", [&] { return countBytes(text, '\1'); } },
+        { "PCRE2-JIT", [&] { return pattern.findAll(text).size(); } },
+        { "scanner, scalar", [&] { return countMatches(text, Kernel::Scalar); } },
+    };
+    if (AddressScanner::isSupported(Kernel::Avx2))
+        contenders.push_back({ "scanner, AVX2", [&] { return countMatches(text, Kernel::Avx2); } });
+    race(contenders, 7);
+
+    std::printf("%s, %zu MB\n", nameOf(kind).data(), bytes / megabyte);
+    for (const Contender& contender : contenders) {
+        std::printf("  %-42s %9.3f ms %8.2f GB/s %9zu found\n", contender.name.c_str(),
+            contender.fastestSeconds * 1e3, static_cast<double>(bytes) / contender.fastestSeconds * 1e-9,
+            contender.result);
+    }
+    const auto ratioTo = [&](std::size_t index) {
+        return contenders[index].fastestSeconds / contenders.back().fastestSeconds;
+    };
+    printRatio("speed by memchr to each '@'", ratioTo(0), goals.byMemchr);
+    printRatio("speed by memchr for a missing byte", ratioTo(1), 0);
+    printRatio("speed by PCRE2-JIT", ratioTo(2), goals.byPattern);
+}
+
+/// Fills the processor's caches with other bytes, so that a small text has no advantage over a large one.
+void emptyCaches()
+{
+    static std::vector<char> other(128 * megabyte);
+    for (char& byte : other)
+        byte = static_cast<char>(byte + 1);
+}
+
+void printDoublings(BenchText kind)
+{
+    constexpr double goal = 2.5;
+    std::printf("  %-8s", nameOf(kind).data());
+    double worst = 0;
+    double previous = 0;
+    for (std::size_t megabytes = 1; megabytes <= 64; megabytes *= 2) {
+        const std::string text = makeBenchText(kind, megabytes * megabyte);
+        std::array contenders{ Contender{
+            "scanner", [&] { return countMatches(text, AddressScanner::fastestKernel()); } } };
+        race(contenders, 9, emptyCaches);
+        const double seconds = contenders[0].fastestSeconds;
+        if (megabytes == 1) {
+            std::printf(" %9.3f ms", seconds * 1e3);
+        } else {
+            std::printf(" %6.2f", seconds / previous);
+            worst = std::max(worst, seconds / previous);
+        }
+        previous = seconds;
+    }
+    std::printf("   worst %5.2f  goal %.1f  %s\n", worst, goal, verdict(worst <= goal));
+}
+
+} // namespace
+
+int main()
+{
+    compareOn(BenchText::Prose, 256 * megabyte, { 0.75, 30 });
+    compareOn(BenchText::Contacts, 256 * megabyte, { 0.6, 8 });
+    compareOn(BenchText::DotsOnly, megabyte, { 0, 0 });
+    compareOn(BenchText::AtsOnly, megabyte, { 0, 0 });
+
+    std::puts("time for 1 MB out of the caches, then by what it grows as the text doubles up to 64 MB");
+    for (const BenchText kind :
+        { BenchText::DotsOnly, BenchText::AtsOnly, BenchText::DigitLabels, BenchText::LongRuns })
+        printDoublings(kind);
+}

@@ -1,0 +1,191 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/text/RegEx.h"
+#include "framework/exceptions.h"
+#include "framework/text/strings.h"
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace quilvane {
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+Texts allMatches(RegEx& expression, std::string_view text)
+{
+    Texts found;
+    for (auto match = expression.Search(text); match; match = expression.Search()) {
+        found.push_back(match->SubExpressionString(0));
+        if (found.size() > text.size() + 1)
+            throw std::runtime_error("the search does not end");
+    }
+    return found;
+}
+
+template <typename Exception>
+std::string messageOf(const std::string& pattern, std::string_view text)
+{
+    RegEx expression;
+    expression.setSearchPattern(pattern);
+    try {
+        expression.matches(text);
+    } catch (const Exception& error) {
+        return error.what();
+    }
+    return "nothing was thrown";
+}
+
+struct SearchCase {
+    const char* name;
+    std::string pattern;
+    std::string text;
+    Texts expected;
+};
+
+class Search : public testing::TestWithParam<SearchCase> { };
+
+TEST_P(Search, FindsAllMatchesInOrder)
+{
+    RegEx expression;
+    expression.setSearchPattern(GetParam().pattern);
+    EXPECT_EQ(allMatches(expression, GetParam().text), GetParam().expected);
+    EXPECT_EQ(expression.matches(GetParam().text), !GetParam().expected.empty());
+    EXPECT_FALSE(expression.Search()) << "a search that has ended must stay so";
+}
+
+const std::string longText(5000, '-');
+
+INSTANTIATE_TEST_SUITE_P(RegEx, Search,
+    testing::Values( //
+        SearchCase{ "IgnoresCase", "\\.PDF", "a.pdf b.Pdf", { ".pdf", ".Pdf" } },
+        SearchCase{ "IgnoresCaseOfAsciiOnly", "\xC3\xA4", "\xC3\x84 \xC3\xA4", { "\xC3\xA4" } },
+        SearchCase{ "HighBytesAreNoWordCharacters", "\\bb\\b",
+            "\xFC"
+            "b\xFC",
+            { "b" } },
+        SearchCase{ "AnyBytesMayBeSearched", "x.y", std::string("\xFF\x00x\x80y", 5), { "x\x80y" } },
+        SearchCase{ "DotStopsAtLineEnds", "a.*", "ab\ncd\rae\r\naf", { "ab", "ae", "af" } },
+        SearchCase{ "IsGreedy", "a+", "caaat", { "aaa" } },
+        SearchCase{ "EmptyPatternMatchesEverywhere", "", "ab", { "", "", "" } },
+        SearchCase{ "EmptyPatternMatchesEmptyText", "", "", { "" } },
+        SearchCase{ "EmptyAndOtherMatches", "b*", "abba", { "", "bb", "", "" } },
+        SearchCase{ "MatchesThatEmptyThemselves", "a\\K", "aaa", { "", "", "" } },
+        SearchCase{ "LooksBehindThePreviousMatch", "(?<=a)a", "aaa", { "a", "a" } },
+        SearchCase{ "NoMatch", "x", "abc", {} },
+        SearchCase{ "BeyondTheFirstStretch", "x|^-|.$", longText + "x" + longText + "y", { "-", "x", "y" } },
+        SearchCase{ "AcrossStretches", "-+", longText, { longText } }),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST(RegEx, MissesNoPlaceOfALongText)
+{
+    RegEx expression;
+    expression.setSearchPattern("^|(?=x)");
+    for (std::size_t place = 1; place < 5000; ++place)
+        ASSERT_EQ(allMatches(expression, longText.substr(0, place) + "x").size(), 2u) << place;
+}
+
+TEST(RegEx, GoesOnInATemporaryTextAndAfterAChangeOfPattern)
+{
+    RegEx expression;
+    EXPECT_FALSE(expression.Search()) << "there is no text yet";
+    expression.setSearchPattern("a");
+    ASSERT_TRUE(expression.Search(std::string("a b a")));
+    expression.setSearchPattern("[ab]");
+    EXPECT_EQ(expression.Search()->SubExpressionString(0), "b");
+    EXPECT_TRUE(expression.matches("a"));
+    EXPECT_EQ(expression.Replace("xay"), "xy");
+    EXPECT_EQ(expression.Search()->SubExpressionString(0), "a");
+}
+
+TEST(RegEx, GivesSubExpressions)
+{
+    RegEx expression;
+    expression.setSearchPattern("(a)|(b)");
+    const auto match = expression.Search("b");
+    EXPECT_EQ(match->SubExpressionString(0), "b");
+    EXPECT_EQ(match->SubExpressionString(1), "");
+    EXPECT_EQ(match->SubExpressionString(2), "b");
+    EXPECT_THROW(match->SubExpressionString(3), OutOfBoundsException);
+    EXPECT_THROW(match->SubExpressionString(-1), OutOfBoundsException);
+}
+
+TEST(RegEx, ReplacesTheFirstMatchLiterally)
+{
+    RegEx expression;
+    expression.setSearchPattern("HTTP://");
+    expression.setReplacementPattern("$1\\0https://");
+    EXPECT_EQ(expression.Replace("see http://a and http://b"), "see $1\\0https://a and http://b");
+    EXPECT_EQ(expression.Replace("nothing"), "nothing");
+}
+
+TEST(RegEx, RefusesInvalidPatternsWhenFirstUsed)
+{
+    const std::string open = messageOf<RegExSearchPatternException>("ab(c", "abc");
+    EXPECT_NE(open.find("missing closing parenthesis"), std::string::npos) << open;
+    EXPECT_NE(open.find("at position 4"), std::string::npos) << open;
+
+    for (const std::string& pattern : { std::string(1'000'000, 'a'), std::string(1'000'000, '('),
+             std::string("(((a{999}){999}){999})"), std::string("(*UTF)a"), std::string("a\0[", 3) }) {
+        const std::string message = messageOf<RegExSearchPatternException>(pattern, "a");
+        EXPECT_NE(message.find("is not valid"), std::string::npos) << message;
+        EXPECT_LT(message.size(), 500u);
+    }
+}
+
+TEST(RegEx, GivesUpARunawayPattern)
+{
+    const std::string row(100'000, 'a');
+    std::string manyTraps;
+    for (int i = 0; i < 500'000; ++i)
+        manyTraps += "aaaaaaaaaaaaaaaaaa!"; // each below PCRE2's own limits
+    for (const auto& [pattern, text] :
+        { std::pair("(a+)+$", row + "!"), std::pair("(*NO_JIT)(a+)+$", row + "!"),
+            std::pair("(a|b)*c", std::string(5'000'000, 'a')), std::pair("(a+)+$", manyTraps) }) {
+        const auto begin = std::chrono::steady_clock::now();
+        const std::string message = messageOf<RegExException>(pattern, text);
+        EXPECT_NE(message.find("was given up"), std::string::npos) << pattern << ": " << message;
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60)) << pattern;
+    }
+}
+
+TEST(RegEx, ManyPatternsOutliveTheStoreOfCompiledOnes)
+{
+    std::vector<std::unique_ptr<RegEx>> expressions;
+    for (int i = 0; i < 100; ++i) {
+        expressions.push_back(std::make_unique<RegEx>());
+        expressions.back()->setSearchPattern("^" + Str(i) + "$");
+        EXPECT_TRUE(expressions.back()->matches(Str(i)));
+    }
+    for (int i = 0; i < 100; ++i)
+        EXPECT_TRUE(expressions[static_cast<std::size_t>(i)]->matches(Str(i)));
+}
+
+TEST(Strings, SplitCutsAtEachSeparator)
+{
+    EXPECT_EQ(Split("a.b.c", "."), (Texts{ "a", "b", "c" }));
+    EXPECT_EQ(Split(".a..", "."), (Texts{ "", "a", "", "" }));
+    EXPECT_EQ(Split("abc", "."), (Texts{ "abc" }));
+    EXPECT_EQ(Split("", "."), (Texts{ "" }));
+    EXPECT_EQ(Split("a, b,c", ", "), (Texts{ "a", "b,c" }));
+    EXPECT_EQ(Split("abc", ""), (Texts{ "abc" }));
+}
+
+TEST(Strings, ComparesAndConverts)
+{
+    EXPECT_TRUE(equalsIgnoringCase("Ab@Z.", "aB@z."));
+    EXPECT_FALSE(equalsIgnoringCase("a", "ab"));
+    EXPECT_FALSE(equalsIgnoringCase("@[", "`{")) << "only letters have a case";
+    EXPECT_FALSE(equalsIgnoringCase("\xC4", "\xE4"));
+    EXPECT_EQ(Chr(9), "\t");
+    EXPECT_THROW(Chr(128), OutOfBoundsException);
+    EXPECT_THROW(Chr(-1), OutOfBoundsException);
+}
+
+} // namespace
+
+} // namespace quilvane

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scan/TextPieces.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <span>
+#include <string>
+
+namespace quilvane {
+
+namespace {
+
+std::string_view feed(TextPieces& pieces, std::string_view bytes)
+{
+    const std::span<char> room = pieces.room();
+    EXPECT_GE(room.size(), bytes.size());
+    std::memcpy(room.data(), bytes.data(), bytes.size());
+    return pieces.take(bytes.size());
+}
+
+} // namespace
+
+TEST(TextPieces, cutBehindTheLastByteThatNoAddressHolds)
+{
+    TextPieces pieces(64);
+    EXPECT_EQ(feed(pieces, "to: a@b.c"), "to: ");
+    EXPECT_EQ(feed(pieces, "om"), "");
+    EXPECT_EQ(feed(pieces, ""), "");
+    EXPECT_EQ(feed(pieces, "\n\xc3\xa4 x"), "a@b.com\n\xc3\xa4 ");
+    EXPECT_EQ(pieces.rest(), "x");
+    EXPECT_EQ(feed(pieces, "@\n"), "x@\n");
+    EXPECT_EQ(pieces.rest(), "");
+}
+
+TEST(TextPieces, neverCutWithinAddressBytes)
+{
+    for (const char byte : std::string_view("azAZ09._%+-@")) {
+        TextPieces pieces(16);
+        EXPECT_EQ(feed(pieces, std::string("a") + byte), "") << byte;
+    }
+}
+
+TEST(TextPieces, haveRoomForARunLongerThanAPiece)
+{
+    TextPieces pieces(1);
+    const std::string run(1000, 'a');
+    for (const char byte : run)
+        EXPECT_EQ(feed(pieces, { &byte, 1 }), "");
+    EXPECT_EQ(pieces.rest(), run);
+    EXPECT_EQ(feed(pieces, "\n"), run + "\n");
+}
+
+} // namespace quilvane

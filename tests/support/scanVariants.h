@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "scan/AddressScanner.h"
+#include "scan/TextPieces.h"
+#include "scan/byteClasses.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quilvane {
+
+inline std::vector<AddressScanner::Kernel> supportedKernels()
+{
+    std::vector<AddressScanner::Kernel> kernels{ AddressScanner::Kernel::Scalar };
+    if (AddressScanner::isSupported(AddressScanner::Kernel::Avx2))
+        kernels.push_back(AddressScanner::Kernel::Avx2);
+    return kernels;
+}
+
+inline void appendMatches(
+    std::vector<std::string_view>& matches, std::string_view text, AddressScanner::Kernel kernel)
+{
+    AddressScanner scanner(text, kernel);
+    while (const auto match = scanner.next())
+        matches.push_back(*match);
+}
+
+inline std::vector<std::string_view> scanWhole(std::string_view text, AddressScanner::Kernel kernel)
+{
+    std::vector<std::string_view> matches;
+    appendMatches(matches, text, kernel);
+    return matches;
+}
+
+/// Scans the text as two texts, cut at `cut`.
+inline std::vector<std::string_view> scanCut(
+    std::string_view text, std::size_t cut, AddressScanner::Kernel kernel)
+{
+    std::vector<std::string_view> matches;
+    appendMatches(matches, text.substr(0, cut), kernel);
+    appendMatches(matches, text.substr(cut), kernel);
+    return matches;
+}
+
+/// Scans the text as a stream whose every read fills the room that there is.
+inline std::vector<std::string> scanInPieces(
+    std::string_view text, std::size_t pieceSize, AddressScanner::Kernel kernel)
+{
+    std::vector<std::string> matches;
+    const auto scan = [&](std::string_view piece) {
+        const auto found = scanWhole(piece, kernel);
+        matches.insert(matches.end(), found.begin(), found.end());
+    };
+    TextPieces pieces(pieceSize);
+    while (!text.empty()) {
+        const std::span<char> room = pieces.room();
+        const std::size_t size = text.copy(room.data(), room.size());
+        text.remove_prefix(size);
+        scan(pieces.take(size));
+    }
+    scan(pieces.rest());
+    return matches;
+}
+
+/// Whether both hold the same places of the same text.
+inline bool samePlaces(const std::vector<std::string_view>& a, const std::vector<std::string_view>& b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+        [](std::string_view x, std::string_view y) { return x.data() == y.data() && x.size() == y.size(); });
+}
+
+inline bool isSafeCut(std::string_view text, std::size_t cut)
+{
+    const char before = text[cut - 1];
+    return before != '@' && !isOf(before, ByteClass::localPart);
+}
+
+} // namespace quilvane
