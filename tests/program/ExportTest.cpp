@@ -4,7 +4,6 @@
 
 #include <sys/resource.h>
 
-
 namespace quilvane {
 
 using ExportTest = ProgramTest;
