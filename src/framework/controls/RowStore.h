@@ -15,7 +15,7 @@ namespace quilvane {
 /// and adding a row never moves the earlier ones. Rows are numbered from 0.
 class RowStore {
 public:
-    /// Throws std::length_error for a row that takes a chunk past 4 GB.
+    /// Throws OutOfMemoryException when memory gets short, and std::length_error for a row of 4 GB.
     void append(std::string_view text);
 
     std::size_t size() const { return m_size; }
