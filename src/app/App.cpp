@@ -5,6 +5,7 @@
 #include "app/MainMenuBar.h"
 #include "app/Window1.h"
 #include "app/prefsModule.h"
+#include "filter/filterWIn.h"
 
 namespace quilvane {
 
@@ -26,6 +27,7 @@ bool App::_FileNewWindow_Action()
 
 bool App::_FiltersApplyFilters_Action()
 {
+    implicit<filterWIn>().Show();
     return false;
 }
 

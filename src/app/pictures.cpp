@@ -21,4 +21,22 @@ Ref<Picture> Quilvane_200()
     return loadOnce(kept, "Quilvane_200");
 }
 
+Ref<Picture> Quilvane_2001()
+{
+    static Ref<Picture> kept;
+    return loadOnce(kept, "Quilvane_2001");
+}
+
+Ref<Picture> Quilvane_1001()
+{
+    static Ref<Picture> kept;
+    return loadOnce(kept, "Quilvane_1001");
+}
+
+Ref<Picture> Quilvane_1002()
+{
+    static Ref<Picture> kept;
+    return loadOnce(kept, "Quilvane_1002");
+}
+
 } // namespace quilvane

@@ -66,4 +66,12 @@ void RowStore::retain(std::span<const unsigned char> keep)
     *this = std::move(kept);
 }
 
+void RowStore::arrange(std::span<const std::size_t> rows)
+{
+    RowStore arranged;
+    for (const std::size_t row : rows)
+        arranged.append((*this)[row]);
+    *this = std::move(arranged);
+}
+
 } // namespace quilvane

@@ -28,6 +28,9 @@ public:
     /// Keeps row i where keep[i] is not 0, in one pass and in the same order. `keep` has size() elements.
     void retain(std::span<const unsigned char> keep);
 
+    /// Makes row i what was row rows[i] before; rows that stand there several times are repeated, others go.
+    void arrange(std::span<const std::size_t> rows);
+
 private:
     static constexpr std::size_t rowsPerChunk = 4096;
 
