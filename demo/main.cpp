@@ -5,9 +5,11 @@
 
 #include "app/App.h"
 #include "app/Window1.h"
+#include "app/aboutWin.h"
 #include "app/startUp.h"
 #include "filter/filterWIn.h"
 #include "framework/Runtime.h"
+#include "framework/controls/MenuBar.h"
 #include "framework/dialogs/Desktop.h"
 #include "search/Window2.h"
 #include "search/searchWin.h"
@@ -79,6 +81,8 @@ public:
         searchKeyword("library");
         removeDomains();
         implicit<Window1>().exportTabDelimited.Push();
+        app().menuBar().Lookup("FileAboutTamsrel").Choose();
+        picture(implicit<aboutWin>(), "about");
     }
 
 private:
@@ -151,16 +155,16 @@ int play(int argc, char** argv)
     const Runtime runtime(argc, argv, "Quilvane");
     if (argc > 3)
         Runtime::useDarkColors();
-    const std::unique_ptr<App> app = makeApp();
+    const std::unique_ptr<App> application = makeApp();
     DemoDesktop desktop(argv[2]);
     Demo demo(argv[1], argv[2], desktop);
     Timer start("demo", 0);
     start.Action = [&] {
         start.setEnabled(false);
         demo.play();
-        app->Quit();
+        application->Quit();
     };
-    const int exitCode = app->Run([&start] {
+    const int exitCode = application->Run([&start] {
         implicit<Window1>();
         start.setEnabled(true);
     });
