@@ -5,9 +5,14 @@
 
 #include "app/App.h"
 #include "app/Window1.h"
+#include "app/aboutWin.h"
 #include "app/startUp.h"
+#include "filter/filterWIn.h"
 #include "framework/Runtime.h"
+#include "framework/controls/MenuBar.h"
 #include "framework/dialogs/Desktop.h"
+#include "search/Window2.h"
+#include "search/searchWin.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -67,14 +72,17 @@ public:
 
     void play()
     {
-        picture("start");
+        picture(implicit<Window1>(), "start");
         searchFile("contacts.csv");
         searchFile("newsletter.txt");
-        picture("search-file");
-        Window1& window = implicit<Window1>();
-        window.exportBtn.Push();
-        window.exportTabDelimited.Push();
+        picture(implicit<Window1>(), "search-file");
+        implicit<Window1>().exportBtn.Push();
         printList();
+        searchKeyword("library");
+        removeDomains();
+        implicit<Window1>().exportTabDelimited.Push();
+        app().menuBar().Lookup("FileAboutTamsrel").Choose();
+        picture(implicit<aboutWin>(), "about");
     }
 
 private:
@@ -87,12 +95,41 @@ private:
                   << '\n';
     }
 
-    void picture(const std::string& name)
+    void searchKeyword(const std::string& keyword)
+    {
+        implicit<Window1>().searchBtn.Push();
+        searchWin& dialog = implicit<searchWin>();
+        dialog.searchField.setText(keyword);
+        picture(dialog, "search");
+        dialog.searchBtn.Push();
+        for (Window* window : WindowList::instance().openWindows()) {
+            if (auto* found = dynamic_cast<Window2*>(window)) {
+                std::cout << "Searched the list for \"" << keyword << "\": " << found->results.Text() << '\n';
+                picture(*found, "search-results");
+                found->closeBtn.Push();
+            }
+        }
+    }
+
+    void removeDomains()
+    {
+        implicit<Window1>().filterBtn.Push();
+        filterWIn& dialog = implicit<filterWIn>();
+        dialog.checkGov.setValue(true);
+        dialog.checkEdu.setValue(true);
+        dialog.check1Field.setText("co.uk");
+        picture(dialog, "filter");
+        dialog.removeBtn.Push();
+        std::cout << "Removed .gov, .edu and co.uk: " << implicit<Window1>().results.Text() << '\n';
+        picture(implicit<Window1>(), "filtered");
+    }
+
+    void picture(const Window& window, const std::string& name)
     {
         constexpr int milliseconds = 300;
         Application::DoEvents(milliseconds);
         const std::string path = m_output + '/' + name + ".png";
-        implicit<Window1>().savePicture(path);
+        window.savePicture(path);
         std::cout << "Picture: " << path << '\n';
     }
 
@@ -118,16 +155,16 @@ int play(int argc, char** argv)
     const Runtime runtime(argc, argv, "Quilvane");
     if (argc > 3)
         Runtime::useDarkColors();
-    const std::unique_ptr<App> app = makeApp();
+    const std::unique_ptr<App> application = makeApp();
     DemoDesktop desktop(argv[2]);
     Demo demo(argv[1], argv[2], desktop);
     Timer start("demo", 0);
     start.Action = [&] {
         start.setEnabled(false);
         demo.play();
-        app->Quit();
+        application->Quit();
     };
-    const int exitCode = app->Run([&start] {
+    const int exitCode = application->Run([&start] {
         implicit<Window1>();
         start.setEnabled(true);
     });

@@ -4,7 +4,9 @@
 
 #include "app/MainMenuBar.h"
 #include "app/Window1.h"
+#include "app/aboutWin.h"
 #include "app/prefsModule.h"
+#include "filter/filterWIn.h"
 
 namespace quilvane {
 
@@ -15,6 +17,7 @@ App& app()
 
 bool App::_FileAboutTamsrel_Action()
 {
+    implicit<aboutWin>().Show();
     return false;
 }
 
@@ -26,6 +29,7 @@ bool App::_FileNewWindow_Action()
 
 bool App::_FiltersApplyFilters_Action()
 {
+    implicit<filterWIn>().Show();
     return false;
 }
 

@@ -6,38 +6,40 @@
 #include "app/MainMenuBar.h"
 #include "app/pictures.h"
 #include "app/prefsModule.h"
+#include "filter/filterWIn.h"
 #include "framework/text/strings.h"
+#include "search/searchWin.h"
 
 namespace quilvane {
 
 namespace {
 
-using enum ControlKind;
+using Kind = ControlKind;
 
 // clang-format off
 constexpr ControlRow controlTable[] = {
-    // name                kind         caption                                  left   top  width height visible enabled tab index
-    { "Listbox1",           Listbox,     "",                                        20,  143,  316,  429,  true,  true,   0 },
-    { "importBtn",          PushButton,  "Search URL:",                             20,   76,  103,   20,  true,  true,   1 },
-    { "clearBtn",           PushButton,  "Clear List",                              20,  589,  111,   20,  true,  false,  6 },
-    { "results",            Label,       "",                                       143,  589,  297,   20,  false, true,   7 },
-    { "filterBtn",          PushButton,  "Filter Results",                         414,  180,  124,   20,  true,  false,  8 },
-    { "searchBtn",          PushButton,  "Search",                                 414,  212,  124,   20,  true,  false,  9 },
-    { "exportBtn",          PushButton,  "Export as CSV",                          367,  589,  221,   20,  true,  false, 13 },
-    { "HTMLViewer1",        HTMLViewer,  "",                                      -315,  -75,  300,  200,  true,  true,  16 },
-    { "urlField",           TextField,   "",                                       135,   75,  453,   22,  true,  true,  18 },
-    { "Canvas1",            Canvas,      "",                                       367,  261,  205,  208,  true,  true,  19 },
-    { "Label1",             Label,       "Drop files and folders here to search.",  367,  454,  205,   20,  true,  true,   0 },
-    { "importBtn1",         PushButton,  "Search File",                             20,   20,  103,   20,  true,  true,  20 },
-    { "importFolderBtn",    PushButton,  "Search Folder",                          143,   21,  103,   20,  true,  true,  21 },
-    { "ProgressText",       Label,       "",                                        20,  108,  568,   17,  true,  true,  23 },
-    { "TextArea1",          TextArea,    "",                                      -438,  588,  423,  570,  true,  true,  25 },
-    { "Slider1",            Slider,      "",                                       279, -104,  701,   23,  true,  true,  26 },
-    { "TextField1",         TextField,   "",                                      -350,  140,  335,  436,  true,  true,  27 },
-    { "subFolderSearch",    CheckBox,    "Search Subfolders",                      258,   21,  141,   20,  true,  true,  31 },
-    { "PushButton1",        PushButton,  "Thread",                                 458,  -62,   80,   20,  true,  true,  32 },
-    { "searchStop",         CheckBox,    "Stop Search",                            259,   44,  100,   20,  true,  false, 33 },
-    { "exportTabDelimited", PushButton,  "Export as Tab Delimited Text",           367,  552,  221,   20,  true,  false, 34 },
+    // name                kind               caption                                  left   top  width height visible enabled tab index
+    { "Listbox1",           Kind::Listbox,     "",                                        20,  143,  316,  429,  true,  true,   0 },
+    { "importBtn",          Kind::PushButton,  "Search URL:",                             20,   76,  103,   20,  true,  true,   1 },
+    { "clearBtn",           Kind::PushButton,  "Clear List",                              20,  589,  111,   20,  true,  false,  6 },
+    { "results",            Kind::Label,       "",                                       143,  589,  297,   20,  false, true,   7 },
+    { "filterBtn",          Kind::PushButton,  "Filter Results",                         414,  180,  124,   20,  true,  false,  8 },
+    { "searchBtn",          Kind::PushButton,  "Search",                                 414,  212,  124,   20,  true,  false,  9 },
+    { "exportBtn",          Kind::PushButton,  "Export as CSV",                          367,  589,  221,   20,  true,  false, 13 },
+    { "HTMLViewer1",        Kind::HTMLViewer,  "",                                      -315,  -75,  300,  200,  true,  true,  16 },
+    { "urlField",           Kind::TextField,   "",                                       135,   75,  453,   22,  true,  true,  18 },
+    { "Canvas1",            Kind::Canvas,      "",                                       367,  261,  205,  208,  true,  true,  19 },
+    { "Label1",             Kind::Label,       "Drop files and folders here to search.",  367,  454,  205,   20,  true,  true,   0 },
+    { "importBtn1",         Kind::PushButton,  "Search File",                             20,   20,  103,   20,  true,  true,  20 },
+    { "importFolderBtn",    Kind::PushButton,  "Search Folder",                          143,   21,  103,   20,  true,  true,  21 },
+    { "ProgressText",       Kind::Label,       "",                                        20,  108,  568,   17,  true,  true,  23 },
+    { "TextArea1",          Kind::TextArea,    "",                                      -438,  588,  423,  570,  true,  true,  25 },
+    { "Slider1",            Kind::Slider,      "",                                       279, -104,  701,   23,  true,  true,  26 },
+    { "TextField1",         Kind::TextField,   "",                                      -350,  140,  335,  436,  true,  true,  27 },
+    { "subFolderSearch",    Kind::CheckBox,    "Search Subfolders",                      258,   21,  141,   20,  true,  true,  31 },
+    { "PushButton1",        Kind::PushButton,  "Thread",                                 458,  -62,   80,   20,  true,  true,  32 },
+    { "searchStop",         Kind::CheckBox,    "Stop Search",                            259,   44,  100,   20,  true,  false, 33 },
+    { "exportTabDelimited", Kind::PushButton,  "Export as Tab Delimited Text",           367,  552,  221,   20,  true,  false, 34 },
 };
 // clang-format on
 
@@ -100,10 +102,12 @@ void Window1::Event_Close()
 
 void Window1::filterBtn_Action()
 {
+    implicit<filterWIn>().Show();
 }
 
 void Window1::searchBtn_Action()
 {
+    implicit<searchWin>().Show();
 }
 
 void Window1::searchStop_Action()

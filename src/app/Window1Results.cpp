@@ -5,6 +5,7 @@
 #include "app/Window1.h"
 
 #include "framework/Application.h"
+#include "framework/files/availableMemory.h"
 #include "scan/AddressScanner.h"
 #include "scan/TextPieces.h"
 #include "scan/endTexts.h"
@@ -15,8 +16,11 @@ namespace quilvane {
 void Window1::scanToList(TextInputStream& stream, Counting counting)
 {
     TextPieces pieces;
-    while (const std::size_t count = stream.Read(pieces.room()))
+    while (const std::size_t count = stream.Read(pieces.room())) {
         addMatchesToList(pieces.take(count), counting);
+        // A text in which nothing can be cut is kept whole, in a buffer that may double at the next read.
+        requireMemory(2 * pieces.rest().size(), "A word in this file is too long");
+    }
     addMatchesToList(pieces.rest(), counting);
 }
 

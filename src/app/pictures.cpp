@@ -21,4 +21,28 @@ Ref<Picture> Quilvane_200()
     return loadOnce(kept, "Quilvane_200");
 }
 
+Ref<Picture> Quilvane_2001()
+{
+    static Ref<Picture> kept;
+    return loadOnce(kept, "Quilvane_2001");
+}
+
+Ref<Picture> Quilvane_1001()
+{
+    static Ref<Picture> kept;
+    return loadOnce(kept, "Quilvane_1001");
+}
+
+Ref<Picture> Quilvane_1002()
+{
+    static Ref<Picture> kept;
+    return loadOnce(kept, "Quilvane_1002");
+}
+
+Ref<Picture> Quilvane_100()
+{
+    static Ref<Picture> kept;
+    return loadOnce(kept, "Quilvane_100");
+}
+
 } // namespace quilvane

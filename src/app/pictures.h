@@ -11,5 +11,13 @@ namespace quilvane {
 
 /// The drop area of the main window.
 Ref<Picture> Quilvane_200();
+/// The search results.
+Ref<Picture> Quilvane_2001();
+/// The filter dialog.
+Ref<Picture> Quilvane_1001();
+/// The search dialog.
+Ref<Picture> Quilvane_1002();
+/// The About window.
+Ref<Picture> Quilvane_100();
 
 } // namespace quilvane

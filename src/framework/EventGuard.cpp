@@ -62,7 +62,7 @@ void reportCurrentException(const std::string& handlerName)
 {
     Desktop::current().showError(describeCurrentException(),
         "This happened in " + handlerName
-            + ", which has ended there. The list is untouched: every address found so far is still in it.");
+            + ", which has ended there. What it had done before stands; otherwise the list is untouched.");
 }
 
 } // namespace quilvane

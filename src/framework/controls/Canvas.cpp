@@ -5,36 +5,55 @@
 #include "framework/internal/Native.h"
 #include "framework/internal/PictureNative.h"
 
+#include <QKeyEvent>
 #include <QPainter>
+#include <QStyleOptionFocusRect>
 
 namespace quilvane {
 
-namespace {
-
-class CanvasWidget : public QWidget {
+class Canvas::Area : public QWidget {
 public:
-    CanvasWidget(QWidget* parent, const Ref<Picture>& backdrop)
+    Area(QWidget* parent, Canvas& canvas)
         : QWidget(parent)
-        , m_backdrop(backdrop)
+        , m_canvas(canvas)
     {
     }
 
 protected:
     void paintEvent(QPaintEvent*) override
     {
-        if (!m_backdrop)
-            return;
         QPainter painter(this);
-        QSvgRenderer& renderer = m_backdrop->native().renderer;
-        renderer.setAspectRatioMode(Qt::KeepAspectRatio);
-        renderer.render(&painter, rect());
+        if (m_canvas.m_backdrop) {
+            QSvgRenderer& renderer = m_canvas.m_backdrop->native().renderer;
+            renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+            renderer.render(&painter, rect());
+        }
+        if (hasFocus()) {
+            QStyleOptionFocusRect option;
+            option.initFrom(this);
+            style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+        }
+    }
+
+    void mousePressEvent(QMouseEvent*) override { press(); }
+
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return)
+            press();
+        else
+            QWidget::keyPressEvent(event);
     }
 
 private:
-    const Ref<Picture>& m_backdrop; // the control's, which outlives this
-};
+    void press()
+    {
+        if (m_canvas.MouseDown)
+            m_canvas.fire("MouseDown", [this] { m_canvas.MouseDown(); });
+    }
 
-} // namespace
+    Canvas& m_canvas; // outlives this
+};
 
 Canvas::Canvas(Window& window, std::string_view name)
     : RectControl(window, name, ControlKind::Canvas)
@@ -55,11 +74,13 @@ void Canvas::setBackdrop(Ref<Picture> picture)
 
 void Canvas::makeWidget(Native& native)
 {
-    native.widget = new CanvasWidget(native.content, m_backdrop);
+    native.widget = new Area(native.content, *this);
 }
 
 void Canvas::opened()
 {
+    if (MouseDown && native().widget)
+        native().widget->setFocusPolicy(Qt::StrongFocus);
     fire("Open", Open);
 }
 

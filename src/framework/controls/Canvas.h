@@ -16,10 +16,16 @@ public:
     /// The window's controls are all in place.
     std::function<void()> Open;
 
+    /// The mouse was pressed on the canvas, or the space bar or Return while it has the keyboard. The result
+    /// says whether the program has dealt with the press; nothing further follows either way.
+    std::function<bool()> MouseDown;
+
     /// A nil picture leaves the canvas empty.
     void setBackdrop(Ref<Picture> picture);
 
 private:
+    class Area;
+
     void makeWidget(Native& native) override;
     void opened() override;
 

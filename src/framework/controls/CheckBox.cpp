@@ -3,6 +3,7 @@
 #include "framework/controls/CheckBox.h"
 
 #include "framework/internal/Native.h"
+#include "framework/internal/fitText.h"
 #include "framework/internal/qtText.h"
 
 #include <QCheckBox>
@@ -34,8 +35,10 @@ void CheckBox::makeWidget(Native& native)
 void CheckBox::setTableCaption(std::string_view caption)
 {
     m_caption = caption;
-    if (auto* box = qobject_cast<QCheckBox*>(native().widget))
+    if (auto* box = qobject_cast<QCheckBox*>(native().widget)) {
         box->setText(toQt(caption));
+        fitText(*box, box->text(), 22);
+    }
 }
 
 } // namespace quilvane

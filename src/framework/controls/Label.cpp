@@ -3,6 +3,7 @@
 #include "framework/controls/Label.h"
 
 #include "framework/internal/Native.h"
+#include "framework/internal/fitText.h"
 #include "framework/internal/qtText.h"
 
 #include <QEvent>
@@ -107,7 +108,7 @@ void Label::setText(std::string_view text)
 {
     m_text = text;
     if (auto* label = widgetOf(*this))
-        label->setText(withVisibleLineEnds(text));
+        label->setText(label->wordWrap() ? toQt(text) : withVisibleLineEnds(text));
 }
 
 void Label::setTextColor(std::uint32_t rgb)
@@ -131,6 +132,16 @@ void Label::setCentred()
         label->setAlignment(Qt::AlignCenter);
 }
 
+void Label::setMultiline()
+{
+    if (auto* label = widgetOf(*this)) {
+        label->setWordWrap(true);
+        label->setFont(label->parentWidget()->font()); // lines are broken instead of set smaller
+        label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        label->setText(toQt(m_text));
+    }
+}
+
 void Label::makeWidget(Native& native)
 {
     auto* label = new LabelWidget(native.content);
@@ -143,6 +154,8 @@ void Label::makeWidget(Native& native)
 void Label::setTableCaption(std::string_view caption)
 {
     setText(caption);
+    if (auto* label = widgetOf(*this))
+        fitText(*label, label->text(), 0);
 }
 
 } // namespace quilvane

@@ -13,7 +13,8 @@ public:
     Label(Window& window, std::string_view name);
 
     const std::string& Text() const { return m_text; }
-    /// Plain text: markup is shown as it stands, and a line end, as in a file's name, as a visible sign.
+    /// Plain text: markup is shown as it stands, and a line end, as in a file's name, in a
+    /// label of one line as a visible sign.
     void setText(std::string_view text);
 
     /// 0xRRGGBB, as drawn on a light window. On a background on which it could not be read the label takes a
@@ -22,6 +23,8 @@ public:
     /// Logical pixels.
     void setTextSize(int pixels);
     void setCentred();
+    /// The text is broken into lines and begins at the top.
+    void setMultiline();
 
 private:
     void makeWidget(Native& native) override;

@@ -41,6 +41,13 @@ public:
         tellViewSoon();
     }
 
+    void arrange(std::span<const std::size_t> rows)
+    {
+        m_rows.arrange(rows);
+        m_rowsRemoved = true;
+        tellViewSoon();
+    }
+
     int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : m_toldRows; }
 
     QVariant data(const QModelIndex& index, int role) const override
@@ -134,6 +141,11 @@ void Listbox::RetainRows(std::span<const unsigned char> keep)
 {
     if (std::find(keep.begin(), keep.end(), 0) != keep.end())
         m_model->retain(keep);
+}
+
+void Listbox::ArrangeRows(std::span<const std::size_t> rows)
+{
+    m_model->arrange(rows);
 }
 
 void Listbox::makeWidget(Native& native)

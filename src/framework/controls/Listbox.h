@@ -46,8 +46,11 @@ public:
     const std::string& ColumnWidths() const { return m_columnWidths; }
     void setColumnWidths(std::string widths) { m_columnWidths = std::move(widths); }
 
+    /// Makes the list anew from rows of its own: row i becomes what was row rows[i]. A row may be named
+    /// several times.
+    void ArrangeRows(std::span<const std::size_t> rows);
+
 private:
-    class View;
     class Model;
 
     void makeWidget(Native& native) override;

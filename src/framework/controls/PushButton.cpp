@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/PushButton.h"
 
+#include "framework/controls/Window.h"
 #include "framework/internal/Native.h"
+#include "framework/internal/fitText.h"
 #include "framework/internal/qtText.h"
 
 #include <QPushButton>
@@ -20,6 +22,18 @@ void PushButton::Push()
         fire("Action", Action);
 }
 
+void PushButton::setDefault()
+{
+    window().setDefaultButton(*this);
+    if (auto* button = qobject_cast<QPushButton*>(native().widget))
+        button->setDefault(true);
+}
+
+void PushButton::setCancel()
+{
+    window().setCancelButton(*this);
+}
+
 void PushButton::makeWidget(Native& native)
 {
     auto* button = new QPushButton(native.content);
@@ -32,8 +46,10 @@ void PushButton::makeWidget(Native& native)
 void PushButton::setTableCaption(std::string_view caption)
 {
     m_caption = caption;
-    if (auto* button = qobject_cast<QPushButton*>(native().widget))
+    if (auto* button = qobject_cast<QPushButton*>(native().widget)) {
         button->setText(toQt(caption));
+        fitText(*button, button->text(), 8);
+    }
 }
 
 } // namespace quilvane

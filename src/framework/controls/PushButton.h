@@ -18,6 +18,11 @@ public:
 
     const std::string& Caption() const { return m_caption; }
 
+    // For Layout: the button that Return presses where nothing else takes that key, and the one that Escape
+    // presses.
+    void setDefault();
+    void setCancel();
+
 private:
     void makeWidget(Native& native) override;
     void setTableCaption(std::string_view caption) override;

@@ -10,7 +10,8 @@
 namespace quilvane {
 
 RectControl::RectControl(Window& window, std::string_view name, ControlKind kind)
-    : m_native(std::make_unique<Native>())
+    : m_window(window)
+    , m_native(std::make_unique<Native>())
     , m_name(name)
     , m_kind(kind)
 {
@@ -40,6 +41,12 @@ void RectControl::setEnabled(bool enabled)
     m_enabled = enabled;
     if (m_native->widget)
         m_native->widget->setEnabled(enabled);
+}
+
+void RectControl::setFocus()
+{
+    if (m_native->widget)
+        m_native->widget->setFocus();
 }
 
 void RectControl::setAccessibleName(std::string_view name)

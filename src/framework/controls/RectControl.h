@@ -63,6 +63,9 @@ public:
     int Height() const { return m_height; }
     int TabIndex() const { return m_tabIndex; }
 
+    /// Gives the control the keyboard when its window is shown.
+    void setFocus();
+
     /// What a screen reader says for a control that shows no text of its own.
     void setAccessibleName(std::string_view name);
 
@@ -81,6 +84,8 @@ protected:
     /// Runs behind the placing of all controls of the window.
     virtual void opened() { }
 
+    Window& window() const { return m_window; }
+
     /// For a control whose widget looks at its members: to be called in its own destructor.
     void deleteWidget();
 
@@ -90,6 +95,7 @@ protected:
 private:
     friend class Window;
 
+    Window& m_window;
     std::unique_ptr<Native> m_native;
     std::string m_name;
     ControlKind m_kind;

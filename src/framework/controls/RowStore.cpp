@@ -2,14 +2,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/RowStore.h"
 
+#include "framework/files/availableMemory.h"
+
 #include <limits>
 #include <stdexcept>
 #include <utility>
 
 namespace quilvane {
 
+namespace {
+
+/// In bytes, with what it takes to look for duplicates among them.
+constexpr std::uint64_t memoryForMillionRows = std::uint64_t(96) << 20;
+
+} // namespace
+
 void RowStore::append(std::string_view text)
 {
+    if (m_size % (256 * rowsPerChunk) == 0)
+        requireMemory(memoryForMillionRows, "The list is too long");
     if (m_size % rowsPerChunk == 0) {
         Chunk next;
         next.ends.reserve(rowsPerChunk);
@@ -53,6 +64,14 @@ void RowStore::retain(std::span<const unsigned char> keep)
             m_chunks[row / rowsPerChunk] = {};
     }
     *this = std::move(kept);
+}
+
+void RowStore::arrange(std::span<const std::size_t> rows)
+{
+    RowStore arranged;
+    for (const std::size_t row : rows)
+        arranged.append((*this)[row]);
+    *this = std::move(arranged);
 }
 
 } // namespace quilvane

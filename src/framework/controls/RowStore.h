@@ -15,7 +15,7 @@ namespace quilvane {
 /// and adding a row never moves the earlier ones. Rows are numbered from 0.
 class RowStore {
 public:
-    /// Throws std::length_error for a row that takes a chunk past 4 GB.
+    /// Throws OutOfMemoryException when memory gets short, and std::length_error for a row of 4 GB.
     void append(std::string_view text);
 
     std::size_t size() const { return m_size; }
@@ -27,6 +27,9 @@ public:
 
     /// Keeps row i where keep[i] is not 0, in one pass and in the same order. `keep` has size() elements.
     void retain(std::span<const unsigned char> keep);
+
+    /// Makes row i what was row rows[i] before; rows that stand there several times are repeated, others go.
+    void arrange(std::span<const std::size_t> rows);
 
 private:
     static constexpr std::size_t rowsPerChunk = 4096;

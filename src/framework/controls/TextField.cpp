@@ -4,13 +4,46 @@
 
 #include "framework/internal/Native.h"
 #include "framework/internal/qtText.h"
+#include "framework/text/strings.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 
 #include <limits>
 #include <utility>
 
 namespace quilvane {
+
+class TextField::Edit : public QLineEdit {
+public:
+    Edit(QWidget* parent, TextField& field)
+        : QLineEdit(parent)
+        , m_field(field)
+    {
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        bool handled = false;
+        if (m_field.KeyDown)
+            m_field.fire("KeyDown", [&] { handled = m_field.KeyDown(characterOf(*event)); });
+        if (!handled)
+            QLineEdit::keyPressEvent(event);
+    }
+
+private:
+    static std::string characterOf(const QKeyEvent& event)
+    {
+        if (event.key() == Qt::Key_Return)
+            return Chr(13);
+        if (event.key() == Qt::Key_Enter)
+            return Chr(3);
+        return fromQt(event.text());
+    }
+
+    TextField& m_field;
+};
 
 TextField::TextField(Window& window, std::string_view name)
     : RectControl(window, name, ControlKind::TextField)
@@ -27,7 +60,7 @@ void TextField::setText(std::string text)
 
 void TextField::makeWidget(Native& native)
 {
-    auto* edit = new QLineEdit(native.content);
+    auto* edit = new Edit(native.content, *this);
     edit->setMaxLength(std::numeric_limits<int>::max());
     QObject::connect(
         edit, &QLineEdit::textChanged, [this](const QString& text) { changeText(fromQt(text)); });

@@ -15,6 +15,10 @@ public:
     /// The text has changed, by the user or by code.
     std::function<void()> TextChange;
 
+    /// A key was pressed in the field; true if it is not to be typed. The key is its character, Chr(13) for
+    /// Return and Chr(3) for the Enter key of the numeric pad.
+    std::function<bool(const std::string& key)> KeyDown;
+
     const std::string& Text() const { return m_text; }
     /// Fires TextChange before it returns, if the text is a new one.
     void setText(std::string text);
@@ -22,6 +26,8 @@ public:
 private:
     void makeWidget(Native& native) override;
     void changeText(std::string text);
+
+    class Edit;
 
     std::string m_text;
 };

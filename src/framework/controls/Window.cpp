@@ -5,11 +5,13 @@
 #include "framework/Application.h"
 #include "framework/EventGuard.h"
 #include "framework/controls/MenuBar.h"
+#include "framework/controls/PushButton.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/WindowNative.h"
 #include "framework/internal/qtText.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QPixmap>
 #include <QTimer>
@@ -34,6 +36,16 @@ protected:
     {
         event->accept();
         m_window.Close();
+    }
+
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+            m_window.pressDefault();
+        else if (event->key() == Qt::Key_Escape)
+            m_window.pressCancel();
+        else
+            QMainWindow::keyPressEvent(event);
     }
 
 private:
@@ -111,6 +123,18 @@ RectControl& Window::control(std::string_view name) const
     if (found == m_controls.end())
         throw std::logic_error("no control named " + std::string(name));
     return **found;
+}
+
+void Window::pressDefault()
+{
+    if (m_defaultButton && !m_closed)
+        m_defaultButton->Push();
+}
+
+void Window::pressCancel()
+{
+    if (m_cancelButton && !m_closed)
+        m_cancelButton->Push();
 }
 
 void Window::setProperties(const WindowProperties& properties)

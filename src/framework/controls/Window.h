@@ -13,6 +13,7 @@
 namespace quilvane {
 
 class MenuBar;
+class PushButton;
 
 /// What a window is apart from its controls. Sizes are logical pixels of the content, the menu bar not
 /// counted.
@@ -54,6 +55,12 @@ public:
 
     RectControl& control(std::string_view name) const;
 
+    void setDefaultButton(PushButton& button) { m_defaultButton = &button; }
+    void setCancelButton(PushButton& button) { m_cancelButton = &button; }
+    /// Presses the default or the cancel button, if there is one; nothing in a window that is closed.
+    void pressDefault();
+    void pressCancel();
+
     struct Native;
     Native& native() { return *m_native; }
 
@@ -77,6 +84,8 @@ private:
 
     std::unique_ptr<Native> m_native;
     std::vector<RectControl*> m_controls; // in the order of their creation; they are members of the window
+    PushButton* m_defaultButton = nullptr;
+    PushButton* m_cancelButton = nullptr;
     bool m_visibleAtStart = true;
     bool m_closed = false;
 };

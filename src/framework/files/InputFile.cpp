@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <new>
 #include <stdexcept>
 
@@ -18,24 +17,6 @@
 #include <unistd.h>
 
 namespace quilvane {
-
-namespace {
-
-constexpr std::uint64_t mebibyte = std::uint64_t(1) << 20;
-/// Less than this is asked for without a look at what is free.
-constexpr std::uint64_t small = 16 * mebibyte;
-/// Left to the rest of the program.
-constexpr std::uint64_t reserve = 64 * mebibyte;
-
-std::string inMebibytes(std::uint64_t bytes)
-{
-    std::array<char, 32> text{};
-    std::snprintf(
-        text.data(), text.size(), "%.0f MiB", static_cast<double>(bytes) / static_cast<double>(mebibyte));
-    return text.data();
-}
-
-} // namespace
 
 InputFile InputFile::open(const std::string& path, Access access, std::string& whyNot)
 {
@@ -85,7 +66,7 @@ std::size_t InputFile::read(std::span<char> into)
 void InputFile::appendTo(std::string& text, std::uint64_t count)
 {
     const std::uint64_t expected = std::min(rest(), count);
-    requireMemory(expected);
+    requireMemory(expected, tooLarge());
     std::size_t filled = text.size();
     const std::size_t begin = filled;
     try {
@@ -110,30 +91,20 @@ void InputFile::appendTo(std::string& text, std::uint64_t count)
         }
         text.resize(filled);
     } catch (const std::bad_alloc&) {
-        refuse(expected, availableMemory());
+        throw OutOfMemoryException(tooLarge() + '.');
     } catch (const std::length_error&) {
-        refuse(expected, availableMemory());
+        throw OutOfMemoryException(tooLarge() + '.');
     }
 }
 
 void InputFile::requireMemoryForRest(unsigned copies) const
 {
-    requireMemory(rest() * copies);
+    requireMemory(rest() * copies, tooLarge());
 }
 
-void InputFile::requireMemory(std::uint64_t bytes) const
+std::string InputFile::tooLarge() const
 {
-    if (bytes <= small)
-        return;
-    const std::uint64_t available = availableMemory();
-    if (bytes > available - std::min(available, reserve))
-        refuse(bytes, available);
-}
-
-void InputFile::refuse(std::uint64_t bytes, std::uint64_t available) const
-{
-    throw OutOfMemoryException("The file \"" + displayPath(m_path) + "\" is too large to be read: "
-        + inMebibytes(bytes) + " are needed, and " + inMebibytes(available) + " of memory are free.");
+    return "The file \"" + displayPath(m_path) + "\" is too large to be read";
 }
 
 } // namespace quilvane

@@ -39,8 +39,7 @@ public:
 
 private:
     std::uint64_t rest() const;
-    void requireMemory(std::uint64_t bytes) const;
-    [[noreturn]] void refuse(std::uint64_t bytes, std::uint64_t available) const;
+    std::string tooLarge() const;
 
     FileDescriptor m_descriptor;
     std::string m_path;

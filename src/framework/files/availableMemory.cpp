@@ -2,8 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/files/availableMemory.h"
 
+#include "framework/exceptions.h"
+
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <fstream>
 #include <limits>
 #include <optional>
@@ -14,6 +17,19 @@ namespace quilvane {
 namespace {
 
 constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t mebibyte = std::uint64_t(1) << 20;
+/// Less than this is granted without a look at what is free.
+constexpr std::uint64_t small = 16 * mebibyte;
+/// Left to the rest of the program.
+constexpr std::uint64_t reserve = 64 * mebibyte;
+
+std::string inMebibytes(std::uint64_t bytes)
+{
+    std::array<char, 32> text{};
+    std::snprintf(
+        text.data(), text.size(), "%.0f MiB", static_cast<double>(bytes) / static_cast<double>(mebibyte));
+    return text.data();
+}
 
 /// The number behind `key` in a file of lines "key number"; nothing if it is not there.
 std::optional<std::uint64_t> field(const std::string& path, const std::string& key)
@@ -102,6 +118,16 @@ std::uint64_t availableMemory(const std::string& root)
             available = std::min(available, leftInGroupAndParents(root, path, version1));
     }
     return available;
+}
+
+void requireMemory(std::uint64_t bytes, const std::string& what)
+{
+    if (bytes <= small)
+        return;
+    const std::uint64_t available = availableMemory();
+    if (bytes > available - std::min(available, reserve))
+        throw OutOfMemoryException(what + ": " + inMebibytes(bytes) + " are needed, and "
+            + inMebibytes(available) + " of memory are free.");
 }
 
 } // namespace quilvane

@@ -1,0 +1,114 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "search/searchWin.h"
+
+#include "app/Window1.h"
+#include "app/aboutWin.h"
+#include "app/pictures.h"
+#include "filter/filterWIn.h"
+#include "framework/text/RegEx.h"
+#include "framework/text/strings.h"
+#include "search/Window2.h"
+
+namespace quilvane {
+
+namespace {
+
+using Kind = ControlKind;
+
+// clang-format off
+constexpr ControlRow controlTable[] = {
+    // name          kind               caption            left  top  width height visible enabled tab index
+    { "Canvas1",     Kind::Canvas,      "",                 461,  11,  109,  100,  true,  true,  0 },
+    { "Label2",      Kind::Label,       "Keyword Search:",   31,  31,  100,   20,  true,  true,  1 },
+    { "searchField", Kind::TextField,   "",                  31,  55,  400,   22,  true,  true,  2 },
+    { "closeBtn",    Kind::PushButton,  "Close",            259,  89,   80,   20,  true,  true,  4 },
+    { "searchBtn",   Kind::PushButton,  "Search",           351,  89,   80,   20,  true,  true,  5 },
+};
+// clang-format on
+
+} // namespace
+
+void searchWin::Layout()
+{
+    setProperties({ .title = "Search",
+        .width = 600,
+        .height = 131,
+        .minimizeButton = true,
+        .maximizeButton = true,
+        .resizable = true });
+    place(controlTable);
+    Canvas1.setBackdrop(Quilvane_1002());
+    Canvas1.setAccessibleName("About Quilvane");
+    searchField.setAccessibleName("Keyword");
+    searchField.setFocus();
+    searchBtn.setDefault();
+    closeBtn.setCancel();
+
+    Canvas1.MouseDown = [this] { return Canvas1_MouseDown(); };
+    searchField.KeyDown = [this](const std::string& key) { return searchField_KeyDown(key); };
+    closeBtn.Action = [this] { closeBtn_Action(); };
+    searchBtn.Action = [this] { searchBtn_Action(); };
+}
+
+Window2& searchWin::showMatches()
+{
+    Listbox& mainList = implicit<Window1>().Listbox1;
+    Window2& found = openWindow<Window2>();
+    RegEx expression;
+    expression.setSearchPattern(searchField.Text());
+    for (std::size_t row = mainList.ListCount(); row-- > 0;) {
+        const std::string_view text = mainList.Row(row);
+        if (expression.matches(text))
+            found.Listbox1.AddRow(text);
+        yieldToThreads();
+    }
+    return found;
+}
+
+void searchWin::searchBtn_Action()
+{
+    Window2& found = showMatches();
+    const std::size_t count = found.Listbox1.ListCount();
+    found.results.setText("Total: " + Str(std::int64_t(count)) + (count == 1 ? " entry." : " entries."));
+    found.results.setVisible(true);
+    found.exportBtn.setEnabled(count > 0);
+    found.exportTabDelimited.setEnabled(count > 0);
+    Close();
+    for (PushButton* button : { &found.clearBtn, &found.closeBtn, &found.searchBtn, &found.filterBtn })
+        button->setEnabled(true);
+}
+
+void searchWin::searchAction()
+{
+    Window2& found = showMatches();
+    found.results.setText(Str(std::int64_t(found.Listbox1.ListCount())) + " Entries"); // no singular here
+    found.results.setVisible(true);
+    Close();
+    // The exports as well, over an empty list, too.
+    for (PushButton* button : { &found.clearBtn, &found.closeBtn, &found.searchBtn, &found.exportTabDelimited,
+             &found.exportBtn, &found.filterBtn })
+        button->setEnabled(true);
+}
+
+bool searchWin::searchField_KeyDown(const std::string& key)
+{
+    // Return would press the default button, too, were the window not closed by then.
+    if (key == Chr(13) || key == Chr(3))
+        searchAction();
+    return false;
+}
+
+void searchWin::closeBtn_Action()
+{
+    // The filter dialog, and not this window: it goes by its close box or with a search.
+    implicit<filterWIn>().Close();
+}
+
+bool searchWin::Canvas1_MouseDown()
+{
+    implicit<aboutWin>().Show();
+    return false;
+}
+
+} // namespace quilvane

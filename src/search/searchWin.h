@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/controls/Canvas.h"
+#include "framework/controls/Label.h"
+#include "framework/controls/PushButton.h"
+#include "framework/controls/TextField.h"
+#include "framework/controls/Window.h"
+
+namespace quilvane {
+
+class Window2;
+
+/// Asks for a keyword, a regular expression as typed, and shows the rows of the main list that hold it in a
+/// window of their own. It closes when it has searched, and forgets the keyword.
+class searchWin : public Window {
+public:
+    Canvas Canvas1{ *this, "Canvas1" };
+    Label Label2{ *this, "Label2" };
+    TextField searchField{ *this, "searchField" };
+    PushButton closeBtn{ *this, "closeBtn" };
+    PushButton searchBtn{ *this, "searchBtn" };
+
+    /// The search by the button. It ends otherwise than that by a key: see searchAction.
+    void searchBtn_Action();
+    /// The search by Return or Enter in the field: another text for the total, and exports that are live over
+    /// nothing.
+    void searchAction();
+    bool searchField_KeyDown(const std::string& key);
+    void closeBtn_Action();
+    bool Canvas1_MouseDown();
+
+private:
+    void Layout() override;
+
+    /// What both searches begin with: a new window with the rows found, the last of the main list first.
+    Window2& showMatches();
+};
+
+} // namespace quilvane

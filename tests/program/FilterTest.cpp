@@ -1,0 +1,184 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program/ProgramTest.h"
+
+#include "app/MainMenuBar.h"
+#include "filter/domainFilter.h"
+#include "filter/filterWIn.h"
+#include "framework/exceptions.h"
+
+namespace quilvane {
+
+namespace {
+
+using Rows = std::vector<std::string>;
+using F = DomainFilter;
+
+DomainFilterChoice ticked(std::initializer_list<F> filters, const std::string& text = {})
+{
+    DomainFilterChoice choice;
+    for (const F filter : filters)
+        choice.ticked[std::size_t(filter)] = true;
+    choice.customTexts.fill(text);
+    return choice;
+}
+
+Rows keep(const Rows& rows, const DomainFilterChoice& choice)
+{
+    Rows kept;
+    for (const std::size_t row : rowsToKeep(
+             choice, rows.size(), [&](std::size_t i) { return std::string_view(rows[i]); }, [] {}))
+        kept.push_back(rows[row]);
+    return kept;
+}
+
+Rows remove(const Rows& rows, const DomainFilterChoice& choice)
+{
+    std::vector<unsigned char> stays(rows.size(), 1);
+    markRowsToRemove(
+        choice, [&](std::size_t i) { return std::string_view(rows[i]); }, stays, [] {});
+    Rows left;
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        if (stays[row])
+            left.push_back(rows[row]);
+    }
+    return left;
+}
+
+} // namespace
+
+using FilterTest = ProgramTest;
+
+TEST_F(FilterTest, keepAndRemoveByTheirOwnRules)
+{
+    const Rows abc{ "a@x.com", "b@x.org", "c@x.com" };
+    struct Case {
+        const char* name;
+        Rows rows;
+        DomainFilterChoice choice;
+        Rows kept;
+        Rows left;
+    };
+    const Case cases[] = {
+        { "one box: kept rows come reversed", abc, ticked({ F::Com }), { "c@x.com", "a@x.com" },
+            { "b@x.org" } },
+        { "two boxes: group by group", abc, ticked({ F::Org, F::Com }), { "c@x.com", "a@x.com", "b@x.org" },
+            {} },
+        { "nothing ticked: Keep empties, Remove leaves", abc, ticked({}), {}, abc },
+        { "a row of two boxes is kept twice", { "a@x.com.org" }, ticked({ F::Com, F::Org }),
+            { "a@x.com.org", "a@x.com.org" }, {} },
+        { "capitals", { "a@X.COM" }, ticked({ F::Com }), { "a@X.COM" }, {} },
+        { "anywhere in the domain, not in the local part", { "a@x.community.org", "a.com@x.org" },
+            ticked({ F::Com }), { "a@x.community.org" }, { "a.com@x.org" } },
+        { ".gov alone is kept for the local part", { "a.gov@x.com" }, ticked({ F::Gov }), { "a.gov@x.com" },
+            { "a.gov@x.com" } },
+        { "Remove's dot is a wildcard", { "a@telecom.org" }, ticked({ F::Com }), {}, {} },
+        { "domain part ends at a second @", { "a@x.org@y.com" }, ticked({ F::Com }), {},
+            { "a@x.org@y.com" } },
+        { "own text without a dot, rows 1 to 4: literal dot in Keep only", { "a@georgia.edu" },
+            ticked({ F::Custom1 }, "org"), {}, {} },
+        { "own text without a dot, row 5: literal dot in both", { "a@georgia.edu", "a@x.org" },
+            ticked({ F::Custom5 }, "org"), { "a@x.org" }, { "a@georgia.edu" } },
+        { "own text with a dot is a pattern", { "a@mailxorg.de" }, ticked({ F::Custom5 }, "l.org"),
+            { "a@mailxorg.de" }, {} },
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(keep(c.rows, c.choice), c.kept);
+        EXPECT_EQ(remove(c.rows, c.choice), c.left);
+    }
+    EXPECT_THROW(keep({ "no domain" }, ticked({ F::Com })), OutOfBoundsException);
+    EXPECT_EQ(keep({ "no domain.gov" }, ticked({ F::Gov })), Rows{ "no domain.gov" });
+}
+
+TEST_F(FilterTest, keepInTheProgram)
+{
+    addRows({ "a@x.com", "b@x.org", "c@x.com" });
+    window().filterBtn.setEnabled(true);
+    window().filterBtn.Push();
+    filterWIn& dialog = implicit<filterWIn>();
+    dialog.checkCom.setValue(true);
+    dialog.check2.setValue(true); // without a text: goes off again
+    dialog.keepBtn.Push();
+    EXPECT_EQ(rows(), (Rows{ "c@x.com", "a@x.com" }));
+    EXPECT_EQ(window().results.Text(), "2 Entries");
+    EXPECT_TRUE(window().exportBtn.Enabled());
+    EXPECT_FALSE(isOpen<filterWIn>());
+
+    FiltersApplyFilters().Choose();
+    EXPECT_TRUE(implicit<filterWIn>().checkCom.Value()) << "remembered";
+    implicit<filterWIn>().checkCom.setValue(false);
+    implicit<filterWIn>().keepBtn.Push();
+    EXPECT_TRUE(rows().empty());
+    EXPECT_EQ(window().results.Text(), "0 Entries");
+    for (const PushButton* off :
+        { &window().filterBtn, &window().searchBtn, &window().exportBtn, &window().exportTabDelimited })
+        EXPECT_FALSE(off->Enabled()) << off->Name();
+    EXPECT_TRUE(window().clearBtn.Enabled()) << "left as it was";
+}
+
+TEST_F(FilterTest, removeInTheProgram)
+{
+    const Rows all{ "a@x.com", "b@x.org", "c@x.com" };
+    addRows(all);
+    window().ProgressText.setText("before");
+    implicit<filterWIn>().removeBtn.Push();
+    EXPECT_EQ(rows(), all);
+    EXPECT_EQ(window().results.Text(), "3 Entries");
+    EXPECT_EQ(window().ProgressText.Text(), "");
+    implicit<filterWIn>().checkOrg.setValue(true);
+    implicit<filterWIn>().removeBtn.Push();
+    EXPECT_EQ(rows(), (Rows{ "a@x.com", "c@x.com" }));
+}
+
+TEST_F(FilterTest, badPatternsAreReportedAndTheListStandsAsFarAsTheFiltersGot)
+{
+    const Rows all{ "a@x.com", "b@x.org" };
+    addRows(all);
+    filterWIn& dialog = implicit<filterWIn>();
+    for (const char* bad : { "[", "(a+)+$(" }) {
+        dialog.check1Field.setText(bad);
+        desktop.willReport({ bad, "keepBtn_Action" });
+        dialog.keepBtn.Push();
+    }
+    EXPECT_EQ(rows(), all);
+    EXPECT_TRUE(isOpen<filterWIn>());
+
+    dialog.checkOrg.setValue(true);
+    desktop.willReport({ "removeBtn_Action" });
+    dialog.removeBtn.Push();
+    EXPECT_EQ(rows(), Rows{ "a@x.com" }) << "the filter before the bad one had removed its row";
+
+    window().Listbox1.AddRow("a@" + std::string(5000, 'a') + "!!");
+    dialog.check1Field.setText("(a+)+.$");
+    desktop.willReport({ "(a+)+.$" });
+    dialog.keepBtn.Push();
+    dialog.check1Field.setText(std::string(1'000'000, 'a'));
+    desktop.willReport({ "longer than the limit" });
+    dialog.keepBtn.Push();
+    EXPECT_EQ(rows().size(), 2U);
+}
+
+TEST_F(FilterTest, dialogRemembersByKeystroke)
+{
+    filterWIn* dialog = &implicit<filterWIn>();
+    for (const CheckBox* box : { &dialog->checkOrg, &dialog->check2, &dialog->check3 })
+        EXPECT_FALSE(box->Value());
+    dialog->checkOrg.setValue(true);
+    dialog->check2Field.setText("own.example");
+    EXPECT_TRUE(dialog->check2.Value()) << "ticked by typing";
+    dialog->check2.setValue(false);
+    dialog->check3Field.setText("x");
+    dialog->check3Field.setText("");
+    EXPECT_TRUE(dialog->check3.Value()) << "emptying is a change, too";
+    dialog->cancelBtn.Push();
+
+    dialog = &implicit<filterWIn>();
+    EXPECT_TRUE(dialog->checkOrg.Value());
+    EXPECT_EQ(dialog->check2Field.Text(), "own.example");
+    EXPECT_TRUE(dialog->check2.Value()) << "ticks are told by the texts";
+    EXPECT_FALSE(dialog->check3.Value());
+    EXPECT_EQ(&implicit<filterWIn>(), dialog);
+}
+
+} // namespace quilvane

@@ -1,0 +1,142 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program/ProgramTest.h"
+
+#include "filter/filterWIn.h"
+#include "search/Window2.h"
+#include "search/searchWin.h"
+
+namespace quilvane {
+
+namespace {
+
+using Rows = std::vector<std::string>;
+
+std::vector<Window2*> resultWindows()
+{
+    std::vector<Window2*> found;
+    for (Window* window : WindowList::instance().openWindows()) {
+        if (auto* results = dynamic_cast<Window2*>(window))
+            found.push_back(results);
+    }
+    return found;
+}
+
+Rows rowsOf(const Window2& window)
+{
+    Rows texts;
+    for (std::size_t row = 0; row < window.Listbox1.ListCount(); ++row)
+        texts.push_back(window.Listbox1.Cell(row, 0));
+    return texts;
+}
+
+Window2& search(const std::string& keyword, bool byKey)
+{
+    implicit<searchWin>().searchField.setText(keyword);
+    if (byKey)
+        implicit<searchWin>().searchField_KeyDown("\r");
+    else
+        implicit<searchWin>().searchBtn.Push();
+    EXPECT_FALSE(isOpen<searchWin>());
+    return *resultWindows().back();
+}
+
+} // namespace
+
+using SearchTest = ProgramTest;
+
+TEST_F(SearchTest, theTwoWaysEndDifferently)
+{
+    addRows({ "Anna@x.com", "bert@x.org", "hanna@x.org" });
+    struct Case {
+        const char* name;
+        const char* keyword;
+        bool byKey;
+        Rows found;
+        const char* total;
+        bool exports;
+    };
+    const Case cases[] = {
+        { "button, matches reversed, any case, local part", "ANNA", false, { "hanna@x.org", "Anna@x.com" },
+            "Total: 2 entries.", true },
+        { "button, one", "bert", false, { "bert@x.org" }, "Total: 1 entry.", true },
+        { "button, none", "zzz", false, {}, "Total: 0 entries.", false },
+        { "key, one", "bert", true, { "bert@x.org" }, "1 Entries", true },
+        { "key, none: exports live over nothing", "zzz", true, {}, "0 Entries", true },
+        { "a pattern as typed", "^b.*org$", true, { "bert@x.org" }, "1 Entries", true },
+        { "an empty keyword matches every row", "", false, { "hanna@x.org", "bert@x.org", "Anna@x.com" },
+            "Total: 3 entries.", true },
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Window2& found = search(c.keyword, c.byKey);
+        EXPECT_EQ(rowsOf(found), c.found);
+        EXPECT_EQ(found.results.Text(), c.total);
+        EXPECT_TRUE(found.results.Visible());
+        EXPECT_EQ(found.exportBtn.Enabled(), c.exports);
+        EXPECT_EQ(found.exportTabDelimited.Enabled(), c.exports);
+        for (const PushButton* on : { &found.clearBtn, &found.closeBtn, &found.searchBtn, &found.filterBtn })
+            EXPECT_TRUE(on->Enabled()) << on->Name();
+    }
+    EXPECT_EQ(resultWindows().size(), std::size(cases));
+    EXPECT_EQ(rows().size(), 3U) << "the main list is not changed";
+}
+
+TEST_F(SearchTest, resultsLiveByThemselves)
+{
+    addRows({ "a@x.com" });
+    Window2& first = search("a", false);
+    Window2& second = search("a", false);
+    window().clearBtn.Push();
+    EXPECT_EQ(rowsOf(first), Rows{ "a@x.com" });
+
+    application->delimiter = "kept";
+    first.closeBtn.Push();
+    EXPECT_EQ(TempFolder::contentOf(folder / "Quilvane/QuilvanePreferences"), "kept\n");
+    EXPECT_EQ(resultWindows(), std::vector<Window2*>{ &second });
+
+    second.clearBtn.Push();
+    EXPECT_TRUE(rowsOf(second).empty());
+    EXPECT_FALSE(second.exportBtn.Enabled());
+    EXPECT_FALSE(second.results.Visible());
+    desktop.willReport({ "list row", "exportTabDelimited_Action" });
+    second.exportTabDelimited.Push();
+    second.searchBtn.Push();
+    EXPECT_TRUE(isOpen<searchWin>());
+}
+
+TEST_F(SearchTest, resultsAreExportedAndBothCancelsSpeak)
+{
+    addRows({ "a@x.com" });
+    Window2& found = search("", false);
+    desktop.willSave(folder / "found.csv");
+    found.exportBtn.Push();
+    EXPECT_EQ(TempFolder::contentOf(folder / "found.csv"), "a@x.com,\n");
+    for (PushButton* button : { &found.exportBtn, &found.exportTabDelimited }) {
+        desktop.willCancelSave();
+        desktop.willShow("Could not write the file for some reason.");
+        button->Push();
+    }
+}
+
+TEST_F(SearchTest, badKeywordLeavesAnEmptyResultWindow)
+{
+    addRows({ "a@x.com" });
+    implicit<searchWin>().searchField.setText("[");
+    desktop.willReport({ "[", "searchBtn_Action" });
+    implicit<searchWin>().searchBtn.Push();
+    ASSERT_EQ(resultWindows().size(), 1U);
+    EXPECT_FALSE(resultWindows().front()->results.Visible());
+    EXPECT_FALSE(resultWindows().front()->closeBtn.Enabled());
+    EXPECT_TRUE(isOpen<searchWin>());
+}
+
+TEST_F(SearchTest, closeClosesTheFilterDialogInstead)
+{
+    implicit<filterWIn>();
+    implicit<searchWin>().closeBtn.Push();
+    EXPECT_FALSE(isOpen<filterWIn>());
+    EXPECT_TRUE(isOpen<searchWin>());
+}
+
+} // namespace quilvane
