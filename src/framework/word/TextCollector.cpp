@@ -38,15 +38,21 @@ char32_t plainForm(char32_t character)
 
 void TextCollector::put(char32_t character)
 {
-    constexpr char32_t firstThatNeedsALook = 0x7F;
-    if (character < firstThatNeedsALook) {
-        if (character >= ' ' || character == '\t')
-            append(static_cast<char>(character));
-        return;
+    constexpr char32_t firstBeyondControls = 0xA0;
+    if (isPlain(character) || character == '\t') {
+        append(static_cast<char>(character));
+    } else if (character >= firstBeyondControls) {
+        const char32_t plain = plainForm(character);
+        if (plain != dropped)
+            appendUtf8(plain);
     }
-    const char32_t plain = plainForm(character);
-    if (plain != dropped)
-        appendUtf8(plain);
+}
+
+void TextCollector::putPlain(std::string_view characters)
+{
+    characters = characters.substr(0, mostText - m_size);
+    m_open.back() += characters;
+    m_size += characters.size();
 }
 
 void TextCollector::putUnit(char16_t unit)
@@ -94,11 +100,12 @@ void TextCollector::closeFieldCode()
 
 std::string TextCollector::take()
 {
-    endLine();
     std::string text = std::move(m_open.front());
-    text += m_aside;
+    std::string asides = std::move(m_aside);
     for (std::size_t i = 1; i < m_open.size(); ++i)
-        text += m_open[i] + '\n';
+        asides += m_open[i] + '\n';
+    if (!asides.empty())
+        text += '\n' + asides;
     return text;
 }
 

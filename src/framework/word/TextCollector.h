@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quilvane {
@@ -26,6 +27,9 @@ public:
     /// A character of any kind but a line's end. Hyphens of all kinds become '-', blanks ' '; what has no
     /// width is dropped, and so are control characters other than the tab.
     void put(char32_t character);
+    /// The same for many characters at once, all from ' ' to '~'.
+    void putPlain(std::string_view characters);
+    static constexpr bool isPlain(char32_t character) { return character >= ' ' && character <= '~'; }
     /// The same for UTF-16: a pair may come in two calls.
     void putUnit(char16_t unit);
     /// Ends a line, without being the end of a paragraph.

@@ -17,11 +17,15 @@ namespace quilvane {
 /// One character set, with the system's converter for it.
 struct TextDecoder::CodePage {
     explicit CodePage(int number);
+    ~CodePage() { iconv_close(converter); }
+    CodePage(const CodePage&) = delete;
+    CodePage& operator=(const CodePage&) = delete;
 
     /// The one character that the bytes are; `incomplete` if others must follow.
     char32_t convert(const char* bytes, std::size_t count) const;
 
     static constexpr char32_t incomplete = 0xFFFFFFFF;
+    /// Where the system has no such converter it fails at each use, and every character is U+FFFD.
     iconv_t converter;
     /// The characters of the bytes from 128 on.
     std::array<char32_t, 128> single;

@@ -12,6 +12,7 @@
 #include "framework/word/textRuns.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,7 @@ class CharacterSink {
 public:
     bool isFull() const { return m_text.isFull(); }
     std::string take() { return m_text.take(); }
+    void putPlain(std::string_view characters) { m_text.putPlain(characters); }
 
     void put(char16_t character)
     {
@@ -147,14 +149,45 @@ private:
     void putStretch(std::size_t begin, std::size_t end, bool isWide)
     {
         m_read += end - begin;
-        if (isWide) {
-            for (std::size_t at = begin; at + 2 <= end; at += 2)
-                m_sink.put(u16At(m_mainStream, at));
-            return;
+        const std::string_view stretch = m_mainStream.substr(begin, end - begin);
+        if (isWide)
+            putWide(stretch);
+        else
+            putNarrow(stretch);
+    }
+
+    void putWide(std::string_view stretch)
+    {
+        std::array<char, 256> plain; // most text is ASCII, and goes faster in runs
+        std::size_t count = 0;
+        for (; stretch.size() >= 2; stretch.remove_prefix(2)) {
+            const char16_t unit = u16At(stretch, 0);
+            if (TextCollector::isPlain(unit) && count < plain.size()) {
+                plain[count++] = static_cast<char>(unit);
+                continue;
+            }
+            m_sink.putPlain({ plain.data(), std::exchange(count, 0) });
+            m_sink.put(unit);
         }
-        for (std::size_t at = begin; at < end; ++at)
-            if (const std::optional<char32_t> character = m_decoder.next(u8At(m_mainStream, at)))
+        m_sink.putPlain({ plain.data(), count });
+    }
+
+    void putNarrow(std::string_view stretch)
+    {
+        while (!stretch.empty()) {
+            if (!m_decoder.isPending()) {
+                const auto* const plainEnd = std::find_if_not(stretch.begin(), stretch.end(),
+                    [](char c) { return TextCollector::isPlain(static_cast<unsigned char>(c)); });
+                const auto count = static_cast<std::size_t>(plainEnd - stretch.begin());
+                m_sink.putPlain(stretch.substr(0, count));
+                stretch.remove_prefix(count);
+                if (stretch.empty())
+                    return;
+            }
+            if (const std::optional<char32_t> character = m_decoder.next(u8At(stretch, 0)))
                 m_sink.put(static_cast<char16_t>(*character)); // no code page of Word's goes beyond
+            stretch.remove_prefix(1);
+        }
     }
 
     std::string_view m_mainStream;

@@ -163,6 +163,10 @@ private:
 
     void readToken()
     {
+        if (m_fallbackLeft == 0 && !m_decoder.isPending())
+            readPlain();
+        if (m_rest.empty())
+            return;
         const char c = m_rest.front();
         m_rest.remove_prefix(1);
         switch (c) {
@@ -181,6 +185,19 @@ private:
         default:
             putByte(c);
         }
+    }
+
+    /// Text up to the next byte that needs a look.
+    void readPlain()
+    {
+        const auto isText = [](char c) {
+            return TextCollector::isPlain(static_cast<unsigned char>(c)) && c != '\\' && c != '{' && c != '}';
+        };
+        const auto* const end = std::find_if_not(m_rest.begin(), m_rest.end(), isText);
+        const auto count = static_cast<std::size_t>(end - m_rest.begin());
+        if (countsAsText())
+            m_text.putPlain(m_rest.substr(0, count));
+        m_rest.remove_prefix(count);
     }
 
     void openGroup()
