@@ -80,6 +80,10 @@ public:
     void doCSVFolder(const Ref<FolderItem>& f);
     void doPDF(const Ref<FolderItem>& f);
     void doWord(const Ref<FolderItem>& f);
+    /// Nothing calls it, like doCSVFolder.
+    void doWordFolder(const Ref<FolderItem>& f);
+    /// Stages the addresses of the text that stands in searchText, whoever has left it there; nothing if it is empty.
+    void doPDFCheckThread();
 
     // batch
     void importFolderBtn_Action();

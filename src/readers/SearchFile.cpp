@@ -94,8 +94,4 @@ void Window1::doPDF(const Ref<FolderItem>&)
 {
 }
 
-void Window1::doWord(const Ref<FolderItem>&)
-{
-}
-
 } // namespace quilvane
