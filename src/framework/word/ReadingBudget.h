@@ -16,7 +16,8 @@ struct ReadingBudget {
     std::size_t bytes = std::size_t(128) << 20; // of all parts, unpacked
     int parts = 1000;
     int depth = 4; // of documents in documents, the outermost one included
-    std::uint64_t comparisons = 2'000'000'000; // of XML names; a second or two
+    std::uint64_t xmlWork = 1'500'000'000; // comparisons of names or bytes; two or three seconds
+    int xmlErrors = 50'000; // telling one takes its time, too
 };
 
 } // namespace quilvane

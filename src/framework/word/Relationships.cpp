@@ -68,7 +68,8 @@ Relationships::Entry* Relationships::find(std::string_view id)
 void Relationships::startElement(
     std::string_view, std::string_view name, std::span<const XmlAttribute> attributes)
 {
-    if (name != "Relationship")
+    constexpr std::size_t mostEntries = 50'000;
+    if (name != "Relationship" || m_entries.size() == mostEntries)
         return;
     std::string_view id, type, target;
     bool isExternal = false;

@@ -35,7 +35,7 @@ public:
     /// Where the relationships of a part are kept.
     static std::string partFor(std::string_view source);
 
-    /// In the order of the file.
+    /// In the order of the file; at most 50,000.
     std::vector<Entry>& entries() { return m_entries; }
 
     /// Null if there is none with that id, or none that concerns text.

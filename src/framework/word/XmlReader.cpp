@@ -17,7 +17,6 @@ namespace quilvane {
 namespace {
 
 constexpr int deepest = 10'000;
-constexpr int mostErrors = 100'000;
 constexpr std::size_t mostAttributes = 1000;
 
 std::string_view viewOf(const xmlChar* text)
@@ -63,7 +62,6 @@ struct XmlReader::Native {
     std::vector<XmlAttribute> attributes; // of the element told at the moment
     std::vector<int> namespaceCounts; // declared by each open element
     std::size_t namespacesInScope = 0;
-    int errors = 0;
     bool isStopped = false;
     std::exception_ptr thrown; // by the handler: it must not fly through libxml2's frames
     unsigned long tokenBegin = 0;
@@ -105,14 +103,19 @@ struct XmlReader::Native {
         }
     }
 
-    /// libxml2 compares each attribute with all others and each prefix with all namespaces in scope.
-    bool spendComparisons(std::size_t attributeCount)
+    /// Ends the reading if the budget does not cover the cost.
+    void spend(std::uint64_t cost)
     {
-        const std::uint64_t cost
-            = attributeCount * attributeCount + (attributeCount + 1) * (namespacesInScope + 1);
-        const bool isEnough = cost <= budget.comparisons;
-        budget.comparisons -= isEnough ? cost : budget.comparisons;
-        return isEnough;
+        if (cost > budget.xmlWork)
+            stop();
+        budget.xmlWork -= std::min(cost, budget.xmlWork);
+    }
+
+    /// libxml2 compares each attribute with all others, and each prefix with all namespaces in scope.
+    std::uint64_t costOfElement(std::size_t attributeCount) const
+    {
+        constexpr std::uint64_t ofAny = 100; // as much as so many comparisons
+        return ofAny + attributeCount * attributeCount + (attributeCount + 1) * (namespacesInScope + 1);
     }
 
     void startElement(const xmlChar* name, const xmlChar* uri, int namespaceCount, int attributeCount,
@@ -120,10 +123,11 @@ struct XmlReader::Native {
     {
         namespaceCounts.push_back(namespaceCount);
         namespacesInScope += static_cast<std::size_t>(namespaceCount);
-        if (namespaceCounts.size() > deepest || !spendComparisons(static_cast<std::size_t>(attributeCount))) {
+        spend(costOfElement(static_cast<std::size_t>(attributeCount)));
+        if (namespaceCounts.size() > deepest)
             stop();
+        if (isStopped)
             return;
-        }
         attributes.clear();
         for (int i = 0; i < attributeCount; ++i) {
             constexpr int fieldsEach = 5; // name, prefix, URI, begin and end of the value
@@ -140,12 +144,13 @@ struct XmlReader::Native {
         handler.endElement();
     }
 
-    /// A start tag comes to us when all of it was read and compared. One of a great many attributes must not get
-    /// that far; it shows as bytes that libxml2 keeps until the tag's end comes.
-    void watchUnfinishedTag()
+    /// A token comes to us when all of it is there. While it is not, libxml2 keeps its bytes, and looks through
+    /// them again with each piece. When a tag is complete, it compares the attributes before we are told, so one
+    /// of a great many must not get that far.
+    void watchUnfinishedToken()
     {
         const xmlParserInput* input = parser->input;
-        if (!input)
+        if (isStopped || !input)
             return;
         const unsigned long begin = input->consumed + static_cast<unsigned long>(input->cur - input->base);
         if (begin != tokenBegin) {
@@ -154,9 +159,12 @@ struct XmlReader::Native {
             return; // what is new is shorter than a piece
         }
         const std::string_view token = viewOf(input->cur, input->end);
+        // Stopping frees the bytes that the token is a view of, so that comes last.
         const bool isTag = token.size() > 1 && token[0] == '<' && token[1] != '!' && token[1] != '?';
         if (isTag && tagMeter.attributesIn(token) > mostAttributes)
             stop();
+        else
+            spend(token.size());
     }
 
     void parse(std::string_view bytes, bool isLast)
@@ -192,10 +200,9 @@ struct XmlReader::Native {
         sax.internalSubset = [](void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
             Native::of(context).stop(); // before any entity is declared
         };
-        // Telling each of many errors takes its time, too.
         sax.serror = [](void* context, xmlErrorPtr) {
             Native& native = Native::of(context);
-            if (++native.errors == mostErrors)
+            if (--native.budget.xmlErrors <= 0)
                 native.stop();
         };
         return sax;
@@ -214,7 +221,7 @@ bool XmlReader::feed(std::string_view bytes)
     constexpr std::size_t pieceSize = std::size_t(1) << 14;
     for (std::size_t at = 0; at < bytes.size() && !m_native->isStopped; at += pieceSize) {
         m_native->parse(bytes.substr(at, pieceSize), false);
-        m_native->watchUnfinishedTag();
+        m_native->watchUnfinishedToken();
     }
     return !m_native->isStopped;
 }

@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace quilvane {
+
+struct HtmlToken {
+    enum class Kind {
+        Text,
+        StartTag,
+        EndTag,
+        End, // of the page
+    };
+
+    Kind kind = Kind::End;
+    std::string_view text = {}; // as it stands in the page, with its character references; Text only
+    std::string name = {}; // in lower case; tags only
+    std::string_view href = {}; // as it stands in the page; empty if there is none; StartTag only
+};
+
+/// Cuts a page into tags and the texts between them, by the rules of the HTML standard (WHATWG, 13.2.5),
+/// which give every text a meaning. Comments and declarations are passed over, and so are elements whose
+/// content is neither markup nor seen, as scripts. Keeps no stack of elements: a page can neither be too deep
+/// for it nor, as for the parsers that repair the order of the tags, take more than linear time.
+class HtmlTokenizer {
+public:
+    /// `html` is UTF-8 and must outlive the tokenizer and its tokens.
+    explicit HtmlTokenizer(std::string_view html)
+        : m_rest(html)
+    {
+    }
+
+    HtmlToken next();
+
+private:
+    bool atMarkup() const;
+    void skipComment();
+    void skipContentOf(std::string_view element);
+    HtmlToken takeText();
+    HtmlToken takeTag();
+    void takeAttribute(HtmlToken& tag);
+    std::string_view takeValue();
+    std::string_view take(std::size_t count);
+    std::string_view takeUntil(std::string_view characters);
+    void skip(std::string_view characters);
+
+    std::string_view m_rest;
+};
+
+/// `text` with its character references (&#64; or &amp;) replaced: the numeric ones, and those named in HTML
+/// 4 and some more. Others stay as they stand.
+std::string withoutReferences(std::string_view text);
+
+} // namespace quilvane

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <stop_token>
+#include <string>
+#include <string_view>
+
+namespace quilvane {
+
+enum class MailtoLinks {
+    Omit,
+    /// The addresses that mailto: links lead to follow the text, a line each.
+    Append,
+};
+
+/// The text of a page's body as a reader sees it, UTF-8: scripts and styles are left out, white space is
+/// joined, and what stands in blocks of its own stands on lines of its own. Style sheets are not looked at,
+/// and no script is run. Takes any bytes, loads nothing, and looks at each byte a bounded number of times.
+///
+/// The character set is that of a byte order mark, else `charset`, else what the page's head names, else
+/// UTF-8 if the page is valid in it, else windows-1252. A request to `stop` cuts the text short. On any
+/// thread.
+std::string htmlBodyText(std::string_view html, MailtoLinks links = MailtoLinks::Omit,
+    const std::string& charset = {}, const std::stop_token& stop = {});
+
+} // namespace quilvane
