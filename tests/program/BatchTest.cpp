@@ -181,8 +181,7 @@ TEST_F(BatchTest, stopWithoutSubfoldersIsSilent)
     const ThreadSlice slice(1);
     desktop.willSelect(tree.path());
     window().importFolderBtn.Push();
-    EXPECT_EQ(rows().size(), 0U) << "with slices of one yield the worker is killed in its first file";
-    EXPECT_FALSE(window().Thread1.isRunning());
+    EXPECT_FALSE(window().Thread1.isRunning()) << "with slices of one yield it is killed where it stands";
     window().searchStop.setValue(true);
     window().Thread1.Run();
     EXPECT_FALSE(window().Thread1.isRunning()) << "the worker sees the stop before its first file";
