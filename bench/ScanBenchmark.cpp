@@ -71,7 +71,7 @@ void compareOn(BenchText kind, std::size_t bytes, Goals goals)
     };
     if (AddressScanner::isSupported(Kernel::Avx2))
         contenders.push_back({ "scanner, AVX2", [&] { return countMatches(text, Kernel::Avx2); } });
-    race(contenders, 7);
+    race(contenders, 15);
 
     std::printf("%s, %zu MB\n", nameOf(kind).data(), bytes / megabyte);
     for (const Contender& contender : contenders) {
@@ -104,7 +104,7 @@ void printDoublings(BenchText kind)
     std::vector<Contender> sizes;
     for (const std::string& text : texts)
         sizes.push_back({ "scanner", [&] { return countMatches(text, AddressScanner::fastestKernel()); } });
-    race(sizes, 9, emptyCaches);
+    race(sizes, 15, emptyCaches);
 
     std::printf("  %-8s %9.3f ms", nameOf(kind).data(), sizes.front().fastestSeconds * 1e3);
     double worst = 0;
