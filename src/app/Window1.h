@@ -82,7 +82,8 @@ public:
     void doWord(const Ref<FolderItem>& f);
     /// Nothing calls it, like doCSVFolder.
     void doWordFolder(const Ref<FolderItem>& f);
-    /// Stages the addresses of the text that stands in searchText, whoever has left it there; nothing if it is empty.
+    /// Stages the addresses of the text that stands in searchText, whoever has left it there; nothing if it
+    /// is empty.
     void doPDFCheckThread();
 
     // batch

@@ -35,7 +35,7 @@ std::string beginning(std::string_view bytes)
 
 bool looksLikeHtml(std::string_view begin)
 {
-    constexpr std::array marks { "<html"sv, "<!doctypehtml"sv, "<head>"sv, "<body"sv };
+    constexpr std::array marks{ "<html"sv, "<!doctypehtml"sv, "<head>"sv, "<body"sv };
     for (const std::string_view mark : marks) {
         if (begin.find(mark) != std::string_view::npos)
             return true;
