@@ -20,7 +20,7 @@ set(arrows
     "demo:      app readers batch filter search export scan framework std"
     "tests:     app readers batch filter search export scan framework std system libraries"
     "bench:     app readers batch filter search export scan framework std system libraries tests"
-    "fuzz:      scan std libraries tests"
+    "fuzz:      scan framework std libraries tests"
 )
 
 # A private header belongs to its room: no other room and no public header may include it, but the room's tests may.
