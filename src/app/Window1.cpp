@@ -84,6 +84,7 @@ void Window1::bindEvents()
     Canvas1.DropObject = [this](DragItem& item) { Canvas1_DropObject(item); };
     importBtn1.Action = [this] { importBtn1_Action(); };
     importFolderBtn.Action = [this] { importFolderBtn_Action(); };
+    Slider1.ValueChanged = [this] { Slider1_ValueChanged(); };
     Timer1.Action = [this] { Timer1_Action(); };
     PushButton1.Action = [this] { PushButton1_Action(); };
     Thread1.RunEvent = [this] { Thread1_Run(); };

@@ -24,6 +24,7 @@
 
 namespace quilvane {
 
+class MyDynaPDFMBS;
 struct RunRules;
 
 /// The main window: the list of addresses, the buttons of every source, the drop area, the two labels that
@@ -58,6 +59,8 @@ public:
     CheckBox searchStop{ *this, "searchStop" };
     PushButton exportTabDelimited{ *this, "exportTabDelimited" };
 
+    Ref<MyDynaPDFMBS> pdf; // the engine of the last PDF document
+
     // The state of a run. Thread1 and the handlers share it without a lock: they take turns only at yields.
     std::int64_t nextOne = 0; // how far the run is, in 65536ths and a little more; nobody looks at it
     std::string myProgressText; // what Timer1 copies to ProgressText, since Thread1 touches no control
@@ -65,6 +68,7 @@ public:
     std::vector<std::string> subFolderArrayZ; // native paths of the folders in the searched one
     /// The text that a staged reader scans. What one has left stays here: see doPDFCheckThread.
     std::shared_ptr<const std::string> searchText = std::make_shared<const std::string>();
+    std::string searchText2; // the PDF page loaded last
     std::vector<std::string> resultArray; // addresses found that are not yet rows
     bool stopSwitch = false; // the user asked to stop
     Ref<FolderItem> myFile; // the dropped item in hand; stays from drop to drop
@@ -79,12 +83,18 @@ public:
     /// Nothing calls it; its counterpart for the worker does its work. Kept for its own end of a run.
     void doCSVFolder(const Ref<FolderItem>& f);
     void doPDF(const Ref<FolderItem>& f);
+    /// Takes the text of a page, numbered from 1, of the document in hand into searchText2, and empties
+    /// searchText.
+    void Load(int pageNumber);
+    void Slider1_ValueChanged();
     void doWord(const Ref<FolderItem>& f);
     /// Nothing calls it, like doCSVFolder.
     void doWordFolder(const Ref<FolderItem>& f);
     /// Stages the addresses of the text that stands in searchText, whoever has left it there; nothing if it
     /// is empty.
     void doPDFCheckThread();
+    /// Another form of it that nothing calls, for the text in TextField1 and with an end of its own.
+    void doPDFCheck();
 
     // batch
     void importFolderBtn_Action();
