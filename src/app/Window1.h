@@ -70,6 +70,12 @@ public:
     void doCSVFolder(const Ref<FolderItem>& f);
     void doPDF(const Ref<FolderItem>& f);
     void doWord(const Ref<FolderItem>& f);
+    void importBtn_Action();
+    /// Searches the page that urlField names, and empties the field. A page that can't be loaded leaves it.
+    void doHTML();
+    void urlField_TextChange();
+    void HTMLViewer1_DocumentComplete(const std::string& url);
+    void HTMLViewer1_DocumentProgressChanged(const std::string& url, int percentage);
 
     // the list, and the end of a run
     void Listbox1_Change();
@@ -87,7 +93,6 @@ public:
     void searchBtn_Action();
     void searchStop_Action();
     void Timer1_Action();
-    void urlField_TextChange();
 
 private:
     /// Whether a scan adds what it finds to rCounter.

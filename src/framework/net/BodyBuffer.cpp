@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/net/BodyBuffer.h"
+
+#include "framework/files/availableMemory.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quilvane {
+
+void BodyBuffer::append(std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        if (m_parts.empty() || m_parts.back().size() == partSize) {
+            if (!m_parts.empty())
+                requireMemory(2 * partSize, "The page is too long");
+            m_parts.emplace_back().reserve(partSize);
+        }
+        std::string& part = m_parts.back();
+        const std::size_t count = std::min(bytes.size(), partSize - part.size());
+        part += bytes.substr(0, count);
+        bytes.remove_prefix(count);
+        m_size += count;
+    }
+}
+
+std::string BodyBuffer::take()
+{
+    std::vector<std::string> parts = std::exchange(m_parts, {});
+    const std::uint64_t size = std::exchange(m_size, 0);
+    if (parts.empty())
+        return {};
+    if (parts.size() == 1)
+        return std::move(parts.front());
+    std::string body;
+    body.reserve(size);
+    for (std::string& part : parts) {
+        body += part;
+        part = std::string(); // goes back at once
+    }
+    return body;
+}
+
+} // namespace quilvane
