@@ -147,8 +147,7 @@ private:
     static std::size_t receive(const char* bytes, std::size_t, std::size_t count, void* transfer)
     {
         Transfer& self = *static_cast<Transfer*>(transfer);
-        self.m_tooLarge = self.m_body.size() + count > self.m_options.largestBody;
-        if (self.m_tooLarge)
+        if (self.m_body.size() + count > self.m_options.largestBody)
             return 0;
         try {
             self.m_body.append({ bytes, count });
@@ -203,18 +202,17 @@ private:
         case CURLE_RECV_ERROR:
         case CURLE_SEND_ERROR:
             return "the connection broke off";
+        case CURLE_BAD_CONTENT_ENCODING:
+            return "its compressed content is damaged";
         case CURLE_FILESIZE_EXCEEDED:
-            return tooLarge();
-        case CURLE_WRITE_ERROR:
-            return m_tooLarge ? tooLarge() : "its compressed content is damaged";
+        case CURLE_WRITE_ERROR: // receive() took no more
+            return "it is larger than " + lengthInWords(m_options.largestBody);
         case CURLE_ABORTED_BY_CALLBACK:
             return "it is no longer wanted";
         default:
             return curl_easy_strerror(result) + detail();
         }
     }
-
-    std::string tooLarge() const { return "it is larger than " + lengthInWords(m_options.largestBody); }
 
     std::string systemReason() const
     {
@@ -236,7 +234,6 @@ private:
     const std::stop_token& m_stop;
     std::array<char, CURL_ERROR_SIZE> m_detail{};
     BodyBuffer m_body;
-    bool m_tooLarge = false;
     int m_percent = 0;
     std::exception_ptr m_thrown;
     std::unique_ptr<CURLM, FreeMulti> m_multi;
