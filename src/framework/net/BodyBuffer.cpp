@@ -9,20 +9,30 @@
 
 namespace quilvane {
 
+void BodyBuffer::expect(std::uint64_t size)
+{
+    addPart(std::max(size, partSize));
+}
+
 void BodyBuffer::append(std::string_view bytes)
 {
     while (!bytes.empty()) {
-        if (m_parts.empty() || m_parts.back().size() == partSize) {
-            if (!m_parts.empty())
-                requireMemory(2 * partSize, "The page is too long");
-            m_parts.emplace_back().reserve(partSize);
-        }
+        if (m_parts.empty() || m_parts.back().size() == m_parts.back().capacity())
+            addPart(partSize);
         std::string& part = m_parts.back();
-        const std::size_t count = std::min(bytes.size(), partSize - part.size());
+        const std::size_t count = std::min(bytes.size(), part.capacity() - part.size());
         part += bytes.substr(0, count);
         bytes.remove_prefix(count);
         m_size += count;
     }
+}
+
+void BodyBuffer::addPart(std::uint64_t size)
+{
+    // Most pages fill next to nothing of the first one.
+    if (!m_parts.empty() || size > partSize)
+        requireMemory(size + partSize, "The page is too long");
+    m_parts.emplace_back().reserve(size);
 }
 
 std::string BodyBuffer::take()
@@ -37,7 +47,7 @@ std::string BodyBuffer::take()
     body.reserve(size);
     for (std::string& part : parts) {
         body += part;
-        part = std::string(); // goes back at once
+        std::string().swap(part); // its memory goes back at once; an assignment would keep it
     }
     return body;
 }

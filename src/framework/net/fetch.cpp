@@ -19,7 +19,7 @@ namespace quilvane {
 
 namespace {
 
-constexpr long pieceSize = 256 * 1024; // bytes; libcurl's own of 16 KiB makes large pages slow
+constexpr long pieceSize = 256L * 1024; // bytes; libcurl's own of 16 KiB makes large pages slow
 
 struct FreeEasy {
     void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
@@ -150,12 +150,22 @@ private:
         if (self.m_body.size() + count > self.m_options.largestBody)
             return 0;
         try {
+            if (self.m_body.size() == 0)
+                self.m_body.expect(self.announcedSize());
             self.m_body.append({ bytes, count });
         } catch (...) {
             self.m_thrown = std::current_exception();
             return 0;
         }
         return count;
+    }
+
+    /// In bytes as they are sent, so less than the body's if they are packed; 0 if the server does not say.
+    std::uint64_t announcedSize() const
+    {
+        curl_off_t size = 0;
+        curl_easy_getinfo(m_easy.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
+        return static_cast<std::uint64_t>(std::max<curl_off_t>(size, 0));
     }
 
     static int report(void* transfer, curl_off_t total, curl_off_t received, curl_off_t, curl_off_t)
