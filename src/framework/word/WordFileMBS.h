@@ -13,8 +13,9 @@ namespace quilvane {
 /// HTML, and Word's two XML formats of one file, whatever the file is called.
 class WordFileMBS {
 public:
-    /// Nil, with the reason, for what can't be read: bytes that are no such document, and an encrypted one. Of
-    /// a damaged document, what is left. Reading is bounded (see ReadingBudget); what lies beyond is left out.
+    /// Nil, with the reason, for what can't be read: bytes that are no such document, and an encrypted one.
+    /// Of a damaged document, what is left. Reading is bounded (see ReadingBudget); what lies beyond is left
+    /// out.
     static Ref<WordFileMBS> OpenData(std::string_view data);
 
     explicit WordFileMBS(std::string text);

@@ -418,8 +418,8 @@ bool WordXmlText::isInFieldCode() const
     return !m_beside.empty() && m_beside.back().isInCode;
 }
 
-/// `code`: the character's number in its font, hexadecimal. In fonts of pictures it lies in the private area of
-/// Unicode, and stays there: it is no letter, and parts the words beside it.
+/// `code`: the character's number in its font, hexadecimal. In fonts of pictures it lies in the private area
+/// of Unicode, and stays there: it is no letter, and parts the words beside it.
 void WordXmlText::putSymbol(std::string_view code)
 {
     std::uint16_t number = 0;

@@ -20,8 +20,8 @@ namespace quilvane {
 ///
 /// Handler of one XmlReader; takeText() when that has finished. Words whose letters have different looks come
 /// in one piece; paragraphs, cells and breaks stay apart. What stands beside the text of a paragraph (text
-/// boxes, field codes, the targets of mail links) follows it on lines of its own, since its place may be inside
-/// a word.
+/// boxes, field codes, the targets of mail links) follows it on lines of its own, since its place may be
+/// inside a word.
 class WordXmlText : public XmlHandler {
 public:
     /// `relationships` are the part's; it must outlive this.
@@ -84,7 +84,7 @@ private:
     std::vector<std::size_t> m_givenBefore; // the same at the begin of each open set of alternatives
     std::vector<const Relationships::Entry*> m_references;
     std::string_view m_lastUri; // most elements are of the same namespace as the one before
-    Vocabulary m_lastVocabulary {};
+    Vocabulary m_lastVocabulary{};
 };
 
 } // namespace quilvane

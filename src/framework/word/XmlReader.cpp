@@ -144,9 +144,9 @@ struct XmlReader::Native {
         handler.endElement();
     }
 
-    /// A token comes to us when all of it is there. While it is not, libxml2 keeps its bytes, and looks through
-    /// them again with each piece. When a tag is complete, it compares the attributes before we are told, so one
-    /// of a great many must not get that far.
+    /// A token comes to us when all of it is there. While it is not, libxml2 keeps its bytes, and looks
+    /// through them again with each piece. When a tag is complete, it compares the attributes before we are
+    /// told, so one of a great many must not get that far.
     void watchUnfinishedToken()
     {
         const xmlParserInput* input = parser->input;
@@ -179,15 +179,14 @@ struct XmlReader::Native {
     /// The functions that libxml2 calls.
     static xmlSAXHandler callbacks()
     {
-        xmlSAXHandler sax {};
+        xmlSAXHandler sax{};
         sax.initialized = XML_SAX2_MAGIC;
-        sax.startElementNs
-            = [](void* context, const xmlChar* name, const xmlChar*, const xmlChar* uri, int namespaceCount,
-                  const xmlChar**, int attributeCount, int, const xmlChar** attributes) {
-                  Native& native = Native::of(context);
-                  native.tell(
-                      [&] { native.startElement(name, uri, namespaceCount, attributeCount, attributes); });
-              };
+        sax.startElementNs = [](void* context, const xmlChar* name, const xmlChar*, const xmlChar* uri,
+                                 int namespaceCount, const xmlChar**, int attributeCount, int,
+                                 const xmlChar** attributes) {
+            Native& native = Native::of(context);
+            native.tell([&] { native.startElement(name, uri, namespaceCount, attributeCount, attributes); });
+        };
         sax.endElementNs = [](void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
             Native& native = Native::of(context);
             native.tell([&] { native.endElement(); });

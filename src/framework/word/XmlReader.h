@@ -16,8 +16,8 @@ struct XmlAttribute {
     std::string_view value;
 };
 
-/// What an XmlReader tells. Views hold until the call returns; that of a namespace's URI until the reader goes,
-/// and the same place stands for the same URI.
+/// What an XmlReader tells. Views hold until the call returns; that of a namespace's URI until the reader
+/// goes, and the same place stands for the same URI.
 class XmlHandler {
 public:
     virtual ~XmlHandler() = default;
@@ -32,8 +32,8 @@ public:
 ///
 /// Call feed() until it returns false or the document is over, then finish(). Broken XML is read as far as it
 /// makes sense. Reading ends where a document would cost too much: at a document type declaration, at
-/// elements nested deeper than 10,000, at a tag of more than 1,000 attributes that does not end soon, when the
-/// budget is spent. It opens no other file.
+/// elements nested deeper than 10,000, at a tag of more than 1,000 attributes that does not end soon, when
+/// the budget is spent. It opens no other file.
 class XmlReader {
 public:
     /// Both must outlive the reader.

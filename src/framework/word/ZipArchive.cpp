@@ -78,7 +78,7 @@ public:
     }
 
 private:
-    z_stream m_stream {};
+    z_stream m_stream{};
     std::array<char, pieceSize> m_piece;
     bool m_isAtEnd = false;
 };

@@ -12,8 +12,8 @@
 
 namespace quilvane {
 
-/// The files in a zip archive, by name. If the archive's directory is cut off or leads nowhere, they are found
-/// by the headers that stand before each.
+/// The files in a zip archive, by name. If the archive's directory is cut off or leads nowhere, they are
+/// found by the headers that stand before each.
 ///
 /// Reads the layout of PKWARE's APPNOTE.TXT, sections 4.3.6 to 4.3.16, by itself: the time that libgsf takes
 /// grows with the square of the number of folders. Names are compared without regard to ASCII case, with
@@ -40,7 +40,8 @@ public:
     const Entry* find(std::string_view name) const;
 
     /// Hands the unpacked bytes over in pieces of at most 16 KB, until `take` returns false, the file ends or
-    /// its packed bytes make no sense any more. Check sums are not looked at: half a file is better than none.
+    /// its packed bytes make no sense any more. Check sums are not looked at: half a file is better than
+    /// none.
     static void unpack(const Entry& entry, const std::function<bool(std::string_view)>& take);
 
     /// As names are compared.

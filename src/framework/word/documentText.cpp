@@ -7,7 +7,6 @@
 #include "framework/word/binaryWord.h"
 #include "framework/word/openXml.h"
 #include "framework/word/rtf.h"
-#include "framework/word/textRuns.h"
 
 #include <array>
 #include <cstddef>
@@ -35,52 +34,12 @@ std::string beginning(std::string_view bytes)
 
 bool looksLikeHtml(std::string_view begin)
 {
-    constexpr std::array marks { "<html"sv, "<!doctypehtml"sv, "<head>"sv, "<body"sv };
+    constexpr std::array marks{ "<html"sv, "<!doctypehtml"sv, "<head>"sv, "<body"sv };
     for (const std::string_view mark : marks) {
         if (begin.find(mark) != std::string_view::npos)
             return true;
     }
     return false;
-}
-
-/// As a compound file keeps a stream's name in its directory: UTF-16, little-endian.
-std::string directoryName(std::string_view name)
-{
-    std::string result;
-    for (const char c : name) {
-        result += c;
-        result += '\0';
-    }
-    return result;
-}
-
-/// Whether a compound file that can't be opened was a Word document, and one that is not encrypted. The name
-/// of its stream tells, wherever it stands, or the begin of that stream ([MS-DOC], section 2.5.1).
-bool holdsPlainWord(std::string_view bytes)
-{
-    if (bytes.find(directoryName("EncryptedPackage")) != std::string_view::npos)
-        return false;
-    constexpr std::size_t sectorSize = 512;
-    constexpr std::string_view streamMarks[] = { "\xEC\xA5"sv, "\xDC\xA5"sv, "\xDB\xA5"sv };
-    for (std::size_t at = sectorSize; at + 12 <= bytes.size(); at += sectorSize) {
-        for (const std::string_view mark : streamMarks) {
-            constexpr char encrypted = 1;
-            if (bytes.substr(at).starts_with(mark))
-                return !(bytes[at + 11] & encrypted);
-        }
-    }
-    return bytes.find(directoryName("WordDocument")) != std::string_view::npos;
-}
-
-std::optional<std::string> compoundText(std::string_view bytes)
-{
-    std::optional<std::string> text = textOfBinaryWord(bytes);
-    if (!text && holdsPlainWord(bytes)) {
-        text = textRuns(bytes);
-        if (text->empty())
-            text.reset();
-    }
-    return text;
 }
 
 std::optional<std::string> markupText(std::string_view bytes, ReadingBudget& budget)
@@ -99,7 +58,7 @@ std::optional<std::string> textOfAnyKind(std::string_view bytes, ReadingBudget& 
     if (bytes.starts_with(zipMark))
         return textOfOpenXml(bytes, budget);
     if (CompoundFile::isCompoundFile(bytes))
-        return compoundText(bytes);
+        return textOfBinaryWord(bytes);
     if (std::optional<std::string> text = textOfRtf(bytes))
         return text;
     return markupText(bytes, budget);

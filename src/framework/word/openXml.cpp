@@ -60,7 +60,7 @@ private:
 
     void readWithReferences(const std::string& first)
     {
-        std::vector<std::string> waiting { first };
+        std::vector<std::string> waiting{ first };
         for (std::size_t i = 0; i < waiting.size(); ++i) {
             const ZipArchive::Entry* entry = m_archive.find(waiting[i]);
             if (entry && m_budget.parts > 0 && m_read.insert(entry).second)
@@ -91,7 +91,7 @@ private:
     void readEmbedded(const std::string& name)
     {
         const ZipArchive::Entry* entry = m_archive.find(name);
-        if (!entry || !m_read.insert(entry).second)
+        if (!entry || m_budget.parts == 0 || !m_read.insert(entry).second)
             return;
         std::string bytes;
         unpack(*entry, [&bytes](std::string_view piece) {
@@ -143,7 +143,8 @@ private:
 
 constexpr std::string_view flatPackageUri = "http://schemas.microsoft.com/office/2006/xmlPackage";
 
-/// Takes a flat package apart: hands the XML of each part to the handler that `handlerOf` names for it, if any.
+/// Takes a flat package apart: hands the XML of each part to the handler that `handlerOf` names for it, if
+/// any.
 class FlatPackageSplitter : public XmlHandler {
 public:
     explicit FlatPackageSplitter(std::function<XmlHandler*(const std::string& part)> handlerOf)
@@ -218,7 +219,7 @@ using RelationshipsByPart = std::map<std::string, Relationships>;
 std::set<std::string> textParts(RelationshipsByPart& relationships)
 {
     std::set<std::string> found;
-    std::vector<std::string> waiting { {} };
+    std::vector<std::string> waiting{ {} };
     while (!waiting.empty()) {
         const auto source = relationships.find(waiting.back());
         waiting.pop_back();

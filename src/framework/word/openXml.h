@@ -10,9 +10,9 @@
 
 namespace quilvane {
 
-/// The text of a Word document that is a package of XML parts in a zip archive (.docx and its kin), UTF-8: the
-/// body first, then what it refers to, then headers, footers, notes and comments. Of a damaged package, what
-/// can still be unpacked. Nothing if it holds no word processor's document.
+/// The text of a Word document that is a package of XML parts in a zip archive (.docx and its kin), UTF-8:
+/// the body first, then what it refers to, then headers, footers, notes and comments. Of a damaged package,
+/// what can still be unpacked. Nothing if it holds no word processor's document.
 std::optional<std::string> textOfOpenXml(std::string_view zip, ReadingBudget& budget);
 
 /// The text of a Word document that is one XML file: Word 2003 XML, or the parts of a package one behind the
