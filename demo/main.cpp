@@ -32,6 +32,7 @@ public:
     ~DemoDesktop() override { Desktop::use(nullptr); }
 
     std::string nextFileToOpen;
+    std::string folderToSearch;
     bool failed = false;
 
     std::optional<std::string> chooseFileToOpen() override { return nextFileToOpen; }
@@ -39,7 +40,7 @@ public:
     {
         return m_outputFolder + '/' + std::string(defaultName);
     }
-    std::optional<std::string> chooseFolder() override { return std::nullopt; }
+    std::optional<std::string> chooseFolder() override { return folderToSearch; }
     void showMessage(std::string_view text) override { std::cout << "Message: " << text << '\n'; }
     MessageDialog::Button showDialog(const MessageDialog& dialog) override
     {
@@ -75,9 +76,12 @@ public:
         picture(implicit<Window1>(), "start");
         searchFile("contacts.csv");
         searchFile("newsletter.txt");
+        searchFile("letter.doc");
         picture(implicit<Window1>(), "search-file");
         implicit<Window1>().exportBtn.Push();
         printList();
+        searchFolder();
+        drop("flyer.pdf");
         searchKeyword("library");
         removeDomains();
         implicit<Window1>().exportTabDelimited.Push();
@@ -92,6 +96,24 @@ private:
         m_desktop.nextFileToOpen = m_samples + '/' + name;
         window.importBtn1.Push();
         std::cout << "Searched " << name << ": " << window.ProgressText.Text() << ' ' << window.results.Text()
+                  << '\n';
+    }
+
+    void searchFolder()
+    {
+        Window1& window = implicit<Window1>();
+        m_desktop.folderToSearch = m_samples;
+        window.importFolderBtn.Push();
+        std::cout << "Searched the folder: " << window.ProgressText.Text() << ' ' << window.results.Text()
+                  << '\n';
+    }
+
+    void drop(const std::string& name)
+    {
+        Window1& window = implicit<Window1>();
+        DragItem item({ m_samples + '/' + name });
+        window.Canvas1.DropObject(item);
+        std::cout << "Dropped " << name << ": " << window.ProgressText.Text() << ' ' << window.results.Text()
                   << '\n';
     }
 

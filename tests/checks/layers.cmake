@@ -13,7 +13,7 @@ set(arrows
     "readers:   app scan framework std"
     "batch:     app scan framework std"
     "filter:    app scan framework std"
-    "search:    app scan framework std"
+    "search:    app scan framework std filter/filterWIn.h"
     "export:    app scan framework std search/Window2.h"
     "scan:      std immintrin.h"
     "framework: std system libraries"
