@@ -128,26 +128,24 @@ TEST(BinaryWord, OtherFilesGiveNothing)
     EXPECT_FALSE(textOfRtf(""));
 }
 
-TEST(BinaryWord, DamagedFilesGiveWhatTheyHold)
+TEST(BinaryWord, DamagedFilesGiveNothingButTheirRuns)
 {
     const std::string whole = sample("letter.doc");
     const std::size_t boxAt = whole.find(wide("box@example.com"));
     ASSERT_NE(boxAt, std::string::npos);
     for (std::size_t tenth = 0; tenth < 10; ++tenth) {
         const std::string_view cut = std::string_view(whole).substr(0, whole.size() * tenth / 10);
-        const std::string text = trimmed(textOfBinaryWord(cut));
-        EXPECT_TRUE(cut.size() < boxAt + 100 || holdsAddress(text, "box@example.com"))
-            << tenth << ": " << text;
+        EXPECT_FALSE(textOfBinaryWord(cut)) << tenth;
+        EXPECT_EQ(holdsAddress(textRuns(cut), "box@example.com"), cut.size() > boxAt + 30) << tenth;
         textOfRtf(sample("letter.rtf").substr(0, cut.size()));
     }
 
-    // Without its table stream, and with one that holds no pieces.
     Document document{ { { "kept@example.org" } } };
     document.tableName = "2Table";
-    EXPECT_NE(trimmed(textOfBinaryWord(document.bytes())).find("kept@example.org"), std::string::npos);
+    EXPECT_FALSE(textOfBinaryWord(document.bytes())) << "no table stream";
     document.tableName = "0Table";
     document.hasPieceTable = false;
-    EXPECT_NE(trimmed(textOfBinaryWord(document.bytes())).find("kept@example.org"), std::string::npos);
+    EXPECT_FALSE(textOfBinaryWord(document.bytes())) << "no piece table";
 }
 
 /// Each ends, and none does harm; what they give does not count.
@@ -166,7 +164,7 @@ TEST(BinaryWord, ForgedFilesEnd)
     textOfBinaryWord(compoundFile(std::vector<std::pair<std::string, std::string>>(50'000, { "s", "" })));
 
     // Pieces that give the same text again and again, or nothing but marks.
-    for (const char content : { 'a', '\x1F', '\x13' }) {
+    for (const char content : { 'a', '\x13' }) {
         Document document;
         document.pieces.assign(60, { std::string(2, content) });
         document.pieces.front().bytes.assign(4'000'000, content); // in the stream it is the last
