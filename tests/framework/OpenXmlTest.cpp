@@ -272,6 +272,8 @@ TEST(WordFile, TellsTheKindFromTheBytes)
           "<w:footnote><w:p><w:r><w:t>note</w:t></w:r></w:p></w:footnote></w:r><aml:annotation aml:type="
           "'Word.Deletion'><w:r><w:t>b</w:t></w:r></aml:annotation><w:hlink w:dest='mailto:c@x.org'><w:r>"
           "<w:t>x.org</w:t></w:r></w:hlink></w:p></w:body></w:wordDocument>";
+    const std::string compound = "\xD0\xCF\x11\xE0" + std::string(508, '\0');
+    const std::string wordMark("\xEC\xA5\xC1\0\0\0\0\0\0\0\0", 11);
     struct Row {
         const char* name;
         std::string bytes;
@@ -285,6 +287,9 @@ TEST(WordFile, TellsTheKindFromTheBytes)
              Row{ "HTML", "\xEF\xBB\xBF <!DOCTYPE html><p><a href='mailto:b@x.org'>a</a></p>", "a\nb@x.org" },
              Row{ "the parts of a package in one file", flat, "a\nb@x.org" },
              Row{ "Word 2003 XML", word2003, "a@x.org\nnote\n\nc@x.org" },
+             Row{ "a damaged .doc", compound + wordMark + std::string(100, '\0') + "a@x.org", "a@x.org" },
+             Row{ "an encrypted one", compound + wordMark + std::string(100, '\1') + "a@x.org", "(nil)" },
+             Row{ "a damaged file of another program", compound + "a@x.org", "(nil)" },
          })
         EXPECT_EQ(withoutLineEnd(textOf(row.bytes)), row.text) << row.name;
 }
