@@ -7,10 +7,10 @@
 #include "support/benchText.h"
 #include "support/race.h"
 
-#include <array>
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,7 +71,7 @@ void compareOn(BenchText kind, std::size_t bytes, Goals goals)
     };
     if (AddressScanner::isSupported(Kernel::Avx2))
         contenders.push_back({ "scanner, AVX2", [&] { return countMatches(text, Kernel::Avx2); } });
-    race(contenders, 7);
+    race(contenders, 15);
 
     std::printf("%s, %zu MB\n", nameOf(kind).data(), bytes / megabyte);
     for (const Contender& contender : contenders) {
@@ -98,22 +98,20 @@ void emptyCaches()
 void printDoublings(BenchText kind)
 {
     constexpr double goal = 2.5;
-    std::printf("  %-8s", nameOf(kind).data());
+    std::vector<std::string> texts;
+    for (std::size_t megabytes = 1; megabytes <= 64; megabytes *= 2)
+        texts.push_back(makeBenchText(kind, megabytes * megabyte));
+    std::vector<Contender> sizes;
+    for (const std::string& text : texts)
+        sizes.push_back({ "scanner", [&] { return countMatches(text, AddressScanner::fastestKernel()); } });
+    race(sizes, 15, emptyCaches);
+
+    std::printf("  %-8s %9.3f ms", nameOf(kind).data(), sizes.front().fastestSeconds * 1e3);
     double worst = 0;
-    double previous = 0;
-    for (std::size_t megabytes = 1; megabytes <= 64; megabytes *= 2) {
-        const std::string text = makeBenchText(kind, megabytes * megabyte);
-        std::array contenders{ Contender{
-            "scanner", [&] { return countMatches(text, AddressScanner::fastestKernel()); } } };
-        race(contenders, 9, emptyCaches);
-        const double seconds = contenders[0].fastestSeconds;
-        if (megabytes == 1) {
-            std::printf(" %9.3f ms", seconds * 1e3);
-        } else {
-            std::printf(" %6.2f", seconds / previous);
-            worst = std::max(worst, seconds / previous);
-        }
-        previous = seconds;
+    for (std::size_t i = 1; i < sizes.size(); ++i) {
+        const double ratio = sizes[i].fastestSeconds / sizes[i - 1].fastestSeconds;
+        std::printf(" %6.2f", ratio);
+        worst = std::max(worst, ratio);
     }
     std::printf("   worst %5.2f  goal %.1f  %s\n", worst, goal, verdict(worst <= goal));
 }

@@ -5,9 +5,11 @@
 
 #include "app/App.h"
 #include "app/Window1.h"
+#include "app/aboutWin.h"
 #include "app/startUp.h"
 #include "filter/filterWIn.h"
 #include "framework/Runtime.h"
+#include "framework/controls/MenuBar.h"
 #include "framework/dialogs/Desktop.h"
 #include "search/Window2.h"
 #include "search/searchWin.h"
@@ -30,6 +32,7 @@ public:
     ~DemoDesktop() override { Desktop::use(nullptr); }
 
     std::string nextFileToOpen;
+    std::string folderToSearch;
     bool failed = false;
 
     std::optional<std::string> chooseFileToOpen() override { return nextFileToOpen; }
@@ -37,7 +40,7 @@ public:
     {
         return m_outputFolder + '/' + std::string(defaultName);
     }
-    std::optional<std::string> chooseFolder() override { return std::nullopt; }
+    std::optional<std::string> chooseFolder() override { return folderToSearch; }
     void showMessage(std::string_view text) override { std::cout << "Message: " << text << '\n'; }
     MessageDialog::Button showDialog(const MessageDialog& dialog) override
     {
@@ -73,12 +76,17 @@ public:
         picture(implicit<Window1>(), "start");
         searchFile("contacts.csv");
         searchFile("newsletter.txt");
+        searchFile("letter.doc");
         picture(implicit<Window1>(), "search-file");
         implicit<Window1>().exportBtn.Push();
         printList();
+        searchFolder();
+        drop("flyer.pdf");
         searchKeyword("library");
         removeDomains();
         implicit<Window1>().exportTabDelimited.Push();
+        app().menuBar().Lookup("FileAboutTamsrel").Choose();
+        picture(implicit<aboutWin>(), "about");
     }
 
 private:
@@ -88,6 +96,24 @@ private:
         m_desktop.nextFileToOpen = m_samples + '/' + name;
         window.importBtn1.Push();
         std::cout << "Searched " << name << ": " << window.ProgressText.Text() << ' ' << window.results.Text()
+                  << '\n';
+    }
+
+    void searchFolder()
+    {
+        Window1& window = implicit<Window1>();
+        m_desktop.folderToSearch = m_samples;
+        window.importFolderBtn.Push();
+        std::cout << "Searched the folder: " << window.ProgressText.Text() << ' ' << window.results.Text()
+                  << '\n';
+    }
+
+    void drop(const std::string& name)
+    {
+        Window1& window = implicit<Window1>();
+        DragItem item({ m_samples + '/' + name });
+        window.Canvas1.DropObject(item);
+        std::cout << "Dropped " << name << ": " << window.ProgressText.Text() << ' ' << window.results.Text()
                   << '\n';
     }
 
@@ -151,16 +177,16 @@ int play(int argc, char** argv)
     const Runtime runtime(argc, argv, "Quilvane");
     if (argc > 3)
         Runtime::useDarkColors();
-    const std::unique_ptr<App> app = makeApp();
+    const std::unique_ptr<App> application = makeApp();
     DemoDesktop desktop(argv[2]);
     Demo demo(argv[1], argv[2], desktop);
     Timer start("demo", 0);
     start.Action = [&] {
         start.setEnabled(false);
         demo.play();
-        app->Quit();
+        application->Quit();
     };
-    const int exitCode = app->Run([&start] {
+    const int exitCode = application->Run([&start] {
         implicit<Window1>();
         start.setEnabled(true);
     });

@@ -4,6 +4,7 @@
 
 #include "app/MainMenuBar.h"
 #include "app/Window1.h"
+#include "app/aboutWin.h"
 #include "app/prefsModule.h"
 #include "filter/filterWIn.h"
 
@@ -16,6 +17,7 @@ App& app()
 
 bool App::_FileAboutTamsrel_Action()
 {
+    implicit<aboutWin>().Show();
     return false;
 }
 

@@ -85,8 +85,14 @@ void Window1::bindEvents()
         HTMLViewer1_DocumentProgressChanged(url, percentage);
     };
     urlField.TextChange = [this] { urlField_TextChange(); };
+    Canvas1.Open = [this] { Canvas1_Open(); };
+    Canvas1.DropObject = [this](DragItem& item) { Canvas1_DropObject(item); };
     importBtn1.Action = [this] { importBtn1_Action(); };
+    importFolderBtn.Action = [this] { importFolderBtn_Action(); };
+    Slider1.ValueChanged = [this] { Slider1_ValueChanged(); };
     Timer1.Action = [this] { Timer1_Action(); };
+    PushButton1.Action = [this] { PushButton1_Action(); };
+    Thread1.RunEvent = [this] { Thread1_Run(); };
     searchStop.Action = [this] { searchStop_Action(); };
     exportTabDelimited.Action = [this] { exportTabDelimited_Action(); };
 }

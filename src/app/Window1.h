@@ -18,10 +18,14 @@
 #include "framework/threads/Timer.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace quilvane {
+
+class MyDynaPDFMBS;
+struct RunRules;
 
 /// The main window: the list of addresses, the buttons of every source, the drop area, the two labels that
 /// tell what happened, and some controls that nobody sees and that the sources use as working parts.
@@ -55,11 +59,21 @@ public:
     CheckBox searchStop{ *this, "searchStop" };
     PushButton exportTabDelimited{ *this, "exportTabDelimited" };
 
+    Ref<MyDynaPDFMBS> pdf; // the engine of the last PDF document
+
     // The state of a run. Thread1 and the handlers share it without a lock: they take turns only at yields.
+    std::int64_t nextOne = 0; // how far the run is, in 65536ths and a little more; nobody looks at it
     std::string myProgressText; // what Timer1 copies to ProgressText, since Thread1 touches no control
     std::vector<std::string> itemArrayZ; // native paths of the files that Thread1 reads
+    std::vector<std::string> subFolderArrayZ; // native paths of the folders in the searched one
+    /// The text that a staged reader scans. What one has left stays here: see doPDFCheckThread.
+    std::shared_ptr<const std::string> searchText = std::make_shared<const std::string>();
+    std::string searchText2; // the PDF page loaded last
     std::vector<std::string> resultArray; // addresses found that are not yet rows
     bool stopSwitch = false; // the user asked to stop
+    Ref<FolderItem> myFile; // the dropped item in hand; stays from drop to drop
+    std::int64_t counter = 0; // the index in itemArrayZ of the file in hand
+    std::string currentFile; // its path, or, once doTextThread reads it, its name
     std::int64_t rCounter = 0; // matches of the run, duplicates included
 
     // readers
@@ -69,13 +83,40 @@ public:
     /// Nothing calls it; its counterpart for the worker does its work. Kept for its own end of a run.
     void doCSVFolder(const Ref<FolderItem>& f);
     void doPDF(const Ref<FolderItem>& f);
+    /// Takes the text of a page, numbered from 1, of the document in hand into searchText2, and empties
+    /// searchText.
+    void Load(int pageNumber);
+    void Slider1_ValueChanged();
     void doWord(const Ref<FolderItem>& f);
+    /// Nothing calls it, like doCSVFolder.
+    void doWordFolder(const Ref<FolderItem>& f);
+    /// Stages the addresses of the text that stands in searchText, whoever has left it there; nothing if it
+    /// is empty.
+    void doPDFCheckThread();
+    /// Another form of it that nothing calls, for the text in TextField1 and with an end of its own.
+    void doPDFCheck();
     void importBtn_Action();
     /// Searches the page that urlField names, and empties the field. A page that can't be loaded leaves it.
     void doHTML();
     void urlField_TextChange();
     void HTMLViewer1_DocumentComplete(const std::string& url);
     void HTMLViewer1_DocumentProgressChanged(const std::string& url, int percentage);
+
+    // batch
+    void importFolderBtn_Action();
+    /// The second entry of Search Folder, parked out of reach.
+    void PushButton1_Action();
+    void Canvas1_Open();
+    void Canvas1_DropObject(DragItem& obj);
+    void doCSVDrop(const Ref<FolderItem>& f);
+    /// Reads the files of a folder, then those of the folders below it.
+    void doSubfolder(const Ref<FolderItem>& folder);
+    void Thread1_Run();
+    /// The worker's loop for the main stack, which nothing calls.
+    void noThread();
+    void doTextThread(const Ref<FolderItem>& f);
+    void doCSVFolderThread(const Ref<FolderItem>& f);
+    void doWordFolderThread(const Ref<FolderItem>& f);
 
     // the list, and the end of a run
     void Listbox1_Change();
@@ -110,6 +151,25 @@ private:
     void addMatchesToList(std::string_view text, Counting counting);
     /// Adds the staged addresses to the list and leaves them staged.
     void flushResultArray();
+
+    /// Adds the addresses in searchText to resultArray and counts them.
+    void stageMatches();
+    void setSearchText(std::string text);
+
+    /// Lists the files and folders in `folder`. `current` is the last child looked at. False if one vanished
+    /// meanwhile, which ends the handler.
+    bool classifyChildren(const FolderItem& folder, const RunRules& rules, Ref<FolderItem>& current);
+    void startWorker();
+    /// The path in itemArrayZ that the run has come to, with all that is told of it.
+    Ref<FolderItem> takeItem(std::size_t i);
+    /// The folders in subFolderArrayZ one by one, until the user stops the run.
+    void walkSubfolders(const RunRules& rules, Ref<FolderItem>& current);
+    struct WalkedFolder;
+    void walkFolder(const Ref<FolderItem>& folder, const WalkedFolder* above);
+    bool listFolder(
+        const FolderItem& folder, std::vector<std::string>& files, std::vector<std::string>& subfolders);
+    bool readFiles(const std::vector<std::string>& files);
+    void endRun();
 
     void enableButtonsBehindScan();
     void setFinishMessage(Label& label);

@@ -39,4 +39,10 @@ Ref<Picture> Quilvane_1002()
     return loadOnce(kept, "Quilvane_1002");
 }
 
+Ref<Picture> Quilvane_100()
+{
+    static Ref<Picture> kept;
+    return loadOnce(kept, "Quilvane_100");
+}
+
 } // namespace quilvane

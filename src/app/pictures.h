@@ -17,5 +17,7 @@ Ref<Picture> Quilvane_2001();
 Ref<Picture> Quilvane_1001();
 /// The search dialog.
 Ref<Picture> Quilvane_1002();
+/// The About window.
+Ref<Picture> Quilvane_100();
 
 } // namespace quilvane

@@ -20,7 +20,7 @@ std::unique_ptr<App> makeApp()
         .nonRelease = 0,
         .shortVersion = "1.04",
         .description = "Extracts emails from comma or tab-delimited files.",
-        .legalNotice = "Quilvane is free software under GPL-3.0-or-later." });
+        .legalNotice = "Quilvane. Free software, GPL-3.0-or-later." });
     app.setMenuBar(MainMenuBar::instance());
     app.addMenuHandler("FileAboutTamsrel", [&app] { return app._FileAboutTamsrel_Action(); });
     app.addMenuHandler("FileNewWindow", [&app] { return app._FileNewWindow_Action(); });

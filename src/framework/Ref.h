@@ -36,6 +36,9 @@ public:
         return Ref(std::make_shared<T>(std::forward<Arguments>(arguments)...));
     }
 
+    /// The note of the factory that found nothing; empty if it left none or the reference is not nil.
+    const std::string& whyNil() const { return m_whyNil; }
+
     explicit operator bool() const { return static_cast<bool>(m_object); }
 
     T* operator->() const { return &**this; }

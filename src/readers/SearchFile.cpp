@@ -90,12 +90,4 @@ void Window1::doCSVFolder(const Ref<FolderItem>& f)
     checkDuplicates();
 }
 
-void Window1::doPDF(const Ref<FolderItem>&)
-{
-}
-
-void Window1::doWord(const Ref<FolderItem>&)
-{
-}
-
 } // namespace quilvane

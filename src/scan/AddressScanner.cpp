@@ -126,7 +126,7 @@ const char* AddressScanner::domainEnd(const char* domain) const
 
 #if QUILVANE_HAS_AVX2_KERNEL
 
-#define QUILVANE_AVX2 __attribute__((target("avx2,bmi")))
+#define QUILVANE_AVX2 [[gnu::target("avx2,bmi")]]
 
 namespace {
 
@@ -206,7 +206,64 @@ QUILVANE_AVX2 inline const char* skipBlocksWithoutAt(const char* bytes, const ch
     return bytes;
 }
 
+/// domainEnd() for a domain that ends within the window that begins with it. `classes` are those of the
+/// window, and `stops` marks the bytes that no domain holds.
+QUILVANE_AVX2 inline const char* domainEndInWindow(const char* domain, __m256i classes, std::uint32_t stops)
+{
+    const std::uint32_t inDomain = (stops & (0U - stops)) - 1;
+    const std::uint32_t behindFirst = ~1U;
+    const std::uint32_t noLetters = noneOf(classes, HalfClass::letter);
+    std::uint32_t dots = equalTo(load(domain), '.') & inDomain & behindFirst;
+    while (dots != 0) {
+        const int dot = 31 - std::countl_zero(dots);
+        const std::uint32_t behindDot = ~(0xffffffffU >> (31 - dot));
+        const int labelEnd = std::countr_zero(noLetters & behindDot);
+        if (labelEnd - dot > 2 && !isOf(domain[labelEnd], ByteClass::word))
+            return domain + labelEnd;
+        dots ^= 1U << dot;
+    }
+    return nullptr;
+}
+
 } // namespace
+
+/// matchAround() with the 32 bytes on either side of the '@' looked at together. What reaches out of them is
+/// left to matchAround(). In line, as that doubles the speed where every other byte is an '@'.
+QUILVANE_AVX2 [[gnu::always_inline]] inline std::string_view AddressScanner::matchAroundAvx2(
+    const char* at) const
+{
+    if (at - m_begin < windowSize || m_end - at <= windowSize)
+        return matchAround(at);
+
+    const char* domain = at + 1;
+    const __m256i right = classify(load(domain));
+    const std::uint32_t rightStops = noneOf(right, HalfClass::domain);
+    if (rightStops == 0)
+        return matchAround(at);
+    const char* end = domainEndInWindow(domain, right, rightStops);
+    if (!end)
+        return {};
+
+    const __m256i left = classify(load(at - windowSize));
+    const std::uint32_t leftStops = equalTo(left, 0);
+    if (leftStops == 0)
+        return matchAround(at);
+    // Bit 31 stands for the byte before the '@'.
+    const std::ptrdiff_t runSize = std::countl_zero(leftStops);
+    // A run that comes up to the previous match begins there, on whatever byte. One that comes up to the
+    // begin of the text does not fit into the window.
+    const char* begin = m_previousMatchEnd;
+    if (at - begin > runSize) {
+        const std::uint32_t inRun = ~(0xffffffffU >> runSize);
+        const std::uint32_t wordBytes = ~noneOf(left, HalfClass::word) & inRun;
+        if (wordBytes == 0)
+            return {};
+        begin = at - windowSize + std::countr_zero(wordBytes);
+    }
+    if (begin == at)
+        return {};
+    return viewOf(begin, end);
+}
 
 QUILVANE_AVX2 std::optional<std::string_view> AddressScanner::nextAvx2()
 {
@@ -234,48 +291,6 @@ QUILVANE_AVX2 std::optional<std::string_view> AddressScanner::nextAvx2()
     m_unsearched = unsearched;
     m_pendingAts = 0;
     return nextScalar();
-}
-
-/// matchAround() with the 32 bytes on either side of the '@' looked at together. What reaches out of them is
-/// left to matchAround().
-QUILVANE_AVX2 std::string_view AddressScanner::matchAroundAvx2(const char* at) const
-{
-    if (at - m_begin < windowSize || m_end - at <= windowSize)
-        return matchAround(at);
-
-    const __m256i left = classify(load(at - windowSize));
-    const std::uint32_t leftStops = equalTo(left, 0);
-    const __m256i rightBytes = load(at + 1);
-    const __m256i right = classify(rightBytes);
-    const std::uint32_t rightStops = noneOf(right, HalfClass::domain);
-    if (leftStops == 0 || rightStops == 0)
-        return matchAround(at);
-
-    // Bit 31 stands for the byte before the '@'.
-    const std::ptrdiff_t runSize = std::countl_zero(leftStops);
-    const char* begin = m_previousMatchEnd;
-    if (at - begin > runSize || begin == m_begin) {
-        const std::uint32_t inRun = ~(0xffffffffU >> runSize);
-        const std::uint32_t wordBytes = ~noneOf(left, HalfClass::word) & inRun;
-        if (wordBytes == 0)
-            return {};
-        begin = at - windowSize + std::countr_zero(wordBytes);
-    }
-    if (begin == at)
-        return {};
-
-    // Bit 0 stands for the byte behind the '@', where the last dot cannot be.
-    const std::uint32_t firstStop = rightStops & (0U - rightStops);
-    const std::uint32_t noLetters = noneOf(right, HalfClass::letter);
-    for (std::uint32_t dots = equalTo(rightBytes, '.') & (firstStop - 1) & ~1U; dots != 0;) {
-        const int dot = 31 - std::countl_zero(dots);
-        const std::uint32_t behindDot = ~(0xffffffffU >> (31 - dot));
-        const int labelEnd = std::countr_zero(noLetters & behindDot);
-        if (labelEnd - dot > 2 && !isOf(at[1 + labelEnd], ByteClass::word))
-            return viewOf(begin, at + 1 + labelEnd);
-        dots ^= 1U << dot;
-    }
-    return {};
 }
 
 #else

@@ -3,6 +3,7 @@
 #include "search/Window2.h"
 
 #include "app/MainMenuBar.h"
+#include "app/aboutWin.h"
 #include "app/pictures.h"
 #include "app/prefsModule.h"
 #include "filter/filterWIn.h"
@@ -91,6 +92,7 @@ void Window2::searchBtn_Action()
 
 bool Window2::Canvas1_MouseDown()
 {
+    implicit<aboutWin>().Show();
     return false;
 }
 

@@ -3,6 +3,7 @@
 #include "search/searchWin.h"
 
 #include "app/Window1.h"
+#include "app/aboutWin.h"
 #include "app/pictures.h"
 #include "filter/filterWIn.h"
 #include "framework/text/RegEx.h"
@@ -106,6 +107,7 @@ void searchWin::closeBtn_Action()
 
 bool searchWin::Canvas1_MouseDown()
 {
+    implicit<aboutWin>().Show();
     return false;
 }
 

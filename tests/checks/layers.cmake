@@ -13,14 +13,14 @@ set(arrows
     "readers:   app scan framework std"
     "batch:     app scan framework std"
     "filter:    app scan framework std"
-    "search:    app scan framework std"
+    "search:    app scan framework std filter/filterWIn.h"
     "export:    app scan framework std search/Window2.h"
     "scan:      std immintrin.h"
     "framework: std system libraries"
     "demo:      app readers batch filter search export scan framework std"
     "tests:     app readers batch filter search export scan framework std system libraries"
     "bench:     app readers batch filter search export scan framework std system libraries tests"
-    "fuzz:      scan std libraries tests"
+    "fuzz:      scan framework std libraries tests"
 )
 
 # A private header belongs to its room: no other room and no public header may include it, but the room's tests may.

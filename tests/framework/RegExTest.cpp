@@ -89,6 +89,19 @@ TEST(RegEx, MissesNoPlaceOfALongText)
         ASSERT_EQ(allMatches(expression, longText.substr(0, place) + "x").size(), 2u) << place;
 }
 
+TEST(RegEx, FindsATextAsTheEngineWould)
+{
+    const std::string text = "Aab\n.aB aab-A@b\xC4\xE4 a.b A.B@@aabaab";
+    for (const std::string pattern :
+        { "a", "AAB", "\\.ab", "a@b", "ab-a", "\\.", "@", "b@@a", " a", "zz", "aabaab" }) {
+        RegEx literal;
+        literal.setSearchPattern(pattern);
+        RegEx expression; // the brackets make it one that is no mere text
+        expression.setSearchPattern("(?:" + pattern + ")");
+        EXPECT_EQ(allMatches(literal, text), allMatches(expression, text)) << pattern;
+    }
+}
+
 TEST(RegEx, GoesOnInATemporaryTextAndAfterAChangeOfPattern)
 {
     RegEx expression;

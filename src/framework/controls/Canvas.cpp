@@ -5,9 +5,12 @@
 #include "framework/internal/Native.h"
 #include "framework/internal/PictureNative.h"
 
+#include <QDropEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QPainter>
 #include <QStyleOptionFocusRect>
+#include <QUrl>
 
 namespace quilvane {
 
@@ -35,6 +38,26 @@ protected:
         }
     }
 
+    void dragEnterEvent(QDragEnterEvent* event) override
+    {
+        if (event->mimeData()->hasUrls())
+            event->acceptProposedAction();
+    }
+
+    void dropEvent(QDropEvent* event) override
+    {
+        std::vector<std::optional<std::string>> paths;
+        for (const QUrl& url : event->mimeData()->urls())
+            paths.push_back(localPath(url));
+        event->acceptProposedAction();
+        QMetaObject::invokeMethod(
+            this,
+            [this, item = DragItem(std::move(paths))]() mutable {
+                m_canvas.fire("DropObject", [&] { m_canvas.DropObject(item); });
+            },
+            Qt::QueuedConnection);
+    }
+
     void mousePressEvent(QMouseEvent*) override { press(); }
 
     void keyPressEvent(QKeyEvent* event) override
@@ -46,6 +69,14 @@ protected:
     }
 
 private:
+    static std::optional<std::string> localPath(const QUrl& url)
+    {
+        if (url.scheme() != "file")
+            return std::nullopt;
+        // Not toLocalFile(): names are bytes, and not all are UTF-8.
+        return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8()).toStdString();
+    }
+
     void press()
     {
         if (m_canvas.MouseDown)
@@ -63,6 +94,12 @@ Canvas::Canvas(Window& window, std::string_view name)
 Canvas::~Canvas()
 {
     deleteWidget();
+}
+
+void Canvas::AcceptFileDrop(std::string_view)
+{
+    if (native().widget)
+        native().widget->setAcceptDrops(true);
 }
 
 void Canvas::setBackdrop(Ref<Picture> picture)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "framework/Picture.h"
+#include "framework/controls/DragItem.h"
 #include "framework/controls/RectControl.h"
 
 namespace quilvane {
@@ -19,6 +20,14 @@ public:
     /// The mouse was pressed on the canvas, or the space bar or Return while it has the keyboard. The result
     /// says whether the program has dealt with the press; nothing further follows either way.
     std::function<bool()> MouseDown;
+
+    /// Something was dropped on the canvas. It comes from the event loop once the other program has been told
+    /// that the drop is taken, so that it need not wait for what the handler does.
+    std::function<void(DragItem& item)> DropObject;
+
+    /// Lets files be dropped. `fileType` is the name of a declared file type, of which the platform takes no
+    /// notice: with one of them files of all kinds are accepted, and folders.
+    void AcceptFileDrop(std::string_view fileType);
 
     /// A nil picture leaves the canvas empty.
     void setBackdrop(Ref<Picture> picture);

@@ -20,7 +20,8 @@ namespace {
 // Relative luminance and contrast ratio as WCAG 2.1 defines them.
 double luminance(const QColor& color)
 {
-    const auto linear = [](double channel) {
+    const auto linear = [](float component) {
+        const auto channel = double(component);
         return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
     };
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());

@@ -61,6 +61,14 @@ bool FolderItem::Alias() const
     return std::filesystem::is_symlink(m_path, ignored);
 }
 
+FolderItem::Identity FolderItem::identity() const
+{
+    struct stat status { };
+    if (::stat(m_path.c_str(), &status) != 0)
+        return {};
+    return { status.st_dev, status.st_ino };
+}
+
 std::string FolderItem::Name() const
 {
     return m_path == "/" ? m_path : m_path.substr(m_path.rfind('/') + 1);

@@ -4,6 +4,7 @@
 
 #include "framework/Ref.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,14 @@ public:
     bool Directory() const;
     /// Whether this is a symbolic link, to whatever and even to nothing.
     bool Alias() const;
+
+    /// What the file system itself knows the file or folder by, links followed; all 0 where there is none.
+    struct Identity {
+        std::uint64_t device = 0;
+        std::uint64_t number = 0;
+        bool operator==(const Identity&) const = default;
+    };
+    Identity identity() const;
 
     /// The last part of the path; "/" for the root.
     std::string Name() const;

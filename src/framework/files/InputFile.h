@@ -23,6 +23,9 @@ public:
     bool isOpen() const { return m_descriptor.isOpen(); }
     void close() { m_descriptor.close(); }
 
+    /// For another process that is to read the file, from its front; -1 if none is open.
+    int descriptor() const { return m_descriptor.number(); }
+
     /// In bytes. Throws IOException.
     std::uint64_t size() const;
 

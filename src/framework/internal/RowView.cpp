@@ -118,7 +118,7 @@ void RowView::selectionChanged(const QItemSelection& selected, const QItemSelect
 QModelIndex RowView::moveCursor(CursorAction action, Qt::KeyboardModifiers)
 {
     const int current = currentIndex().isValid() ? currentIndex().row() : -1;
-    int row = current;
+    int row = 0;
     switch (action) {
     case MoveUp:
     case MoveLeft:

@@ -3,6 +3,7 @@
 #include "framework/text/CompiledPattern.h"
 
 #include "framework/exceptions.h"
+#include "framework/text/LiteralText.h"
 
 #include <algorithm>
 #include <array>
@@ -96,6 +97,8 @@ Clock::duration timeFor(std::size_t textSize)
 struct CompiledPattern::Native {
     Owned<pcre2_code> code;
     Owned<pcre2_match_data> matchData;
+    std::optional<LiteralText> literal; // if the pattern is one; it is then searched without PCRE2
+    std::array<std::size_t, 2> literalMatch{};
 
     int match(std::string_view text, std::size_t start, std::uint32_t options) const
     {
@@ -135,6 +138,7 @@ CompiledPattern::CompiledPattern(std::string pattern)
         throw RegExSearchPatternException(m_pattern, messageFor(error), offset);
     // A pattern that can't be translated for the machine is interpreted, so a failure is none.
     pcre2_jit_compile(m_native->code.get(), PCRE2_JIT_COMPLETE);
+    m_native->literal = LiteralText::of(m_pattern);
     m_native->matchData = owned(pcre2_match_data_create_from_pattern(m_native->code.get(), nullptr));
 }
 
@@ -143,6 +147,13 @@ CompiledPattern::~CompiledPattern() = default;
 std::span<const std::size_t> CompiledPattern::run(
     std::string_view text, std::size_t start, EmptyAtStart empty) const
 {
+    if (m_native->literal) {
+        const std::size_t found = m_native->literal->find(text, start);
+        if (found == std::string_view::npos)
+            return {};
+        m_native->literalMatch = { found, found + m_native->literal->size() };
+        return m_native->literalMatch;
+    }
     std::uint32_t options = empty == EmptyAtStart::Skipped ? PCRE2_NOTEMPTY_ATSTART : 0;
     std::optional<Clock::time_point> deadline;
     while (true) {

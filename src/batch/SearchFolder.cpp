@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Search Folder, and its second entry.
+
+#include "app/Window1.h"
+
+#include "batch/runRules.h"
+#include "framework/Application.h"
+#include "framework/dialogs/dialogs.h"
+
+namespace quilvane {
+
+void Window1::importFolderBtn_Action()
+{
+    searchStop.setValue(false);
+    ProgressText.setText("");
+    searchStop.setEnabled(true); // and never off again
+    itemArrayZ.clear();
+    resultArray.clear();
+    subFolderArrayZ.clear();
+    // rCounter is not reset: the count goes on from the run before.
+    Ref<FolderItem> current;
+    if (const Ref<FolderItem> folder = SelectFolder()) {
+        if (folder->Directory() && !classifyChildren(*folder, searchFolderRules, current))
+            return;
+        startWorker();
+    }
+    // Behind a cancelled dialog as well.
+    walkSubfolders(searchFolderRules, current);
+    flushResultArray();
+    checkDuplicates();
+    setFinishMessage(ProgressText);
+    setTotalLabel();
+    Thread1.Kill();
+    endRun();
+}
+
+void Window1::PushButton1_Action()
+{
+    Ref<FolderItem> current;
+    if (const Ref<FolderItem> folder = SelectFolder()) {
+        if (folder->Directory() && !classifyChildren(*folder, secondEntryRules, current))
+            return;
+        startWorker();
+    }
+    walkSubfolders(secondEntryRules, current);
+    flushResultArray();
+    Thread1.Kill();
+    checkDuplicates();
+    setTotalLabel();
+    // No finish message, and what the walk has hidden stays hidden.
+    ProgressText.setText("");
+    Timer1.setEnabled(false);
+}
+
+bool Window1::classifyChildren(const FolderItem& folder, const RunRules& rules, Ref<FolderItem>& current)
+{
+    for (int i = 1; i <= folder.Count(); ++i) {
+        current = folder.Item(i);
+        if ((rules.walksEveryFolder || subFolderSearch.Value()) && current->Directory()
+            && (rules.walksEveryFolder || !current->Alias()))
+            subFolderArrayZ.push_back(current->NativePath());
+        if (!current)
+            return false;
+        // A folder's name is looked at like a file's: old.txt is listed, and not read.
+        const std::string name = current->Name();
+        const bool isLeftOut = rules.leftOut && nameHas(rules.leftOut, name);
+        for (const char* pattern : rules.listedNames) {
+            if (!isLeftOut && nameHas(pattern, name))
+                itemArrayZ.push_back(current->NativePath());
+        }
+        yieldToThreads();
+    }
+    return true;
+}
+
+void Window1::startWorker()
+{
+    ProgressText.setVisible(true);
+    Timer1.setEnabled(true);
+    Thread1.Run();
+}
+
+void Window1::endRun()
+{
+    ProgressText.setVisible(true);
+    myProgressText = "Finished searching."; // not seen: the timer that would show it stops here
+    Timer1.setEnabled(false);
+    resultArray.clear();
+    EnableMenuItems();
+}
+
+} // namespace quilvane

@@ -1,0 +1,135 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The folders below a searched folder, read on the main stack while the event loop gets its turns.
+
+#include "app/Window1.h"
+
+#include "batch/runRules.h"
+#include "framework/Application.h"
+#include "framework/dialogs/dialogs.h"
+#include "framework/text/strings.h"
+
+namespace quilvane {
+
+namespace {
+
+/// How long the event loop may run at a time, in milliseconds. It returns as soon as nothing is left to do.
+constexpr int spell = 30;
+
+} // namespace
+
+/// The folders from the searched one down to that in hand. A link may lead to one of them; it is not entered
+/// again.
+struct Window1::WalkedFolder {
+    FolderItem::Identity identity;
+    const WalkedFolder* above;
+
+    bool isBelowItself() const
+    {
+        for (const WalkedFolder* each = above; each; each = each->above) {
+            if (each->identity == identity)
+                return true;
+        }
+        return false;
+    }
+};
+
+void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
+{
+    for (std::size_t i = 0; i < subFolderArrayZ.size(); ++i) {
+        if (stopSwitch) {
+            Thread1.Kill();
+            MsgBox("Search was stopped.");
+            searchStop.setValue(false);
+            flushResultArray();
+            break;
+        }
+        // The name is that of the item before: at first of the last child looked at, which need not be a
+        // folder.
+        myProgressText
+            = searchingText(i + std::size_t(rules.firstNumber), subFolderArrayZ.size(), current->Name());
+        nextOne = progressValue(i, subFolderArrayZ.size());
+        current = GetFolderItem(subFolderArrayZ[i]);
+        if (!rules.asksAgain || subFolderSearch.Value())
+            doSubfolder(current);
+        yieldToThreads();
+    }
+}
+
+void Window1::doSubfolder(const Ref<FolderItem>& folder)
+{
+    walkFolder(folder, nullptr);
+}
+
+void Window1::walkFolder(const Ref<FolderItem>& folder, const WalkedFolder* above)
+{
+    std::vector<std::string> files;
+    std::vector<std::string> subfolders;
+    WalkedFolder here{ {}, above };
+    if (folder) {
+        here.identity = folder->identity();
+        if (folder->Directory() && !here.isBelowItself() && !listFolder(*folder, files, subfolders))
+            return;
+        ProgressText.setVisible(true);
+        if (!readFiles(files))
+            return;
+        ProgressText.setVisible(false);
+    }
+    for (std::size_t i = 0; i < subfolders.size(); ++i) {
+        // Both numbers are one short, on purpose.
+        myProgressText = "Checking folder " + Str(std::int64_t(i)) + " of "
+            + Str(std::int64_t(subfolders.size()) - 1) + ".";
+        walkFolder(GetFolderItem(subfolders[i]), &here);
+        yieldToThreads();
+    }
+    myProgressText = "Finished searching subfolders.";
+}
+
+/// False if a child vanished while it was asked for.
+bool Window1::listFolder(
+    const FolderItem& folder, std::vector<std::string>& files, std::vector<std::string>& subfolders)
+{
+    for (int i = 1; i <= folder.Count(); ++i) {
+        const Ref<FolderItem> child = folder.Item(i);
+        if (child->Directory()) // links to folders as well, unlike in the folder that was chosen
+            subfolders.push_back(child->NativePath());
+        if (!child)
+            return false;
+        const std::string name = child->Name();
+        for (const char* pattern : { ".txt", ".csv", ".docx" }) { // old .doc files are not read down here
+            if (nameHas(pattern, name))
+                files.push_back(child->NativePath());
+        }
+        yieldToThreads();
+    }
+    return true;
+}
+
+/// False if one of the files could not be made out.
+bool Window1::readFiles(const std::vector<std::string>& files)
+{
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const Ref<FolderItem> f = GetFolderItem(files[i]);
+        myProgressText = searchingText(i + 1, files.size(), f->Name());
+        nextOne = progressValue(i, files.size());
+        Application::DoEvents(spell);
+        if (!f) {
+            MsgBox("No file was opened.");
+            ProgressText.setText("");
+            return false;
+        }
+        const std::string extension = lastExtension(f->Name());
+        if (nameHas(".txt", extension))
+            doTextThread(f);
+        if (nameHas(".docx", extension)) {
+            doWordFolderThread(f);
+            Application::DoEvents(spell);
+        } else if (nameHas(".csv", extension) && f->OpenAsTextFile()) {
+            doCSVFolderThread(f);
+        }
+        yieldToThreads();
+    }
+    return true;
+}
+
+} // namespace quilvane

@@ -1,0 +1,139 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The worker: its body, and the readers that both it and the walk use. They touch no control.
+
+#include "app/Window1.h"
+
+#include "batch/runRules.h"
+#include "framework/Application.h"
+#include "framework/files/BinaryStream.h"
+#include "framework/files/TextInputStream.h"
+#include "framework/word/WordFileMBS.h"
+#include "scan/AddressScanner.h"
+
+namespace quilvane {
+
+namespace {
+
+/// What is found in a Word file that can't be read, once for each.
+constexpr const char* sampleAddress = "sample@example.com";
+
+constexpr const char* lockFileName = "~\\$";
+
+/// How long noThread lets the event loop run at a time, in milliseconds.
+constexpr int spell = 30;
+
+} // namespace
+
+void Window1::Thread1_Run()
+{
+    for (std::size_t i = 0; i < itemArrayZ.size(); ++i) {
+        if (stopSwitch) {
+            Thread1.Kill();
+            break;
+        }
+        const Ref<FolderItem> f = takeItem(i);
+        // The last extension counts, not the whole name: notes.txt.bak was listed and is not read.
+        const std::string extension = lastExtension(f->Name());
+        if (nameHas("\\.doc", extension))
+            doWordFolderThread(f);
+        else if (nameHas("\\.pdf", extension))
+            doPDFCheckThread(); // reads no file: it finds what the file before has left once more
+        else if (nameHas("\\.txt", extension))
+            doTextThread(f);
+        else if (nameHas("\\.csv", extension) && f->OpenAsTextFile())
+            doCSVFolderThread(f);
+        yieldToThreads();
+    }
+}
+
+void Window1::noThread()
+{
+    for (std::size_t i = 0; i < itemArrayZ.size(); ++i) {
+        if (stopSwitch) {
+            Thread1.Kill();
+            break;
+        }
+        const Ref<FolderItem> f = takeItem(i);
+        Application::DoEvents(spell);
+        const std::string extension = lastExtension(f->Name());
+        if (nameHas(".doc", extension)) {
+            doWordFolderThread(f);
+            Application::DoEvents(spell);
+        } else if (nameHas(".txt", extension)) {
+            doTextThread(f);
+            Application::DoEvents(spell);
+        } else if (nameHas(".csv", extension) && f->OpenAsTextFile()) {
+            doCSVFolderThread(f);
+            Application::DoEvents(spell);
+        }
+        yieldToThreads();
+    }
+    Application::DoEvents(spell);
+    myProgressText = "Searching subfolders.";
+}
+
+Ref<FolderItem> Window1::takeItem(std::size_t i)
+{
+    currentFile = itemArrayZ[i];
+    const Ref<FolderItem> f = GetFolderItem(itemArrayZ[i]);
+    myProgressText = searchingText(i + 1, itemArrayZ.size(), f->Name());
+    counter = std::int64_t(i);
+    nextOne = progressValue(i, itemArrayZ.size());
+    return f;
+}
+
+void Window1::doTextThread(const Ref<FolderItem>& f)
+{
+    setSearchText({});
+    currentFile = f->Name();
+    const Ref<TextInputStream> stream = f->OpenAsTextFile();
+    if (!stream)
+        return;
+    setSearchText(stream->ReadAll());
+    stageMatches();
+    stream->Close();
+}
+
+void Window1::doCSVFolderThread(const Ref<FolderItem>& f)
+{
+    const Ref<FolderItem> file = GetFolderItem(f->NativePath());
+    if (!file)
+        return;
+    setSearchText({});
+    const Ref<TextInputStream> stream = file->OpenAsTextFile();
+    setSearchText(stream->ReadAll());
+    stageMatches();
+    stream->Close();
+}
+
+void Window1::doWordFolderThread(const Ref<FolderItem>& f)
+{
+    if (nameHas(lockFileName, f->Name()))
+        return;
+    const Ref<FolderItem> file = GetFolderItem(f->NativePath());
+    const Ref<BinaryStream> stream = BinaryStream::Open(*file);
+    const Ref<WordFileMBS> document = WordFileMBS::OpenData(stream->Read(stream->Length()));
+    setSearchText(document ? document->Text() : sampleAddress);
+    stageMatches();
+    stream->Close();
+}
+
+void Window1::stageMatches()
+{
+    // A hold on the text: at a yield another reader may put its own into searchText.
+    const std::shared_ptr<const std::string> text = searchText;
+    AddressScanner scanner(*text);
+    while (const auto address = scanner.next()) {
+        resultArray.emplace_back(*address);
+        ++rCounter;
+        yieldToThreads();
+    }
+}
+
+void Window1::setSearchText(std::string text)
+{
+    searchText = std::make_shared<const std::string>(std::move(text));
+}
+
+} // namespace quilvane

@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "batch/runRules.h"
+
+#include "framework/text/RegEx.h"
+#include "framework/text/strings.h"
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace quilvane {
+
+namespace {
+
+constexpr std::array searchFolderNames{ "\\.txt", "\\.csv", "\\.doc" };
+constexpr std::array secondEntryNames{ ".txt", ".pdf", ".pdf", ".docx" };
+constexpr std::array droppedFolderNames{ "\\.txt", "\\.csv", "\\.pdf", "\\.doc" };
+
+} // namespace
+
+const RunRules searchFolderRules{ .listedNames = searchFolderNames,
+    .leftOut = "~\\$",
+    .walksEveryFolder = false,
+    .asksAgain = true,
+    .firstNumber = 1 };
+
+const RunRules secondEntryRules{ .listedNames = secondEntryNames,
+    .leftOut = nullptr,
+    .walksEveryFolder = true,
+    .asksAgain = false,
+    .firstNumber = 0 };
+
+const RunRules droppedFolderRules{ .listedNames = droppedFolderNames,
+    .leftOut = nullptr,
+    .walksEveryFolder = false,
+    .asksAgain = false,
+    .firstNumber = 1 };
+
+bool nameHas(const char* pattern, std::string_view name)
+{
+    RegEx expression;
+    expression.setSearchPattern(pattern);
+    return expression.matches(name);
+}
+
+std::string lastExtension(std::string_view name)
+{
+    return "." + Split(name, ".").back();
+}
+
+std::int64_t progressValue(std::size_t index, std::size_t count)
+{
+    const double value = (double(index) + 1) / (double(count) - 1) * 65536.0;
+    return std::isfinite(value) ? std::int64_t(value) : std::numeric_limits<std::int64_t>::min();
+}
+
+std::string searchingText(std::size_t number, std::size_t count, std::string_view name)
+{
+    return "Searching " + Str(std::int64_t(number)) + " of " + Str(std::int64_t(count)) + ": "
+        + std::string(name);
+}
+
+} // namespace quilvane

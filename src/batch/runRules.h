@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace quilvane {
+
+/// What the three ways to search a folder do differently. All of it is wanted.
+struct RunRules {
+    /// Each pattern that is found in the whole name of a child of the folder lists that child once more for
+    /// the worker: a.txt.csv stands there twice.
+    std::span<const char* const> listedNames;
+    /// Names in which this is found are not listed. Null leaves out none.
+    const char* leftOut;
+    /// Whether every folder is walked, links to folders as well, or only those that are no links, and only
+    /// while Search Subfolders is ticked.
+    bool walksEveryFolder;
+    /// Whether the walk looks at Search Subfolders again ahead of each folder.
+    bool asksAgain;
+    /// The number of the first folder in the progress text.
+    int firstNumber;
+};
+
+/// The Search Folder button. It lists no PDF files and no lock files of an open word processor.
+extern const RunRules searchFolderRules;
+/// The second entry, which no user can press. Its dots are wildcards, and it lists each PDF file twice and no
+/// delimited file.
+extern const RunRules secondEntryRules;
+/// A folder dropped on the main window.
+extern const RunRules droppedFolderRules;
+
+/// Whether `pattern`, a regular expression, is found anywhere in `name`, in any case.
+bool nameHas(const char* pattern, std::string_view name);
+
+/// A dot and what stands behind the last dot of the name; behind the dot the whole name if it has none.
+std::string lastExtension(std::string_view name);
+
+/// (index + 1) / upperBound * 65536 without its fraction; the smallest number where that is infinite, as for
+/// the only element of an array. Nobody looks at it.
+std::int64_t progressValue(std::size_t index, std::size_t count);
+
+/// "Searching 2 of 7: name"
+std::string searchingText(std::size_t number, std::size_t count, std::string_view name);
+
+} // namespace quilvane

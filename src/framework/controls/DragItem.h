@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/Ref.h"
+#include "framework/files/FolderItem.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quilvane {
+
+/// What was dropped, item by item: look at the item in hand, then ask for the next. The first is in hand at
+/// once.
+class DragItem {
+public:
+    /// Native paths; none for an item that is no file or folder.
+    explicit DragItem(std::vector<std::optional<std::string>> paths)
+        : m_paths(std::move(paths))
+    {
+    }
+
+    bool FolderItemAvailable() const { return m_current < m_paths.size() && m_paths[m_current]; }
+
+    /// The file or folder in hand; nil if the item is none.
+    Ref<quilvane::FolderItem> FolderItem() const
+    {
+        return FolderItemAvailable() ? GetFolderItem(*m_paths[m_current]) : Ref<quilvane::FolderItem>();
+    }
+
+    /// False, and the last item stays in hand, when there is no further one.
+    bool NextItem()
+    {
+        if (m_current + 1 >= m_paths.size())
+            return false;
+        ++m_current;
+        return true;
+    }
+
+private:
+    std::vector<std::optional<std::string>> m_paths;
+    std::size_t m_current = 0;
+};
+
+} // namespace quilvane

@@ -1,0 +1,120 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/word/documentText.h"
+
+#include "framework/text/htmlText.h"
+#include "framework/word/CompoundFile.h"
+#include "framework/word/binaryWord.h"
+#include "framework/word/openXml.h"
+#include "framework/word/rtf.h"
+#include "framework/word/textRuns.h"
+
+#include <array>
+#include <cstddef>
+
+namespace quilvane {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::string_view zipMark = "PK\3\4"sv;
+
+/// The first characters in lower case, without blanks, byte order mark and the zero bytes of UTF-16.
+std::string beginning(std::string_view bytes)
+{
+    constexpr std::size_t farEnough = 4096;
+    constexpr std::string_view passedOver = "\0\t\n\r \xEF\xBB\xBF\xFE\xFF"sv;
+    std::string result;
+    for (const char c : bytes.substr(0, farEnough)) {
+        if (passedOver.find(c) == std::string_view::npos)
+            result += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return result;
+}
+
+bool looksLikeHtml(std::string_view begin)
+{
+    constexpr std::array marks{ "<html"sv, "<!doctypehtml"sv, "<head>"sv, "<body"sv };
+    for (const std::string_view mark : marks) {
+        if (begin.find(mark) != std::string_view::npos)
+            return true;
+    }
+    return false;
+}
+
+/// As a compound file keeps a stream's name in its directory: UTF-16, little-endian.
+std::string directoryName(std::string_view name)
+{
+    std::string result;
+    for (const char c : name) {
+        result += c;
+        result += '\0';
+    }
+    return result;
+}
+
+/// Whether a compound file that can't be opened was a Word document, and one that is not encrypted. The name
+/// of its stream tells, wherever it stands, or the begin of that stream ([MS-DOC], section 2.5.1).
+bool holdsPlainWord(std::string_view bytes)
+{
+    if (bytes.find(directoryName("EncryptedPackage")) != std::string_view::npos)
+        return false;
+    constexpr std::size_t sectorSize = 512;
+    constexpr std::string_view streamMarks[] = { "\xEC\xA5"sv, "\xDC\xA5"sv, "\xDB\xA5"sv };
+    for (std::size_t at = sectorSize; at + 12 <= bytes.size(); at += sectorSize) {
+        for (const std::string_view mark : streamMarks) {
+            constexpr char encrypted = 1;
+            if (bytes.substr(at).starts_with(mark))
+                return !(bytes[at + 11] & encrypted);
+        }
+    }
+    return bytes.find(directoryName("WordDocument")) != std::string_view::npos;
+}
+
+std::optional<std::string> compoundText(std::string_view bytes)
+{
+    std::optional<std::string> text = textOfBinaryWord(bytes);
+    if (!text && holdsPlainWord(bytes)) {
+        text = textRuns(bytes);
+        if (text->empty())
+            text.reset();
+    }
+    return text;
+}
+
+std::optional<std::string> markupText(std::string_view bytes, ReadingBudget& budget)
+{
+    const std::string begin = beginning(bytes);
+    if (!begin.starts_with('<'))
+        return std::nullopt;
+    std::optional<std::string> text = textOfFlatXml(bytes, budget);
+    if (!text && looksLikeHtml(begin))
+        text = htmlBodyText(bytes, MailtoLinks::Append);
+    return text;
+}
+
+std::optional<std::string> textOfAnyKind(std::string_view bytes, ReadingBudget& budget)
+{
+    if (bytes.starts_with(zipMark))
+        return textOfOpenXml(bytes, budget);
+    if (CompoundFile::isCompoundFile(bytes))
+        return compoundText(bytes);
+    if (std::optional<std::string> text = textOfRtf(bytes))
+        return text;
+    return markupText(bytes, budget);
+}
+
+} // namespace
+
+std::optional<std::string> documentText(std::string_view bytes, ReadingBudget& budget)
+{
+    if (budget.depth == 0)
+        return std::nullopt;
+    --budget.depth;
+    std::optional<std::string> text = textOfAnyKind(bytes, budget);
+    ++budget.depth;
+    return text;
+}
+
+} // namespace quilvane

@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/word/ReadingBudget.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quilvane {
+
+/// The text, UTF-8, of a document of any kind that Word opens: what kind it is shows in its bytes. Of a
+/// damaged one, what text is left. Nothing for bytes that are no such document, and for an encrypted one.
+std::optional<std::string> documentText(std::string_view bytes, ReadingBudget& budget);
+
+} // namespace quilvane

@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/pdf/DynaPDFMBS.h"
+
+namespace quilvane {
+
+/// The PDF engine of one document, with the dialog that asks the user what to do about its errors and
+/// warnings.
+class MyDynaPDFMBS : public DynaPDFMBS {
+public:
+    /// No more warnings for this document; errors are shown all the same.
+    bool IgnoreWarnings = false;
+
+protected:
+    int Event_Error(int errorCode, const std::string& errorMessage, int errorType) override;
+};
+
+} // namespace quilvane

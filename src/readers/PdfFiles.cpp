@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Window1.h"
+
+#include "framework/dialogs/dialogs.h"
+#include "framework/files/displayName.h"
+#include "framework/text/strings.h"
+#include "readers/MyDynaPDFMBS.h"
+
+namespace quilvane {
+
+void Window1::doPDF(const Ref<FolderItem>& f)
+{
+    // Held for the whole run: a dialog of the engine runs the event loop, in which another run may replace
+    // `pdf`.
+    const auto engine = Ref<MyDynaPDFMBS>::make();
+    pdf = engine;
+    engine->CreateNewPDF();
+    engine->SetImportFlags(0x80000000);
+    const Ref<FolderItem> file = GetFolderItem(f->NativePath());
+    // None of the messages ends the run: each failed step is followed by the next one.
+    if (!file || !file->Exists())
+        MsgBox(displayPath(file->Name())
+            + " does not seem to be a valid PDF file. Please change code to point to a pdf file.");
+    if (engine->OpenImportFile(*file) != 0)
+        MsgBox(displayPath(file->Name()) + " could not be opened. There was an error loading pdf");
+    engine->ImportPDFFile(1);
+    Slider1.setMaximum(engine->GetPageCount() - 1);
+    Load(1);
+    for (int index = 0; index <= engine->GetPageCount() - 1; ++index) {
+        Slider1.setValue(index); // loads the page, unless the slider stands there already
+        setSearchText(*searchText + " " + searchText2);
+        yieldToThreads();
+    }
+    doPDFCheckThread();
+    setFinishMessage(ProgressText);
+}
+
+void Window1::Load(int pageNumber)
+{
+    // So each page drops those before it, and of a document its last page alone is scanned. It has always
+    // been so.
+    setSearchText({});
+    const Ref<MyDynaPDFMBS> engine = pdf;
+    if (!engine->EditPage(pageNumber)) {
+        MsgBox("Failed to edit page " + Str(pageNumber));
+        return;
+    }
+    searchText2 = engine->ExtractPageText(false);
+    engine->EndPage();
+}
+
+void Window1::Slider1_ValueChanged()
+{
+    Load(int(Slider1.Value()) + 1);
+}
+
+void Window1::doPDFCheckThread()
+{
+    if (!searchText->empty())
+        stageMatches();
+}
+
+void Window1::doPDFCheck()
+{
+    if (TextField1.Text().empty())
+        return;
+    rCounter = 0;
+    addMatchesToList(TextField1.Text(), Counting::On);
+    enableButtonsBehindScan();
+    setFinishMessage(ProgressText);
+    checkDuplicates();
+    setTotalLabel();
+}
+
+} // namespace quilvane

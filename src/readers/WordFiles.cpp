@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Window1.h"
+
+#include "framework/files/BinaryStream.h"
+#include "framework/files/displayName.h"
+#include "framework/text/strings.h"
+#include "framework/word/WordFileMBS.h"
+
+namespace quilvane {
+
+namespace {
+
+/// Nil, with the file's name and the reason, for what is no Word document, lock files of an open one
+/// included.
+Ref<WordFileMBS> openDocument(const FolderItem& file, BinaryStream& stream)
+{
+    const Ref<WordFileMBS> document = WordFileMBS::OpenData(stream.Read(stream.Length()));
+    if (!document)
+        return Ref<WordFileMBS>::nil(
+            "The file \"" + displayPath(file.NativePath()) + "\" could not be read. " + document.whyNil());
+    return document;
+}
+
+} // namespace
+
+void Window1::doWord(const Ref<FolderItem>& f)
+{
+    rCounter = 0;
+    const Ref<FolderItem> file = GetFolderItem(f->NativePath());
+    const Ref<BinaryStream> stream = BinaryStream::Open(*file);
+    const Ref<WordFileMBS> document = openDocument(*file, *stream);
+    TextField1.setText(document->Text());
+    addMatchesToList(TextField1.Text(), Counting::On);
+    enableButtonsBehindScan();
+    setFinishMessage(ProgressText);
+    stream->Close();
+    checkDuplicates();
+    setTotalLabel();
+}
+
+void Window1::doWordFolder(const Ref<FolderItem>& f)
+{
+    const Ref<FolderItem> file = GetFolderItem(f->NativePath());
+    const Ref<BinaryStream> stream = BinaryStream::Open(*file);
+    const Ref<WordFileMBS> document = openDocument(*file, *stream);
+    TextField1.setText(document->Text());
+    addMatchesToList(TextField1.Text(), Counting::Off);
+    enableButtonsBehindScan();
+    // Told by the rows, ahead of the removal, and in words of its own.
+    const std::size_t rows = Listbox1.ListCount();
+    results.setText(rows > 0 ? Str(std::int64_t(rows)) + " Entries" : "No email addresses detected.");
+    results.setVisible(true);
+    filterBtn.setEnabled(rows > 0);
+    clearBtn.setEnabled(rows > 0);
+    stream->Close();
+    checkDuplicates();
+    setTotalLabel();
+}
+
+} // namespace quilvane

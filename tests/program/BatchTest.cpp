@@ -1,0 +1,268 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program/ProgramTest.h"
+
+#include "batch/runRules.h"
+#include "framework/EventGuard.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+
+namespace quilvane {
+
+namespace {
+
+using Rows = std::vector<std::string>;
+
+const std::string none = "Finished searching. No email addresses detected.";
+
+std::string found(int count)
+{
+    return "Finished searching. " + std::to_string(count) + " emails detected. Duplicates removed.";
+}
+
+} // namespace
+
+class BatchTest : public ProgramTest {
+protected:
+    void searchFolder(const std::string& path)
+    {
+        desktop.willSelect(path);
+        window().importFolderBtn.Push();
+    }
+
+    void drop(const std::vector<std::string>& paths)
+    {
+        DragItem item({ paths.begin(), paths.end() });
+        window().Canvas1.DropObject(item);
+    }
+
+    /// The rows in order of the alphabet: folders are read in the order of the file system.
+    Rows sortedRows()
+    {
+        Rows texts = rows();
+        std::sort(texts.begin(), texts.end());
+        return texts;
+    }
+};
+
+TEST_F(BatchTest, whichFilesAreReadDependsOnWhereTheyLie)
+{
+    struct Case {
+        const char* file;
+        int matchesChosen; // in the folder that was chosen: matches counted, so reads of one file
+        int matchesDropped; // in a folder that was dropped
+        int matchesBelow; // in a folder below
+    };
+    const Case cases[] = {
+        { "a.txt", 1, 1, 1 },
+        { "A.CSV", 1, 1, 1 },
+        { "mytxt", 0, 0, 1 }, // there a dot stands for any character
+        { "notes.txt.bak", 0, 0, 0 }, // listed, but the last extension is another
+        { "a.csv.txt", 2, 2, 2 }, // listed twice
+        { "~$lock.txt", 0, 1, 1 }, // a lock file only where it was chosen
+        { "a.tsv", 0, 0, 0 },
+        { "a.png", 0, 0, 0 },
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.file);
+        const TempFolder tree;
+        tree.write(c.file, "x@y.org");
+        window().rCounter = 0;
+        searchFolder(tree.path());
+        EXPECT_EQ(window().rCounter, c.matchesChosen) << "chosen";
+        drop({ tree.path() });
+        EXPECT_EQ(window().rCounter, c.matchesDropped) << "dropped";
+
+        const TempFolder above;
+        above.write(std::string("below/") + c.file, "x@y.org");
+        window().rCounter = 0;
+        searchFolder(above.path());
+        EXPECT_EQ(window().rCounter, c.matchesBelow) << "below";
+    }
+}
+
+TEST_F(BatchTest, searchFolderReadsTheWholeTree)
+{
+    const TempFolder tree;
+    tree.write("one.txt", "a@y.org, A@Y.org");
+    tree.write("sub/two.csv", "b@y.org");
+    tree.write("sub/deep/er/three.txt", "c@y.org");
+    tree.makeFolder("empty.txt");
+    searchFolder(tree.path());
+
+    Window1& w = window();
+    Rows expected{ "a@y.org", "b@y.org", "c@y.org" };
+    EXPECT_EQ(sortedRows(), expected);
+    EXPECT_EQ(w.ProgressText.Text(), found(4));
+    EXPECT_EQ(w.results.Text(), "Total: 3 entries.");
+    EXPECT_TRUE(w.ProgressText.Visible());
+    EXPECT_TRUE(w.searchStop.Enabled());
+    EXPECT_FALSE(w.Timer1.Enabled());
+    EXPECT_TRUE(w.resultArray.empty());
+    settle();
+    EXPECT_EQ(w.ProgressText.Text(), found(4)) << "the timer is off before it could overwrite the text";
+
+    searchFolder(tree.path());
+    EXPECT_EQ(w.ProgressText.Text(), found(8)) << "the count goes on from the run before";
+    EXPECT_EQ(sortedRows(), expected);
+
+    desktop.willCancelSelect();
+    w.importFolderBtn.Push();
+    EXPECT_EQ(w.ProgressText.Text(), found(8)) << "a cancelled dialog ends in the same words";
+}
+
+TEST_F(BatchTest, subfoldersOnlyWhileTheBoxIsTicked)
+{
+    const TempFolder tree;
+    tree.write("one.txt", "a@y.org");
+    tree.write("sub/two.txt", "b@y.org");
+    window().subFolderSearch.setValue(false);
+    searchFolder(tree.path());
+    drop({ tree.path() });
+    EXPECT_EQ(rows(), Rows{ "a@y.org" });
+    desktop.willSelect(tree.path());
+    window().PushButton1.Push(); // walks them whatever the box says, and reads no .csv
+    EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b@y.org" }));
+    EXPECT_FALSE(window().ProgressText.Visible()) << "this entry leaves it as the walk left it";
+}
+
+TEST_F(BatchTest, treesThatAreNoTrees)
+{
+    const TempFolder tree;
+    tree.write("sub/one.txt", "a@y.org");
+    const std::filesystem::path root = tree.path();
+    std::filesystem::create_directory_symlink(root / "sub", root / "sub/loop");
+    std::filesystem::create_directory_symlink(
+        root / "sub", root / "alias"); // in the chosen folder: not walked
+    std::filesystem::create_symlink(root / "nowhere", root / "sub/dangling.txt");
+    ASSERT_EQ(mkfifo((tree / "sub/pipe.txt").c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo((tree / "pipe.csv").c_str(), 0600), 0);
+    tree.write("sub/no\xff utf\n/no\xfe.txt", "b@y.org");
+    std::string deep = "sub";
+    for (int level = 0; level < 1000; ++level)
+        deep += "/d";
+    tree.write(deep + "/bottom.txt", "c@y.org");
+    searchFolder(tree.path());
+    EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b@y.org", "c@y.org" }));
+}
+
+TEST_F(BatchTest, stopIsSeenBetweenTheFolders)
+{
+    const TempFolder tree;
+    for (const char* sub : { "one", "two" }) {
+        for (const char* file : { "/a.txt", "/b.txt" })
+            tree.write(sub + std::string(file), sub + std::string("@y.org"));
+    }
+    // As a click that comes while the first folder is walked.
+    Timer click("click", 0);
+    click.Action = [&] {
+        click.setEnabled(false);
+        window().searchStop.setValue(true);
+    };
+    click.setEnabled(true);
+    desktop.willSelect(tree.path());
+    desktop.willShow("Search was stopped.");
+    window().importFolderBtn.Push();
+    EXPECT_EQ(rows().size(), 1U) << "the folder in hand is read to its end, the other one not at all";
+    EXPECT_EQ(window().rCounter, 2);
+    EXPECT_FALSE(window().searchStop.Value());
+    EXPECT_FALSE(window().stopSwitch);
+}
+
+TEST_F(BatchTest, stopWithoutSubfoldersIsSilent)
+{
+    const TempFolder tree;
+    tree.write("a.txt", "a@y.org");
+    tree.write("b.txt", "b@y.org");
+    const ThreadSlice slice(1);
+    desktop.willSelect(tree.path());
+    window().importFolderBtn.Push();
+    EXPECT_FALSE(window().Thread1.isRunning()) << "with slices of one yield it is killed where it stands";
+    window().searchStop.setValue(true);
+    window().Thread1.Run();
+    EXPECT_FALSE(window().Thread1.isRunning()) << "the worker sees the stop before its first file";
+    EXPECT_TRUE(window().searchStop.Value());
+}
+
+TEST_F(BatchTest, everyInterleavingFindsTheSameOrLess)
+{
+    const TempFolder tree;
+    Rows all;
+    for (int i = 0; i < 20; ++i) {
+        const std::string name = "f" + std::to_string(i);
+        all.push_back(name + "@y.org");
+        all.push_back("sub" + name + "@y.org");
+        tree.write(name + ".txt", all[all.size() - 2]);
+        tree.write("sub/" + name + ".txt", all.back());
+    }
+    std::sort(all.begin(), all.end());
+    for (const unsigned yields : { 1U, 2U, 3U, 7U, 1000U }) {
+        SCOPED_TRACE(yields);
+        window().clearBtn_Action();
+        const ThreadSlice slice(yields);
+        searchFolder(tree.path());
+        const Rows got = sortedRows();
+        EXPECT_TRUE(std::includes(all.begin(), all.end(), got.begin(), got.end()));
+        EXPECT_GE(got.size(), 20U) << "the walk runs to its end whatever becomes of the worker";
+        EXPECT_FALSE(window().Thread1.isRunning());
+    }
+}
+
+TEST_F(BatchTest, aSecondRunWhileTheWorkerRunsIsReportedAndTheFirstGoesOn)
+{
+    const TempFolder tree;
+    for (int i = 0; i < 50; ++i)
+        tree.write("f" + std::to_string(i) + ".txt", "a@y.org b@y.org");
+    tree.write("sub/c.txt", "c@y.org");
+    const ThreadSlice slice(1);
+    Timer again("again", 0);
+    again.Action = [&] {
+        again.setEnabled(false);
+        desktop.willSelect(tree.path());
+        desktop.willReport({ "running", "importFolderBtn_Action" });
+        window().importFolderBtn.Push();
+    };
+    again.setEnabled(true);
+    searchFolder(tree.path());
+    const Rows got = sortedRows();
+    EXPECT_NE(std::find(got.begin(), got.end(), "c@y.org"), got.end());
+    EXPECT_EQ(handlerDepth(), 0);
+}
+
+TEST_F(BatchTest, dropsOfFilesAndFolders)
+{
+    const TempFolder tree;
+    const std::string text = tree.write("one.txt", "a@y.org b@y.org");
+    const std::string rtf = tree.write("mytxt.rtf", "c@y.org"); // its name holds txt behind a character
+    const std::string picture = tree.write("a.png", "d@y.org");
+    const std::string folderOne = tree.makeFolder("f1");
+    tree.write("f1/e.txt", "e@y.org");
+    tree.write("f2/f.csv", "f@y.org");
+
+    drop({ picture });
+    EXPECT_EQ(window().ProgressText.Text(), none);
+    EXPECT_FALSE(window().filterBtn.Enabled());
+    drop({ text });
+    EXPECT_EQ(window().ProgressText.Text(), found(2));
+    EXPECT_EQ(window().results.Text(), "Total: 2 entries.");
+    drop({ rtf, folderOne, tree / "f2" });
+    EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b@y.org", "c@y.org", "e@y.org", "f@y.org" }));
+    EXPECT_EQ(window().rCounter, 4) << "the second folder's run reads the first one's file again";
+    EXPECT_FALSE(window().Timer1.Enabled());
+    EXPECT_TRUE(window().searchStop.Enabled());
+}
+
+TEST_F(BatchTest, numbersNobodyShows)
+{
+    EXPECT_EQ(progressValue(0, 1), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(progressValue(0, 3), 32768);
+    EXPECT_EQ(progressValue(2, 3), 98304);
+    EXPECT_EQ(lastExtension("a.b.c"), ".c");
+    EXPECT_EQ(lastExtension("noext"), ".noext");
+}
+
+} // namespace quilvane
