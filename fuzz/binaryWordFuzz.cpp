@@ -5,6 +5,7 @@
 
 #include "framework/word/binaryWord.h"
 #include "framework/word/rtf.h"
+#include "framework/word/textRuns.h"
 #include "support/WordFileBuilder.h"
 
 #include <string>
@@ -16,6 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     quilvane::textOfBinaryWord(bytes);
     quilvane::textOfBinaryWord("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1"s + bytes);
     quilvane::textOfRtf("{\\rtf1" + bytes);
+    quilvane::textRuns(bytes);
 
     const std::size_t half = size / 2;
     for (const char* version : { "\xEC\xA5\xC1", "\xDC\xA5\x68" }) {

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/word/binaryWord.h"
+#include "framework/word/WordFileMBS.h"
 #include "framework/word/rtf.h"
 #include "framework/word/textRuns.h"
 #include "support/TempFolder.h"
@@ -37,17 +38,17 @@ bool holdsAddress(const std::string& text, const std::string& address)
 
 TEST(BinaryWord, RealDocumentsGiveEveryAddressInOnePiece)
 {
-    for (const char* name : { "letter.doc", "letter.rtf" }) {
-        const std::string bytes = sample(name);
-        const auto text = name == std::string("letter.doc") ? textOfBinaryWord(bytes) : textOfRtf(bytes);
-        ASSERT_TRUE(text) << name;
+    for (const char* name : { "letter.doc", "letter.rtf", "letter.docx" }) {
+        const Ref<WordFileMBS> document = WordFileMBS::OpenData(sample(name));
+        ASSERT_TRUE(document) << name;
+        const std::string& text = document->Text();
         for (const char* address :
             { "body@example.com", "link@example.net", "header@example.org", "footer@example.org",
                 "footnote@example.org", "endnote@example.org", "comment@example.org", "non-break@example.org",
                 "split@example.com", "cell1@example.com", "cell2@example.com", "box@example.com" })
-            EXPECT_TRUE(holdsAddress(*text, address)) << name << ": " << address << " in\n" << *text;
-        EXPECT_EQ(text->find("deleted@"), std::string::npos) << name;
-        EXPECT_NE(text->find("— grüße aus Köln —"), std::string::npos) << name;
+            EXPECT_TRUE(holdsAddress(text, address)) << name << ": " << address << " in\n" << text;
+        EXPECT_EQ(text.find("deleted@"), std::string::npos) << name;
+        EXPECT_NE(text.find("— grüße aus Köln —"), std::string::npos) << name;
     }
 }
 
@@ -127,26 +128,24 @@ TEST(BinaryWord, OtherFilesGiveNothing)
     EXPECT_FALSE(textOfRtf(""));
 }
 
-TEST(BinaryWord, DamagedFilesGiveWhatTheyHold)
+TEST(BinaryWord, DamagedFilesGiveNothingButTheirRuns)
 {
     const std::string whole = sample("letter.doc");
     const std::size_t boxAt = whole.find(wide("box@example.com"));
     ASSERT_NE(boxAt, std::string::npos);
     for (std::size_t tenth = 0; tenth < 10; ++tenth) {
         const std::string_view cut = std::string_view(whole).substr(0, whole.size() * tenth / 10);
-        const std::string text = trimmed(textOfBinaryWord(cut));
-        EXPECT_TRUE(cut.size() < boxAt + 100 || holdsAddress(text, "box@example.com"))
-            << tenth << ": " << text;
+        EXPECT_FALSE(textOfBinaryWord(cut)) << tenth;
+        EXPECT_EQ(holdsAddress(textRuns(cut), "box@example.com"), cut.size() > boxAt + 30) << tenth;
         textOfRtf(sample("letter.rtf").substr(0, cut.size()));
     }
 
-    // Without its table stream, and with one that holds no pieces.
     Document document{ { { "kept@example.org" } } };
     document.tableName = "2Table";
-    EXPECT_NE(trimmed(textOfBinaryWord(document.bytes())).find("kept@example.org"), std::string::npos);
+    EXPECT_FALSE(textOfBinaryWord(document.bytes())) << "no table stream";
     document.tableName = "0Table";
     document.hasPieceTable = false;
-    EXPECT_NE(trimmed(textOfBinaryWord(document.bytes())).find("kept@example.org"), std::string::npos);
+    EXPECT_FALSE(textOfBinaryWord(document.bytes())) << "no piece table";
 }
 
 /// Each ends, and none does harm; what they give does not count.
@@ -165,7 +164,7 @@ TEST(BinaryWord, ForgedFilesEnd)
     textOfBinaryWord(compoundFile(std::vector<std::pair<std::string, std::string>>(50'000, { "s", "" })));
 
     // Pieces that give the same text again and again, or nothing but marks.
-    for (const char content : { 'a', '\x1F', '\x13' }) {
+    for (const char content : { 'a', '\x13' }) {
         Document document;
         document.pieces.assign(60, { std::string(2, content) });
         document.pieces.front().bytes.assign(4'000'000, content); // in the stream it is the last

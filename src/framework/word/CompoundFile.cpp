@@ -68,15 +68,11 @@ std::string nameOf(std::string_view entry)
 
 } // namespace
 
-bool CompoundFile::isCompoundFile(std::string_view bytes)
-{
-    return bytes.starts_with(signature);
-}
-
 std::optional<CompoundFile> CompoundFile::open(std::string_view bytes)
 {
     const std::size_t shift = u16At(bytes, sectorShiftAt);
-    if (!isCompoundFile(bytes) || bytes.size() <= headerSize || (shift != smallShift && shift != largeShift))
+    if (!bytes.starts_with(signature) || bytes.size() <= headerSize
+        || (shift != smallShift && shift != largeShift))
         return {};
     CompoundFile file(bytes);
     file.findAllocationTable();

@@ -19,10 +19,7 @@ namespace quilvane {
 /// Whatever the bytes say, no walk is longer than the file has sectors, and none recurses.
 class CompoundFile {
 public:
-    /// Whether the bytes begin as a compound file does. open() may still find it damaged.
-    static bool isCompoundFile(std::string_view bytes);
-
-    /// Nothing if the header or the directory is damaged, or there is none.
+    /// Nothing if the bytes are no compound file, or its header or directory is damaged.
     static std::optional<CompoundFile> open(std::string_view bytes);
 
     /// Names are ASCII; case does not count.

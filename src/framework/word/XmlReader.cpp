@@ -181,12 +181,13 @@ struct XmlReader::Native {
     {
         xmlSAXHandler sax{};
         sax.initialized = XML_SAX2_MAGIC;
-        sax.startElementNs = [](void* context, const xmlChar* name, const xmlChar*, const xmlChar* uri,
-                                 int namespaceCount, const xmlChar**, int attributeCount, int,
-                                 const xmlChar** attributes) {
-            Native& native = Native::of(context);
-            native.tell([&] { native.startElement(name, uri, namespaceCount, attributeCount, attributes); });
-        };
+        sax.startElementNs
+            = [](void* context, const xmlChar* name, const xmlChar*, const xmlChar* uri, int namespaceCount,
+                  const xmlChar**, int attributeCount, int, const xmlChar** rawAttributes) {
+                  Native& native = Native::of(context);
+                  native.tell(
+                      [&] { native.startElement(name, uri, namespaceCount, attributeCount, rawAttributes); });
+              };
         sax.endElementNs = [](void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
             Native& native = Native::of(context);
             native.tell([&] { native.endElement(); });

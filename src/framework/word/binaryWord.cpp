@@ -9,7 +9,6 @@
 #include "framework/word/characterProperties.h"
 #include "framework/word/littleEndian.h"
 #include "framework/word/pieceTable.h"
-#include "framework/word/textRuns.h"
 
 #include <algorithm>
 #include <array>
@@ -198,15 +197,6 @@ private:
     std::size_t m_read = 0;
 };
 
-/// What a damaged document still holds.
-std::optional<std::string> salvaged(std::string_view bytes)
-{
-    std::string text = textRuns(bytes);
-    if (text.empty())
-        return {};
-    return text;
-}
-
 /// Nothing if it is damaged.
 std::optional<std::string> textOf(
     const WordHeader& header, const std::string& mainStream, const CompoundFile& file)
@@ -234,21 +224,16 @@ std::optional<std::string> textOf(
 
 std::optional<std::string> textOfBinaryWord(std::string_view bytes)
 {
-    if (!CompoundFile::isCompoundFile(bytes))
-        return {};
     const std::optional<CompoundFile> file = CompoundFile::open(bytes);
-    if (!file)
-        return salvaged(bytes);
-    if (file->has("EncryptedPackage") || !file->has("WordDocument"))
+    if (!file || file->has("EncryptedPackage"))
         return {};
     const std::optional<std::string> mainStream = file->stream("WordDocument");
     if (!mainStream)
-        return salvaged(bytes);
+        return {};
     const std::optional<WordHeader> header = readWordHeader(*mainStream);
     if (!header || header->isEncrypted)
         return {};
-    std::optional<std::string> text = textOf(*header, *mainStream, *file);
-    return text ? std::move(text) : salvaged(bytes);
+    return textOf(*header, *mainStream, *file);
 }
 
 } // namespace quilvane

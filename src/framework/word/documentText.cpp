@@ -3,7 +3,6 @@
 #include "framework/word/documentText.h"
 
 #include "framework/text/htmlText.h"
-#include "framework/word/CompoundFile.h"
 #include "framework/word/binaryWord.h"
 #include "framework/word/openXml.h"
 #include "framework/word/rtf.h"
@@ -11,6 +10,7 @@
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 namespace quilvane {
 
@@ -19,6 +19,7 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr std::string_view zipMark = "PK\3\4"sv;
+constexpr std::string_view compoundMark = "\xD0\xCF\x11\xE0"sv;
 
 /// The first characters in lower case, without blanks, byte order mark and the zero bytes of UTF-16.
 std::string beginning(std::string_view bytes)
@@ -54,33 +55,30 @@ std::string directoryName(std::string_view name)
     return result;
 }
 
-/// Whether a compound file that can't be opened was a Word document, and one that is not encrypted. The name
-/// of its stream tells, wherever it stands, or the begin of that stream ([MS-DOC], section 2.5.1).
-bool holdsPlainWord(std::string_view bytes)
+/// Whether a compound file that can't be read was a Word document, and one that is not encrypted. The begin
+/// of its main stream tells ([MS-DOC], section 2.5.1, and the same in earlier versions), or that stream's
+/// name.
+bool wasPlainWord(std::string_view bytes)
 {
     if (bytes.find(directoryName("EncryptedPackage")) != std::string_view::npos)
         return false;
     constexpr std::size_t sectorSize = 512;
-    constexpr std::string_view streamMarks[] = { "\xEC\xA5"sv, "\xDC\xA5"sv, "\xDB\xA5"sv };
-    for (std::size_t at = sectorSize; at + 12 <= bytes.size(); at += sectorSize) {
-        for (const std::string_view mark : streamMarks) {
-            constexpr char encrypted = 1;
-            if (bytes.substr(at).starts_with(mark))
-                return !(bytes[at + 11] & encrypted);
-        }
+    constexpr std::size_t flagsAt = 11;
+    constexpr char isEncrypted = 1;
+    for (std::size_t at = sectorSize; at + flagsAt < bytes.size(); at += sectorSize) {
+        const std::string_view mark = bytes.substr(at, 2);
+        if (mark == "\xEC\xA5" || mark == "\xDC\xA5")
+            return !(bytes[at + flagsAt] & isEncrypted);
     }
     return bytes.find(directoryName("WordDocument")) != std::string_view::npos;
 }
 
 std::optional<std::string> compoundText(std::string_view bytes)
 {
-    std::optional<std::string> text = textOfBinaryWord(bytes);
-    if (!text && holdsPlainWord(bytes)) {
-        text = textRuns(bytes);
-        if (text->empty())
-            text.reset();
-    }
-    return text;
+    if (std::optional<std::string> text = textOfBinaryWord(bytes))
+        return text;
+    std::string left = wasPlainWord(bytes) ? textRuns(bytes) : std::string();
+    return left.empty() ? std::nullopt : std::optional(std::move(left));
 }
 
 std::optional<std::string> markupText(std::string_view bytes, ReadingBudget& budget)
@@ -98,7 +96,7 @@ std::optional<std::string> textOfAnyKind(std::string_view bytes, ReadingBudget& 
 {
     if (bytes.starts_with(zipMark))
         return textOfOpenXml(bytes, budget);
-    if (CompoundFile::isCompoundFile(bytes))
+    if (bytes.starts_with(compoundMark))
         return compoundText(bytes);
     if (std::optional<std::string> text = textOfRtf(bytes))
         return text;

@@ -91,7 +91,7 @@ private:
     void readEmbedded(const std::string& name)
     {
         const ZipArchive::Entry* entry = m_archive.find(name);
-        if (!entry || !m_read.insert(entry).second)
+        if (!entry || m_budget.parts == 0 || !m_read.insert(entry).second)
             return;
         std::string bytes;
         unpack(*entry, [&bytes](std::string_view piece) {
