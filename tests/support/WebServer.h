@@ -4,16 +4,23 @@
 
 #include "support/TempFolder.h"
 
+#include <netinet/in.h>
+#include <openssl/pem.h>
+#include <openssl/ssl.h>
+#include <openssl/x509v3.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdio>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
-
-struct ssl_ctx_st;
-struct ssl_st;
 
 namespace quilvane {
 
@@ -27,44 +34,160 @@ public:
         Close,
         CutOff, // without the end of the encryption
         Stall, // nothing more comes, and the connection stays
-        Endless, // the last of the answer's bytes comes again and again
+        Endless, // the answer comes again and again
     };
 
-    explicit WebServer(Scheme scheme = Scheme::Https);
-    ~WebServer();
+    explicit WebServer(Scheme scheme = Scheme::Https)
+    {
+        if (scheme == Scheme::Https)
+            makeCertificate();
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        auto* const any = reinterpret_cast<sockaddr*>(&address);
+        socklen_t size = sizeof address;
+        require(::bind(m_listener, any, size) == 0 && ::listen(m_listener, 16) == 0
+                && ::getsockname(m_listener, any, &size) == 0,
+            "listening");
+        m_port = ntohs(address.sin_port);
+        m_acceptor = std::jthread([this](const std::stop_token& stop) { acceptAll(stop); });
+    }
+    ~WebServer()
+    {
+        m_acceptor = {};
+        ::close(m_listener);
+    }
 
-    /// `bytes` are the whole answer, header lines included. Before the first request.
-    void answer(const std::string& path, std::string bytes, Ending ending = Ending::Close);
+    /// `bytes` are the whole answer, header lines included.
+    void answer(const std::string& path, std::string bytes, Ending ending = Ending::Close)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_answers[path] = { std::move(bytes), ending };
+    }
     /// An answer with a header that fits.
-    void page(const std::string& path, const std::string& body, const std::string& moreHeaders = {});
+    void page(const std::string& path, const std::string& body, const std::string& moreHeaders = {})
+    {
+        const std::string length = "Content-Length: " + std::to_string(body.size());
+        answer(path, "HTTP/1.1 200 OK\r\n" + length + "\r\n" + moreHeaders + "\r\n" + body);
+    }
 
-    std::string url(std::string_view path, std::string_view host = "127.0.0.1") const;
+    std::string url(std::string_view path, std::string_view host = "127.0.0.1") const
+    {
+        return (m_context ? "https://" : "http://") + std::string(host) + ':' + std::to_string(m_port)
+            + std::string(path);
+    }
     /// What a client must trust.
     std::string authoritiesFile() const { return m_folder / "certificate.pem"; }
     /// The paths that were asked for, in order.
-    std::vector<std::string> requests() const;
+    std::vector<std::string> requests() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_requests;
+    }
 
 private:
     struct Answer {
         std::string bytes;
         Ending ending = Ending::Close;
     };
-    struct FreeContext {
-        void operator()(ssl_ctx_st* context) const;
-    };
 
-    void makeCertificate();
-    void listen();
-    void acceptAll(const std::stop_token& stop);
-    void serve(int socket, const std::stop_token& stop);
-    void send(const Answer& answer, ssl_st* encryption, int socket, const std::stop_token& stop) const;
+    static void require(bool succeeded, const char* what)
+    {
+        if (!succeeded)
+            throw std::runtime_error(std::string("the test's web server failed: ") + what);
+    }
+
+    /// Waits for something to read; false when the server is to end first.
+    static bool waitFor(int socket, const std::stop_token& stop)
+    {
+        pollfd waiting{ socket, POLLIN, 0 };
+        while (!stop.stop_requested())
+            if (::poll(&waiting, 1, 20) > 0)
+                return true;
+        return false;
+    }
+
+    void makeCertificate()
+    {
+        const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(EVP_EC_gen("P-256"), EVP_PKEY_free);
+        const std::unique_ptr<X509, decltype(&X509_free)> certificate(X509_new(), X509_free);
+        X509* const x509 = certificate.get();
+        X509_set_version(x509, X509_VERSION_3);
+        X509_gmtime_adj(X509_getm_notBefore(x509), -3600);
+        X509_gmtime_adj(X509_getm_notAfter(x509), 3600);
+        X509_set_pubkey(x509, key.get());
+        const unsigned char name[] = "Test server";
+        X509_NAME_add_entry_by_txt(X509_get_subject_name(x509), "CN", MBSTRING_ASC, name, -1, -1, 0);
+        X509_set_issuer_name(x509, X509_get_subject_name(x509));
+        X509_EXTENSION* const host
+            = X509V3_EXT_conf_nid(nullptr, nullptr, NID_subject_alt_name, "IP:127.0.0.1");
+        X509_add_ext(x509, host, -1);
+        X509_EXTENSION_free(host);
+        require(X509_sign(x509, key.get(), EVP_sha256()) > 0, "signing");
+
+        std::FILE* const file = std::fopen(authoritiesFile().c_str(), "w");
+        require(file && PEM_write_X509(file, x509) == 1 && std::fclose(file) == 0, "writing the certificate");
+        m_context.reset(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
+        require(SSL_CTX_use_certificate(m_context.get(), x509) == 1
+                && SSL_CTX_use_PrivateKey(m_context.get(), key.get()) == 1,
+            "using the certificate");
+    }
+
+    void acceptAll(const std::stop_token& stop)
+    {
+        std::vector<std::jthread> connections;
+        while (waitFor(m_listener, stop)) {
+            const int socket = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
+            connections.emplace_back([this, socket, stop] { serve(socket, stop); });
+        }
+    }
+
+    void serve(int socket, const std::stop_token& stop)
+    {
+        const std::unique_ptr<SSL, decltype(&SSL_free)> encryption(
+            m_context ? SSL_new(m_context.get()) : nullptr, SSL_free);
+        SSL* const ssl = encryption.get();
+        const bool ready
+            = waitFor(socket, stop) && (!ssl || (SSL_set_fd(ssl, socket) == 1 && SSL_accept(ssl) == 1));
+        std::string request;
+        char byte = 0;
+        while (ready && !request.ends_with("\r\n\r\n")
+            && (ssl ? SSL_read(ssl, &byte, 1) : ::recv(socket, &byte, 1, 0)) == 1)
+            request += byte;
+        if (request.starts_with("GET "))
+            send(answerTo(request.substr(4, request.find(' ', 4) - 4)), ssl, socket, stop);
+        ::close(socket);
+    }
+
+    /// Empty for a path that the test has not given.
+    Answer answerTo(const std::string& path)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_requests.push_back(path);
+        return m_answers[path];
+    }
+
+    static void send(const Answer& answer, SSL* ssl, int socket, const std::stop_token& stop)
+    {
+        const auto write = [&](std::string_view bytes) {
+            return (ssl ? SSL_write(ssl, bytes.data(), static_cast<int>(bytes.size()))
+                        : ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL))
+                > 0;
+        };
+        write(answer.bytes);
+        while (answer.ending == Ending::Endless && !stop.stop_requested() && write(answer.bytes)) { }
+        if (answer.ending == Ending::Stall)
+            waitFor(socket, stop);
+        if (answer.ending != Ending::CutOff && ssl)
+            SSL_shutdown(ssl);
+    }
 
     TempFolder m_folder;
-    std::map<std::string, Answer> m_answers;
-    std::unique_ptr<ssl_ctx_st, FreeContext> m_context; // null for plain http
-    int m_listener = -1;
+    std::shared_ptr<SSL_CTX> m_context; // null for plain http
+    int m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     int m_port = 0;
-    mutable std::mutex m_mutex; // guards m_requests
+    mutable std::mutex m_mutex; // guards the two below
+    std::map<std::string, Answer> m_answers;
     std::vector<std::string> m_requests;
     std::jthread m_acceptor; // first to go
 };

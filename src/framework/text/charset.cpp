@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <memory>
 #include <type_traits>
 
@@ -32,7 +33,7 @@ using Converter = std::unique_ptr<void, CloseConverter>;
 Converter openConverter(const std::string& charset)
 {
     iconv_t opened = iconv_open("UTF-8", charset.c_str());
-    return Converter(opened == iconv_t(-1) ? nullptr : opened);
+    return Converter(reinterpret_cast<std::intptr_t>(opened) == -1 ? nullptr : opened);
 }
 
 std::string_view withoutLeading(std::string_view text, std::string_view characters)
