@@ -76,12 +76,14 @@ public:
         picture(implicit<Window1>(), "start");
         searchFile("contacts.csv");
         searchFile("newsletter.txt");
-        searchFile("letter.doc");
         picture(implicit<Window1>(), "search-file");
         implicit<Window1>().exportBtn.Push();
-        printList();
+        searchFile("letter.doc");
+        searchFile("letter.docx");
+        searchFile("flyer.pdf");
         searchFolder();
-        drop("flyer.pdf");
+        drop("newsletter.txt");
+        printList();
         searchKeyword("library");
         removeDomains();
         implicit<Window1>().exportTabDelimited.Push();

@@ -79,6 +79,11 @@ void Window1::bindEvents()
     filterBtn.Action = [this] { filterBtn_Action(); };
     searchBtn.Action = [this] { searchBtn_Action(); };
     exportBtn.Action = [this] { exportBtn_Action(); };
+    importBtn.Action = [this] { importBtn_Action(); };
+    HTMLViewer1.DocumentComplete = [this](const std::string& url) { HTMLViewer1_DocumentComplete(url); };
+    HTMLViewer1.DocumentProgressChanged = [this](const std::string& url, int percentage) {
+        HTMLViewer1_DocumentProgressChanged(url, percentage);
+    };
     urlField.TextChange = [this] { urlField_TextChange(); };
     Canvas1.Open = [this] { Canvas1_Open(); };
     Canvas1.DropObject = [this](DragItem& item) { Canvas1_DropObject(item); };
@@ -124,12 +129,6 @@ void Window1::searchStop_Action()
 void Window1::Timer1_Action()
 {
     ProgressText.setText(myProgressText);
-}
-
-void Window1::urlField_TextChange()
-{
-    if (!urlField.Text().empty())
-        EnableMenuItems();
 }
 
 } // namespace quilvane

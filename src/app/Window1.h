@@ -88,6 +88,12 @@ public:
     void Load(int pageNumber);
     void Slider1_ValueChanged();
     void doWord(const Ref<FolderItem>& f);
+    void importBtn_Action();
+    /// Searches the page that urlField names, and empties the field. A page that can't be loaded leaves it.
+    void doHTML();
+    void urlField_TextChange();
+    void HTMLViewer1_DocumentComplete(const std::string& url);
+    void HTMLViewer1_DocumentProgressChanged(const std::string& url, int percentage);
     /// Nothing calls it, like doCSVFolder.
     void doWordFolder(const Ref<FolderItem>& f);
     /// Stages the addresses of the text that stands in searchText, whoever has left it there; nothing if it
@@ -128,7 +134,6 @@ public:
     void searchBtn_Action();
     void searchStop_Action();
     void Timer1_Action();
-    void urlField_TextChange();
 
 private:
     /// Whether a scan adds what it finds to rCounter.

@@ -56,6 +56,8 @@ Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
     setUncaughtThreadHandler(reportFromThread);
     // A write past the user's limit on file sizes shall fail with a reason and not end the program.
     std::signal(SIGXFSZ, SIG_IGN);
+    // So shall one to a connection or a process that has closed.
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 Runtime::~Runtime() = default;

@@ -65,6 +65,12 @@ IOException IOException::folderNotCreated(std::string_view path, int errorNumber
         "The folder \"" + displayPath(path) + "\" could not be created" + because(errorNumber));
 }
 
+ConnectionException::ConnectionException(std::string_view address, std::string_view reason)
+    : RuntimeException(
+        "The web page " + quote(address) + " could not be loaded: " + std::string(reason) + '.')
+{
+}
+
 ThreadAlreadyRunningException::ThreadAlreadyRunningException()
     : RuntimeException("The background search is still running, so it can't be started again.")
 {

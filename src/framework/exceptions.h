@@ -54,6 +54,13 @@ public:
     static IOException folderNotCreated(std::string_view path, int errorNumber);
 };
 
+/// A page of the web could not be loaded.
+class ConnectionException : public RuntimeException {
+public:
+    /// "The web page "x" could not be loaded: <reason>."
+    ConnectionException(std::string_view address, std::string_view reason);
+};
+
 /// Something needs more memory than the machine can give.
 class OutOfMemoryException : public RuntimeException {
 public:

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "framework/word/WordFileMBS.h"
 #include "framework/word/binaryWord.h"
+#include "framework/word/WordFileMBS.h"
 #include "framework/word/rtf.h"
 #include "framework/word/textRuns.h"
 #include "support/TempFolder.h"

@@ -65,6 +65,8 @@ private:
             { "slider", ControlKind::Slider, "", 0, -100, 100, 20, true, true, 0 },
         };
         place(table);
+        parked.setDefault();
+        box.setFocus();
     }
 };
 
@@ -148,6 +150,35 @@ TEST_F(ControlsTest, aParkedControlWorksButCannotBeReached)
     window->parked.setEnabled(false);
     window->parked.Push();
     EXPECT_EQ(presses, 1);
+}
+
+TEST_F(ControlsTest, keysReachTheFieldFirstAndThenTheWindowsButtons)
+{
+    std::string events;
+    window->parked.Action = [&] { events += "default "; };
+    window->field.KeyDown = [&](const std::string& key) {
+        events += key == "\r" ? "return " : key == "\x03" ? "enter " : key + " ";
+        return key == "x";
+    };
+    auto* edit = TestWindow::widget<QLineEdit>("field");
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_Return);
+    QTest::keyClick(edit, Qt::Key_Enter, Qt::KeypadModifier);
+    QTest::keyClicks(edit, "xy");
+    EXPECT_EQ(events, "return default enter default x y ");
+    EXPECT_EQ(window->field.Text(), "y") << "what the handler takes is not typed";
+
+    events.clear();
+    window->parked.setCancel();
+    QTest::keyClick(edit, Qt::Key_Escape);
+    EXPECT_EQ(events, "\x1b default ");
+    window->field.KeyDown = [&](const std::string&) {
+        window->Close();
+        return false;
+    };
+    events.clear();
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(events, "") << "a closed window has no default button any more";
 }
 
 TEST_F(ControlsTest, tabGoesByTheTable)

@@ -9,12 +9,12 @@
 
 namespace quilvane {
 
-/// A pattern that is nothing but a text to be found, ignoring ASCII case. Most keywords are, and a short row is searched
-/// for a text in a fraction of the time that it takes to enter the expression engine.
+/// A pattern that is nothing but a text to be found, ignoring ASCII case. Most keywords are, and a short row
+/// is searched for a text in a fraction of the time that it takes to enter the expression engine.
 class LiteralText {
 public:
-    /// Nothing for a pattern with an operator in it, an empty one, and one of more than 64 bytes, as the search takes
-    /// the product of both lengths at worst.
+    /// Nothing for a pattern with an operator in it, an empty one, and one of more than 64 bytes, as the
+    /// search takes the product of both lengths at worst.
     static std::optional<LiteralText> of(std::string_view pattern);
 
     /// Where the text first stands in `text` at `start` or behind it; npos if nowhere.

@@ -31,7 +31,7 @@ using Converter = std::unique_ptr<void, CloseConverter>;
 /// Null if the system does not know the character set.
 Converter openConverter(const std::string& charset)
 {
-    const iconv_t opened = iconv_open("UTF-8", charset.c_str());
+    iconv_t opened = iconv_open("UTF-8", charset.c_str());
     return Converter(opened == iconv_t(-1) ? nullptr : opened);
 }
 
@@ -67,7 +67,7 @@ std::string toUtf8(std::string_view bytes, const std::string& charset)
     std::size_t inputLeft = bytes.size();
     std::string text;
     text.reserve(bytes.size());
-    std::array<char, 16 * 1024> buffer;
+    std::array<char, 16384> buffer;
     while (inputLeft > 0) {
         char* output = buffer.data();
         std::size_t room = buffer.size();

@@ -1,0 +1,115 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Search Folder, pressed in the real window, over trees of small text files, against ripgrep on one thread
+// over the same tree with its output made unique. Files are warm.
+#include "app/App.h"
+#include "app/Window1.h"
+#include "app/startUp.h"
+#include "framework/Runtime.h"
+#include "framework/dialogs/Desktop.h"
+#include "support/benchText.h"
+#include "support/race.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace {
+
+using namespace quilvane;
+
+/// A user who always chooses the same folder.
+class ChoosingDesktop : public Desktop {
+public:
+    explicit ChoosingDesktop(std::string folder)
+        : m_folder(std::move(folder))
+    {
+        Desktop::use(this);
+    }
+    ~ChoosingDesktop() override { Desktop::use(nullptr); }
+
+    std::optional<std::string> chooseFileToOpen() override { return std::nullopt; }
+    std::optional<std::string> chooseFileToSave(std::string_view) override { return std::nullopt; }
+    std::optional<std::string> chooseFolder() override { return m_folder; }
+    void showMessage(std::string_view text) override { std::printf("%s\n", std::string(text).c_str()); }
+    MessageDialog::Button showDialog(const MessageDialog&) override { return MessageDialog::Button::Action; }
+    void showError(std::string_view what, std::string_view) override { showMessage(what); }
+    bool openWithDefaultApplication(std::string_view) override { return true; }
+
+private:
+    std::string m_folder;
+};
+
+/// Files of 4 KB, text and delimited in turn, with an address in every other line; in subfolders, or all in
+/// one.
+void makeTree(const std::filesystem::path& root, std::size_t files, std::size_t folders)
+{
+    const std::string text = makeBenchText(BenchText::Contacts, 4096 * 64);
+    for (std::size_t i = 0; i < files; ++i) {
+        const std::filesystem::path folder
+            = folders == 0 ? root : root / ("folder" + std::to_string(i % folders));
+        std::filesystem::create_directories(folder);
+        std::ofstream file(folder / ("file" + std::to_string(i) + (i % 2 ? ".txt" : ".csv")));
+        file << text.substr(4096 * (i % 64), 4096) << " own" << i << "@example.org\n";
+    }
+}
+
+std::size_t searchInWindow()
+{
+    Window1& window = implicit<Window1>();
+    window.clearBtn_Action();
+    window.rCounter = 0;
+    window.importFolderBtn.Push();
+    return window.Listbox1.ListCount();
+}
+
+/// Seconds a file.
+double compare(std::size_t files, std::size_t folders)
+{
+    const std::string root = std::filesystem::temp_directory_path() / "quilvane-bench-tree";
+    std::filesystem::remove_all(root);
+    makeTree(root, files, folders);
+    ChoosingDesktop desktop(root);
+    const std::string output = root + "-unique";
+    const std::string command = "LC_ALL=C rg --no-config -j1 -INaoi --no-unicode "
+                                "'\\b[A-Z0-9._%+-]+@[A-Z0-9.-]+\\.[A-Z]{2,}\\b' "
+        + root + " | mawk '!seen[tolower($0)]++' > " + output;
+    std::array contenders{
+        Contender{ "Search Folder", searchInWindow },
+        Contender{ "ripgrep", [&] { return std::size_t(std::system(command.c_str()) == 0); } },
+    };
+    race(contenders, 3);
+    const double ours = contenders[0].fastestSeconds;
+    const double theirs = contenders[1].fastestSeconds;
+    std::ifstream unique(output);
+    const auto lines = std::size_t(
+        std::count(std::istreambuf_iterator<char>(unique), std::istreambuf_iterator<char>(), '\n'));
+    std::printf(
+        "%6zu files in %3zu folders: %.3f s, %.1f us a file; ripgrep %.3f s; ratio %.2f goal 3 %s%s\n", files,
+        folders, ours, ours / double(files) * 1e6, theirs, ours / theirs, verdict(ours <= 3 * theirs),
+        contenders[0].result == lines ? "" : "; DIFFERENT RESULTS");
+    std::filesystem::remove_all(root);
+    std::filesystem::remove(output);
+    return ours / double(files);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    setenv("XDG_DATA_HOME", std::filesystem::temp_directory_path().c_str(), 1);
+    const Runtime runtime(argc, argv, "Quilvane");
+    const std::unique_ptr<App> application = makeApp();
+    const double few = compare(2'000, 50);
+    compare(20'000, 500);
+    compare(20'000, 0);
+    const double many = compare(100'000, 500);
+    std::printf("time a file, 100,000 files by 2,000: %.2f\n", many / few);
+    application->Quit();
+    return EXIT_SUCCESS;
+}
