@@ -84,10 +84,10 @@ void Relationships::startElement(
             isExternal = attribute.value == "External";
     }
     const std::optional<Kind> kind = kindOf(type);
-    if (!kind || (*kind == Kind::Link) != isExternal)
+    if (!kind || (isExternal && *kind != Kind::Link))
         return;
     if (m_byId.try_emplace(std::string(id), m_entries.size()).second)
-        m_entries.push_back({ *kind, isExternal ? std::string(target) : resolved(target) });
+        m_entries.push_back({ *kind, *kind == Kind::Link ? std::string(target) : resolved(target) });
 }
 
 /// The part that a target means, seen from the source's folder (RFC 3986, section 5.2.4).

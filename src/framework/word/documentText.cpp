@@ -8,6 +8,7 @@
 #include "framework/word/rtf.h"
 #include "framework/word/textRuns.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <utility>
@@ -37,11 +38,8 @@ std::string beginning(std::string_view bytes)
 bool looksLikeHtml(std::string_view begin)
 {
     constexpr std::array marks{ "<html"sv, "<!doctypehtml"sv, "<head>"sv, "<body"sv };
-    for (const std::string_view mark : marks) {
-        if (begin.find(mark) != std::string_view::npos)
-            return true;
-    }
-    return false;
+    return std::any_of(marks.begin(), marks.end(),
+        [begin](std::string_view mark) { return begin.find(mark) != std::string_view::npos; });
 }
 
 /// As a compound file keeps a stream's name in its directory: UTF-16, little-endian.

@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The text of Word documents: in one process against reading the file, and as a whole run against the
+// programs that give the same text, docx2txt and catdoc.
+// The goals are for documents of some megabytes: with a short one, a whole run is the start of a program.
+//   word_benchmark FILE...          prints the table
+//   word_benchmark --text FILE      prints the document's text
+#include "framework/files/BinaryStream.h"
+#include "framework/files/FolderItem.h"
+#include "framework/word/WordFileMBS.h"
+#include "support/race.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace quilvane;
+
+std::string bytesOf(const std::string& path)
+{
+    const Ref<BinaryStream> file = BinaryStream::Open(*GetFolderItem(path));
+    return file->Read(file->Length());
+}
+
+std::size_t wholeRun(const std::string& command)
+{
+    const int status = std::system((command + " >/dev/null 2>&1").c_str());
+    if (status != 0)
+        throw RuntimeException("This failed: " + command);
+    return 0;
+}
+
+void measure(const std::string& self, const std::string& path)
+{
+    constexpr int rounds = 15;
+    const bool isPackage = path.ends_with("x");
+    const std::string bytes = bytesOf(path);
+    std::array inProcess{
+        Contender{ "read", [&] { return bytesOf(path).size(); } },
+        Contender{ "text", [&] { return WordFileMBS::OpenData(bytes)->Text().size(); } },
+    };
+    race(inProcess, rounds);
+    const std::string file = " '" + path + "'";
+    std::array whole{
+        Contender{ "own", [&] { return wholeRun("'" + self + "' --text" + file); } },
+        Contender{
+            "other", [&] { return wholeRun(isPackage ? "docx2txt" + file + " -" : "catdoc" + file); } },
+    };
+    race(whole, rounds);
+
+    const double milliseconds = inProcess[1].fastestSeconds * 1e3;
+    const double ratio = whole[0].fastestSeconds / whole[1].fastestSeconds;
+    const double mostRatio = isPackage ? 0.5 : 1;
+    std::printf("%s: %.3f ms, %.0f times reading the file; whole run %.2f of %s's time (goal %.1f: %s)\n",
+        path.c_str(), milliseconds, inProcess[1].fastestSeconds / inProcess[0].fastestSeconds, ratio,
+        isPackage ? "docx2txt" : "catdoc", mostRatio, verdict(ratio <= mostRatio));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        if (argc == 3 && argv[1] == std::string_view("--text")) {
+            std::fputs(WordFileMBS::OpenData(bytesOf(argv[2]))->Text().c_str(), stdout);
+            return EXIT_SUCCESS;
+        }
+        for (int i = 1; i < argc; ++i)
+            measure(argv[0], argv[i]);
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}
