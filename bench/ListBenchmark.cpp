@@ -59,7 +59,7 @@ QListView& shownView()
     std::abort();
 }
 
-/// Paints the list at its start and at its end; gives the number of the last row in sight.
+/// Paints the list at its start and at its end; gives the number of the first row then in sight.
 std::size_t showAndScroll(QListView& view)
 {
     QApplication::processEvents();

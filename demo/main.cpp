@@ -8,6 +8,7 @@
 #include "app/aboutWin.h"
 #include "app/startUp.h"
 #include "filter/filterWIn.h"
+#include "framework/EventGuard.h"
 #include "framework/Runtime.h"
 #include "framework/controls/MenuBar.h"
 #include "framework/dialogs/Desktop.h"
@@ -113,8 +114,7 @@ private:
     void drop(const std::string& name)
     {
         Window1& window = implicit<Window1>();
-        DragItem item({ m_samples + '/' + name });
-        window.Canvas1.DropObject(item);
+        window.Canvas1.Drop(DragItem({ m_samples + '/' + name }));
         std::cout << "Dropped " << name << ": " << window.ProgressText.Text() << ' ' << window.results.Text()
                   << '\n';
     }
@@ -185,7 +185,7 @@ int play(int argc, char** argv)
     Timer start("demo", 0);
     start.Action = [&] {
         start.setEnabled(false);
-        demo.play();
+        runGuarded("demo", [&demo] { demo.play(); });
         application->Quit();
     };
     const int exitCode = application->Run([&start] {

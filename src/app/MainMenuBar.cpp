@@ -9,7 +9,7 @@ namespace quilvane {
 
 MainMenuBar& MainMenuBar::instance()
 {
-    static MainMenuBar bar;
+    static MainMenuBar& bar = *new MainMenuBar; // never destroyed: it would outlive the toolkit
     return bar;
 }
 

@@ -166,9 +166,9 @@ private:
     void walkSubfolders(const RunRules& rules, Ref<FolderItem>& current);
     struct WalkedFolder;
     void walkFolder(const Ref<FolderItem>& folder, const WalkedFolder* above);
-    bool listFolder(
+    void listFolder(
         const FolderItem& folder, std::vector<std::string>& files, std::vector<std::string>& subfolders);
-    bool readFiles(const std::vector<std::string>& files);
+    void readFiles(const std::vector<std::string>& files);
     void endRun();
 
     void enableButtonsBehindScan();

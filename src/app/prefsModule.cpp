@@ -37,13 +37,8 @@ void getPrefs()
 
 void savePrefs()
 {
-    const Ref<FolderItem> file = preferencesFile();
-    if (!file)
-        return;
-    const Ref<TextOutputStream> stream = file->CreateTextFile();
-    if (stream)
-        stream->WriteLine(app().delimiter);
-    // Not guarded like the writing: a file that can't be made is to be heard of.
+    const Ref<TextOutputStream> stream = preferencesFile()->CreateTextFile();
+    stream->WriteLine(app().delimiter);
     stream->Close();
 }
 

@@ -11,13 +11,6 @@
 
 namespace quilvane {
 
-namespace {
-
-/// How long the event loop may run at a time, in milliseconds. It returns as soon as nothing is left to do.
-constexpr int spell = 30;
-
-} // namespace
-
 /// The folders from the searched one down to that in hand. A link may lead to one of them; it is not entered
 /// again.
 struct Window1::WalkedFolder {
@@ -68,11 +61,10 @@ void Window1::walkFolder(const Ref<FolderItem>& folder, const WalkedFolder* abov
     WalkedFolder here{ {}, above };
     if (folder) {
         here.identity = folder->identity();
-        if (folder->Directory() && !here.isBelowItself() && !listFolder(*folder, files, subfolders))
-            return;
+        if (folder->Directory() && !here.isBelowItself())
+            listFolder(*folder, files, subfolders);
         ProgressText.setVisible(true);
-        if (!readFiles(files))
-            return;
+        readFiles(files);
         ProgressText.setVisible(false);
     }
     for (std::size_t i = 0; i < subfolders.size(); ++i) {
@@ -85,16 +77,13 @@ void Window1::walkFolder(const Ref<FolderItem>& folder, const WalkedFolder* abov
     myProgressText = "Finished searching subfolders.";
 }
 
-/// False if a child vanished while it was asked for.
-bool Window1::listFolder(
+void Window1::listFolder(
     const FolderItem& folder, std::vector<std::string>& files, std::vector<std::string>& subfolders)
 {
     for (int i = 1; i <= folder.Count(); ++i) {
         const Ref<FolderItem> child = folder.Item(i);
         if (child->Directory()) // links to folders as well, unlike in the folder that was chosen
             subfolders.push_back(child->NativePath());
-        if (!child)
-            return false;
         const std::string name = child->Name();
         for (const char* pattern : { ".txt", ".csv", ".docx" }) { // old .doc files are not read down here
             if (nameHas(pattern, name))
@@ -102,34 +91,26 @@ bool Window1::listFolder(
         }
         yieldToThreads();
     }
-    return true;
 }
 
-/// False if one of the files could not be made out.
-bool Window1::readFiles(const std::vector<std::string>& files)
+void Window1::readFiles(const std::vector<std::string>& files)
 {
     for (std::size_t i = 0; i < files.size(); ++i) {
         const Ref<FolderItem> f = GetFolderItem(files[i]);
         myProgressText = searchingText(i + 1, files.size(), f->Name());
         nextOne = progressValue(i, files.size());
-        Application::DoEvents(spell);
-        if (!f) {
-            MsgBox("No file was opened.");
-            ProgressText.setText("");
-            return false;
-        }
+        Application::DoEvents(eventLoopSpell);
         const std::string extension = lastExtension(f->Name());
         if (nameHas(".txt", extension))
             doTextThread(f);
         if (nameHas(".docx", extension)) {
             doWordFolderThread(f);
-            Application::DoEvents(spell);
+            Application::DoEvents(eventLoopSpell);
         } else if (nameHas(".csv", extension) && f->OpenAsTextFile()) {
             doCSVFolderThread(f);
         }
         yieldToThreads();
     }
-    return true;
 }
 
 } // namespace quilvane

@@ -18,11 +18,6 @@ namespace {
 /// What is found in a Word file that can't be read, once for each.
 constexpr const char* sampleAddress = "sample@example.com";
 
-constexpr const char* lockFileName = "~\\$";
-
-/// How long noThread lets the event loop run at a time, in milliseconds.
-constexpr int spell = 30;
-
 } // namespace
 
 void Window1::Thread1_Run()
@@ -55,28 +50,28 @@ void Window1::noThread()
             break;
         }
         const Ref<FolderItem> f = takeItem(i);
-        Application::DoEvents(spell);
+        Application::DoEvents(eventLoopSpell);
         const std::string extension = lastExtension(f->Name());
         if (nameHas(".doc", extension)) {
             doWordFolderThread(f);
-            Application::DoEvents(spell);
+            Application::DoEvents(eventLoopSpell);
         } else if (nameHas(".txt", extension)) {
             doTextThread(f);
-            Application::DoEvents(spell);
+            Application::DoEvents(eventLoopSpell);
         } else if (nameHas(".csv", extension) && f->OpenAsTextFile()) {
             doCSVFolderThread(f);
-            Application::DoEvents(spell);
+            Application::DoEvents(eventLoopSpell);
         }
         yieldToThreads();
     }
-    Application::DoEvents(spell);
+    Application::DoEvents(eventLoopSpell);
     myProgressText = "Searching subfolders.";
 }
 
 Ref<FolderItem> Window1::takeItem(std::size_t i)
 {
     currentFile = itemArrayZ[i];
-    const Ref<FolderItem> f = GetFolderItem(itemArrayZ[i]);
+    Ref<FolderItem> f = GetFolderItem(itemArrayZ[i]);
     myProgressText = searchingText(i + 1, itemArrayZ.size(), f->Name());
     counter = std::int64_t(i);
     nextOne = progressValue(i, itemArrayZ.size());
@@ -109,7 +104,7 @@ void Window1::doCSVFolderThread(const Ref<FolderItem>& f)
 
 void Window1::doWordFolderThread(const Ref<FolderItem>& f)
 {
-    if (nameHas(lockFileName, f->Name()))
+    if (nameHas(lockFilePattern, f->Name()))
         return;
     const Ref<FolderItem> file = GetFolderItem(f->NativePath());
     const Ref<BinaryStream> stream = BinaryStream::Open(*file);

@@ -20,7 +20,7 @@ constexpr std::array droppedFolderNames{ "\\.txt", "\\.csv", "\\.pdf", "\\.doc" 
 } // namespace
 
 const RunRules searchFolderRules{ .listedNames = searchFolderNames,
-    .leftOut = "~\\$",
+    .leftOut = lockFilePattern,
     .walksEveryFolder = false,
     .asksAgain = true,
     .firstNumber = 1 };

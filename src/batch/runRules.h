@@ -10,6 +10,12 @@
 
 namespace quilvane {
 
+/// How long the event loop may run at a time, in milliseconds. It returns as soon as nothing is left to do.
+inline constexpr int eventLoopSpell = 30;
+
+/// Of the names of the files that a word processor leaves beside an open document.
+inline constexpr const char* lockFilePattern = "~\\$";
+
 /// What the three ways to search a folder do differently. All of it is wanted.
 struct RunRules {
     /// Each pattern that is found in the whole name of a child of the folder lists that child once more for

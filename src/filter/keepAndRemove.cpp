@@ -6,7 +6,7 @@
 #include "filter/domainFilter.h"
 #include "framework/text/strings.h"
 
-#include <initializer_list>
+#include <exception>
 
 namespace quilvane {
 
@@ -45,14 +45,16 @@ void filterWIn::removeBtn_Action()
     const auto rowText = [&main](std::size_t row) { return main.Listbox1.Row(row); };
     const DomainFilterChoice choice = takeChoice();
     std::vector<unsigned char> stays(main.Listbox1.ListCount(), 1);
+    std::exception_ptr failure;
     try {
         markRowsToRemove(choice, rowText, stays, yieldToThreads);
     } catch (...) {
-        // What earlier filters have removed is gone, whatever ends a later one.
-        main.Listbox1.RetainRows(stays);
-        throw;
+        failure = std::current_exception();
     }
+    // What earlier filters have removed is gone, whatever ends a later one.
     main.Listbox1.RetainRows(stays);
+    if (failure)
+        std::rethrow_exception(failure);
     finish(main);
     Close();
 }

@@ -107,6 +107,9 @@ void Application::chosen(MenuItem& item)
 
 void Application::updateMenus()
 {
+    // A handler that the quitting has overtaken may end in this; there is no window left to bring up to date.
+    if (m_quitting)
+        return;
     for (const auto& menu : menuBar().menus()) {
         for (const auto& item : menu->children())
             autoEnable(*item);

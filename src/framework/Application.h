@@ -81,7 +81,8 @@ private:
     bool m_quitting = false;
 };
 
-/// Brings menu items and buttons up to date: items follow AutoEnabled, then the application's own pass runs.
+/// Brings menu items and buttons up to date: an item is enabled if something handles it, then the
+/// application's own pass runs.
 void EnableMenuItems();
 
 } // namespace quilvane

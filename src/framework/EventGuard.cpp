@@ -36,8 +36,6 @@ std::string describeCurrentException()
     } catch (const std::exception& error) {
         const std::string what = error.what();
         return what.empty() ? "Something went wrong." : what;
-    } catch (...) {
-        return "Something went wrong.";
     }
 }
 

@@ -15,7 +15,7 @@ namespace {
 /// included.
 Ref<WordFileMBS> openDocument(const FolderItem& file, BinaryStream& stream)
 {
-    const Ref<WordFileMBS> document = WordFileMBS::OpenData(stream.Read(stream.Length()));
+    Ref<WordFileMBS> document = WordFileMBS::OpenData(stream.Read(stream.Length()));
     if (!document)
         return Ref<WordFileMBS>::nil(
             "The file \"" + displayPath(file.NativePath()) + "\" could not be read. " + document.whyNil());

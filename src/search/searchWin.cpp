@@ -8,6 +8,7 @@
 #include "filter/filterWIn.h"
 #include "framework/text/RegEx.h"
 #include "framework/text/strings.h"
+#include "scan/endTexts.h"
 #include "search/Window2.h"
 
 namespace quilvane {
@@ -70,7 +71,7 @@ void searchWin::searchBtn_Action()
 {
     Window2& found = showMatches();
     const std::size_t count = found.Listbox1.ListCount();
-    found.results.setText("Total: " + Str(std::int64_t(count)) + (count == 1 ? " entry." : " entries."));
+    found.results.setText(totalLabel(count));
     found.results.setVisible(true);
     found.exportBtn.setEnabled(count > 0);
     found.exportTabDelimited.setEnabled(count > 0);

@@ -36,8 +36,7 @@ protected:
 
     void drop(const std::vector<std::string>& paths)
     {
-        DragItem item({ paths.begin(), paths.end() });
-        window().Canvas1.DropObject(item);
+        window().Canvas1.Drop(DragItem({ paths.begin(), paths.end() }));
     }
 
     /// The rows in order of the alphabet: folders are read in the order of the file system.

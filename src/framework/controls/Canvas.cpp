@@ -51,11 +51,7 @@ protected:
             paths.push_back(localPath(url));
         event->acceptProposedAction();
         QMetaObject::invokeMethod(
-            this,
-            [this, item = DragItem(std::move(paths))]() mutable {
-                m_canvas.fire("DropObject", [&] { m_canvas.DropObject(item); });
-            },
-            Qt::QueuedConnection);
+            this, [this, item = DragItem(std::move(paths))] { m_canvas.Drop(item); }, Qt::QueuedConnection);
     }
 
     void mousePressEvent(QMouseEvent*) override { press(); }
@@ -94,6 +90,12 @@ Canvas::Canvas(Window& window, std::string_view name)
 Canvas::~Canvas()
 {
     deleteWidget();
+}
+
+void Canvas::Drop(DragItem item)
+{
+    if (DropObject)
+        fire("DropObject", [&] { DropObject(item); });
 }
 
 void Canvas::AcceptFileDrop(std::string_view)

@@ -25,6 +25,9 @@ public:
     /// that the drop is taken, so that it need not wait for what the handler does.
     std::function<void(DragItem& item)> DropObject;
 
+    /// Drops something as the user would.
+    void Drop(DragItem item);
+
     /// Lets files be dropped. `fileType` is the name of a declared file type, of which the platform takes no
     /// notice: with one of them files of all kinds are accepted, and folders.
     void AcceptFileDrop(std::string_view fileType);

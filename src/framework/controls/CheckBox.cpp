@@ -34,7 +34,6 @@ void CheckBox::makeWidget(Native& native)
 
 void CheckBox::setTableCaption(std::string_view caption)
 {
-    m_caption = caption;
     if (auto* box = qobject_cast<QCheckBox*>(native().widget)) {
         box->setText(toQt(caption));
         fitText(*box, box->text(), 22);

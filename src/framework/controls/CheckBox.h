@@ -17,13 +17,10 @@ public:
     /// Fires Action before it returns, if the value is a new one.
     void setValue(bool value);
 
-    const std::string& Caption() const { return m_caption; }
-
 private:
     void makeWidget(Native& native) override;
     void setTableCaption(std::string_view caption) override;
 
-    std::string m_caption;
     bool m_value = false;
 };
 

@@ -12,7 +12,6 @@ MenuItem::MenuItem(std::string_view name, std::string_view text, std::string_vie
     : m_native(std::make_unique<Native>())
     , m_name(name)
     , m_text(text)
-    , m_shortcut(shortcut)
 {
     QAction& action = m_native->action;
     action.setObjectName(toQt(name));

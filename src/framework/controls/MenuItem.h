@@ -24,14 +24,11 @@ public:
 
     const std::string& Name() const { return m_name; }
     const std::string& Text() const { return m_text; }
-    const std::string& Shortcut() const { return m_shortcut; }
     const std::vector<std::unique_ptr<MenuItem>>& children() const { return m_children; }
 
     bool Enabled() const { return m_enabled; }
     void setEnabled(bool enabled);
 
-    /// At each menu update the item is enabled if something handles it, before the program's own pass.
-    bool AutoEnabled() const { return true; }
     virtual bool isQuit() const { return false; }
 
     /// Chooses the item as the user would: nothing happens while it is disabled.
@@ -44,7 +41,6 @@ private:
     std::unique_ptr<Native> m_native;
     std::string m_name;
     std::string m_text;
-    std::string m_shortcut;
     std::vector<std::unique_ptr<MenuItem>> m_children;
     bool m_enabled = true;
 };

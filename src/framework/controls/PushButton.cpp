@@ -45,7 +45,6 @@ void PushButton::makeWidget(Native& native)
 
 void PushButton::setTableCaption(std::string_view caption)
 {
-    m_caption = caption;
     if (auto* button = qobject_cast<QPushButton*>(native().widget)) {
         button->setText(toQt(caption));
         fitText(*button, button->text(), 8);

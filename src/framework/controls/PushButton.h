@@ -16,8 +16,6 @@ public:
     /// Presses the button as the user would: nothing happens while it is disabled.
     void Push();
 
-    const std::string& Caption() const { return m_caption; }
-
     // For Layout: the button that Return presses where nothing else takes that key, and the one that Escape
     // presses.
     void setDefault();
@@ -26,8 +24,6 @@ public:
 private:
     void makeWidget(Native& native) override;
     void setTableCaption(std::string_view caption) override;
-
-    std::string m_caption;
 };
 
 } // namespace quilvane

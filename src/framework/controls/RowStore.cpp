@@ -21,7 +21,12 @@ void RowStore::append(std::string_view text)
 {
     if (m_size % (256 * rowsPerChunk) == 0)
         requireMemory(memoryForMillionRows, "The list is too long");
-    if (m_size % rowsPerChunk == 0) {
+    appendUnchecked(text);
+}
+
+void RowStore::appendUnchecked(std::string_view text)
+{
+    if (m_size == m_chunks.size() * rowsPerChunk) {
         Chunk next;
         next.ends.reserve(rowsPerChunk);
         if (!m_chunks.empty()) {
@@ -58,7 +63,7 @@ void RowStore::retain(std::span<const unsigned char> keep)
     RowStore kept;
     for (std::size_t row = 0; row < m_size; ++row) {
         if (keep[row])
-            kept.append((*this)[row]);
+            kept.appendUnchecked((*this)[row]);
         // What has been copied goes at once: the peak is the list and one chunk, not the list twice.
         if (row % rowsPerChunk == rowsPerChunk - 1)
             m_chunks[row / rowsPerChunk] = {};

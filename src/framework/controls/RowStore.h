@@ -34,6 +34,10 @@ public:
 private:
     static constexpr std::size_t rowsPerChunk = 4096;
 
+    /// append() without a look at the memory: what is moved from one store to another needs no more than it
+    /// had.
+    void appendUnchecked(std::string_view text);
+
     struct Chunk {
         std::string text;
         std::vector<std::uint32_t> ends; // byte behind each row's text

@@ -215,10 +215,8 @@ Window& WindowList::open(std::unique_ptr<Window> window)
 
 Window& WindowList::implicitInstance(std::type_index type, std::unique_ptr<Window> (*make)())
 {
-    for (const Entry& entry : m_open) {
-        if (entry.implicitAs == type)
-            return *entry.window;
-    }
+    if (Window* open = findImplicit(type))
+        return *open;
     // It is in the list before it opens: its own Event_Open may ask for the implicit instance.
     m_open.push_back({ make(), type });
     Window& made = *m_open.back().window;
@@ -226,7 +224,7 @@ Window& WindowList::implicitInstance(std::type_index type, std::unique_ptr<Windo
     return made;
 }
 
-const Window* WindowList::findImplicit(std::type_index type) const
+Window* WindowList::findImplicit(std::type_index type) const
 {
     for (const Entry& entry : m_open) {
         if (entry.implicitAs == type)

@@ -97,7 +97,8 @@ public:
 
     Window& open(std::unique_ptr<Window> window);
     Window& implicitInstance(std::type_index type, std::unique_ptr<Window> (*make)());
-    const Window* findImplicit(std::type_index type) const;
+    /// Null if there is none.
+    Window* findImplicit(std::type_index type) const;
     std::vector<Window*> openWindows() const;
 
     void closed(Window& window);

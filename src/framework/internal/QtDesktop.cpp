@@ -17,6 +17,8 @@ namespace quilvane {
 
 namespace {
 
+Desktop* desktopInUse = nullptr; // none: the real one
+
 QWidget* parentWindow()
 {
     return QApplication::activeWindow();
@@ -41,12 +43,9 @@ void show(QMessageBox::Icon icon, std::string_view text, std::string_view more)
 
 Desktop& Desktop::current()
 {
-    extern Desktop* desktopInUse;
     static QtDesktop real;
     return desktopInUse ? *desktopInUse : real;
 }
-
-Desktop* desktopInUse = nullptr;
 
 void Desktop::use(Desktop* desktop)
 {
