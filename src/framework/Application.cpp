@@ -93,6 +93,10 @@ void Application::DoEvents(int milliseconds)
         somethingDone = QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents);
         somethingDone = giveThreadsTheirTurn() || somethingDone;
     }
+    // The windows have gone, so what the handler goes on to do would be seen by nobody and keep the process
+    // busy.
+    if (instance().m_quitting && handlerDepth() > 0)
+        throw QuitUnwinding();
 }
 
 void Application::chosen(MenuItem& item)

@@ -59,7 +59,8 @@ public:
     void Quit();
 
     /// Delivers all events that wait and all timers that are due, and gives the worker its turn. Returns as
-    /// soon as nothing is left to do, after `milliseconds` at the latest. On the main stack only.
+    /// soon as nothing is left to do, after `milliseconds` at the latest. On the main stack only. Behind
+    /// Quit() it ends the handler that has called it.
     static void DoEvents(int milliseconds);
 
     // For the toolkit itself.

@@ -13,6 +13,10 @@ namespace quilvane {
 /// Handlers nest (a dialog or DoEvents runs the event loop inside of one); each ends on its own.
 void runGuarded(const std::string& name, const std::function<void()>& handler);
 
+/// Thrown through a handler that the quitting of the program has overtaken; runGuarded ends it without a
+/// word. Not a std::exception, so that no handler of errors takes it for one.
+struct QuitUnwinding { };
+
 /// How many handlers are on the stack now; 0 in the bare event loop.
 int handlerDepth();
 

@@ -11,6 +11,8 @@
 #include "scan/endTexts.h"
 #include "search/Window2.h"
 
+#include <vector>
+
 namespace quilvane {
 
 namespace {
@@ -58,10 +60,15 @@ Window2& searchWin::showMatches()
     Window2& found = openWindow<Window2>();
     RegEx expression;
     expression.setSearchPattern(searchField.Text());
+    std::vector<std::size_t> matches;
     for (std::size_t row = mainList.ListCount(); row-- > 0;) {
-        const std::string_view text = mainList.Row(row);
-        if (expression.matches(text))
-            found.Listbox1.AddRow(text);
+        if (expression.matches(mainList.Row(row)))
+            matches.push_back(row);
+        yieldToThreads();
+    }
+    // Only now: of a search that fails half-way nothing is shown.
+    for (const std::size_t row : matches) {
+        found.Listbox1.AddRow(mainList.Row(row));
         yieldToThreads();
     }
     return found;

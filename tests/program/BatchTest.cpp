@@ -232,6 +232,20 @@ TEST_F(BatchTest, aSecondRunWhileTheWorkerRunsIsReportedAndTheFirstGoesOn)
     EXPECT_EQ(handlerDepth(), 0);
 }
 
+TEST_F(BatchTest, quittingEndsTheRun)
+{
+    const TempFolder tree;
+    for (const char* file : { "sub/a.txt", "sub/b.txt", "sub/c.txt" })
+        tree.write(file, "a@y.org");
+    Timer quit("quit", 0);
+    quit.Action = [&] { application->Quit(); };
+    quit.setEnabled(true);
+    Window1& w = window();
+    searchFolder(tree.path());
+    EXPECT_EQ(w.rCounter, 0) << "overtaken ahead of its first file";
+    EXPECT_FALSE(isOpen<Window1>()) << "and nothing brings a window back";
+}
+
 TEST_F(BatchTest, dropsOfFilesAndFolders)
 {
     const TempFolder tree;

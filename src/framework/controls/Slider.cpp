@@ -14,16 +14,20 @@ Slider::Slider(Window& window, std::string_view name)
 void Slider::setMaximum(std::int64_t maximum)
 {
     m_maximum = maximum;
-    setValue(m_value);
+    m_value = bounded(m_value);
 }
 
 void Slider::setValue(std::int64_t value)
 {
-    const std::int64_t bounded = std::clamp<std::int64_t>(value, 0, std::max<std::int64_t>(m_maximum, 0));
-    if (bounded == m_value)
+    if (bounded(value) == m_value)
         return;
-    m_value = bounded;
+    m_value = bounded(value);
     fire("ValueChanged", ValueChanged);
+}
+
+std::int64_t Slider::bounded(std::int64_t value) const
+{
+    return std::clamp<std::int64_t>(value, 0, std::max<std::int64_t>(m_maximum, 0));
 }
 
 } // namespace quilvane

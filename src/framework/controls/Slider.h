@@ -13,7 +13,7 @@ class Slider : public RectControl {
 public:
     Slider(Window& window, std::string_view name);
 
-    /// The value has changed, also when a new maximum has pushed it down.
+    /// The value has been changed. Not fired when a new maximum pushes it down.
     std::function<void()> ValueChanged;
 
     std::int64_t Maximum() const { return m_maximum; }
@@ -25,6 +25,8 @@ public:
     void setValue(std::int64_t value);
 
 private:
+    std::int64_t bounded(std::int64_t value) const;
+
     std::int64_t m_maximum = 100;
     std::int64_t m_value = 0;
 };

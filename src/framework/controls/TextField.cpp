@@ -25,8 +25,9 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override
     {
-        bool handled = false;
-        if (m_field.KeyDown)
+        // A handler that fails has had the key, too: it is not to press the default button as well.
+        bool handled = bool(m_field.KeyDown);
+        if (handled)
             m_field.fire("KeyDown", [&] { handled = m_field.KeyDown(characterOf(*event)); });
         if (!handled)
             QLineEdit::keyPressEvent(event);

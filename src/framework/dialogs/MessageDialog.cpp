@@ -3,11 +3,13 @@
 #include "framework/dialogs/MessageDialog.h"
 
 #include "framework/dialogs/Desktop.h"
+#include "framework/threads/Timer.h"
 
 namespace quilvane {
 
 MessageDialog::Button MessageDialog::ShowModal() const
 {
+    const TimersHeld held;
     return Desktop::current().showDialog(*this);
 }
 

@@ -5,6 +5,7 @@
 #include "framework/dialogs/Desktop.h"
 #include "framework/exceptions.h"
 #include "framework/files/displayName.h"
+#include "framework/threads/Timer.h"
 
 namespace quilvane {
 
@@ -19,21 +20,25 @@ Ref<FolderItem> itemFor(const std::optional<std::string>& path)
 
 void MsgBox(std::string_view text)
 {
+    const TimersHeld held;
     Desktop::current().showMessage(text);
 }
 
 Ref<FolderItem> GetOpenFolderItem(std::string_view)
 {
+    const TimersHeld held;
     return itemFor(Desktop::current().chooseFileToOpen());
 }
 
 Ref<FolderItem> GetSaveFolderItem(std::string_view, std::string_view defaultName)
 {
+    const TimersHeld held;
     return itemFor(Desktop::current().chooseFileToSave(defaultName));
 }
 
 Ref<FolderItem> SelectFolder()
 {
+    const TimersHeld held;
     return itemFor(Desktop::current().chooseFolder());
 }
 

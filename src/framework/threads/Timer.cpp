@@ -8,6 +8,12 @@
 
 namespace quilvane {
 
+namespace {
+
+int holds = 0;
+
+} // namespace
+
 struct Timer::Native {
     QTimer timer;
 };
@@ -17,7 +23,7 @@ Timer::Timer(std::string name, int period)
 {
     m_native->timer.setInterval(period);
     QObject::connect(&m_native->timer, &QTimer::timeout, [this, handlerName = name + "_Action"] {
-        if (Action)
+        if (Action && holds == 0)
             runGuarded(handlerName, Action);
     });
 }
@@ -40,6 +46,16 @@ void Timer::setEnabled(bool enabled)
         m_native->timer.start();
     else if (!enabled)
         m_native->timer.stop();
+}
+
+TimersHeld::TimersHeld()
+{
+    ++holds;
+}
+
+TimersHeld::~TimersHeld()
+{
+    --holds;
 }
 
 } // namespace quilvane
