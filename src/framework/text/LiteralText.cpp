@@ -64,13 +64,20 @@ std::size_t LiteralText::find(std::string_view text, std::size_t start) const
 {
     if (text.size() < start + m_folded.size())
         return std::string_view::npos;
-    const char first = m_folded.front();
-    const std::size_t last = text.size() - m_folded.size();
-    for (std::size_t i = start; i <= last; ++i) {
-        if (fold(text[i]) == first
-            && std::equal(m_folded.begin() + 1, m_folded.end(), text.begin() + std::ptrdiff_t(i) + 1,
+    const std::string_view firsts = text.substr(0, text.size() - m_folded.size() + 1);
+    const char lower = m_folded.front();
+    const char upper = lower >= 'a' && lower <= 'z' ? char(lower - 'a' + 'A') : lower;
+    std::size_t nextLower = firsts.find(lower, start);
+    std::size_t nextUpper = upper == lower ? std::string_view::npos : firsts.find(upper, start);
+    while (nextLower != nextUpper) { // both npos at the end
+        const std::size_t candidate = std::min(nextLower, nextUpper);
+        if (std::equal(m_folded.begin() + 1, m_folded.end(), text.begin() + std::ptrdiff_t(candidate) + 1,
                 [](char wanted, char byte) { return wanted == fold(byte); }))
-            return i;
+            return candidate;
+        if (candidate == nextLower)
+            nextLower = firsts.find(lower, candidate + 1);
+        else
+            nextUpper = firsts.find(upper, candidate + 1);
     }
     return std::string_view::npos;
 }
