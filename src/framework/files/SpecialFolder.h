@@ -12,9 +12,9 @@ class SpecialFolder {
 public:
     SpecialFolder() = delete;
 
-    /// Where the user's programs keep their data, by the XDG Base Directory Specification 0.8: $XDG_DATA_HOME
-    /// if that is absolute, otherwise ~/.local/share. Made, for this user only, if it is missing; IOException
-    /// if that fails.
+    /// Where the user's programs keep their data, by the base directory rules of freedesktop.org, version
+    /// 0.8: $XDG_DATA_HOME if that is absolute, otherwise ~/.local/share. Made, for this user only, if it is
+    /// missing; IOException if that fails.
     static Ref<FolderItem> ApplicationData();
 };
 
