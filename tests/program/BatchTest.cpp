@@ -17,8 +17,6 @@ namespace {
 
 using Rows = std::vector<std::string>;
 
-const std::string none = "Finished searching. No email addresses detected.";
-
 std::string found(int count)
 {
     return "Finished searching. " + std::to_string(count) + " emails detected. Duplicates removed.";
@@ -257,7 +255,7 @@ TEST_F(BatchTest, dropsOfFilesAndFolders)
     tree.write("f2/f.csv", "f@y.org");
 
     drop({ picture });
-    EXPECT_EQ(window().ProgressText.Text(), none);
+    EXPECT_EQ(window().ProgressText.Text(), nothingFound);
     EXPECT_FALSE(window().filterBtn.Enabled());
     drop({ text });
     EXPECT_EQ(window().ProgressText.Text(), found(2));

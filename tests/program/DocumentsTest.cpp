@@ -9,8 +9,6 @@ namespace quilvane {
 namespace {
 
 const std::string samples = QUILVANE_SAMPLES;
-const std::string none = "Finished searching. No email addresses detected.";
-
 /// The engine with its event in reach.
 class LoudEngine : public MyDynaPDFMBS {
 public:
@@ -49,7 +47,7 @@ TEST_F(DocumentsTest, aPdfThatCannotBeReadGoesThroughAllItsMessages)
     desktop.willShow("bad.pdf could not be opened. There was an error loading pdf");
     desktop.willShow("Failed to edit page 1");
     window().importBtn1.Push();
-    EXPECT_EQ(window().ProgressText.Text(), none);
+    EXPECT_EQ(window().ProgressText.Text(), nothingFound);
     EXPECT_EQ(window().Slider1.Maximum(), -1);
     EXPECT_EQ(rows(), std::vector<std::string>{ "a@b.co" });
 }

@@ -19,11 +19,11 @@ ProgramTest::~ProgramTest()
     settle();
 }
 
-std::vector<std::string> ProgramTest::rows()
+std::vector<std::string> ProgramTest::rowsOf(const Listbox& list)
 {
     std::vector<std::string> texts;
-    for (std::size_t row = 0; row < window().Listbox1.ListCount(); ++row)
-        texts.push_back(window().Listbox1.Cell(row, 0));
+    for (std::size_t row = 0; row < list.ListCount(); ++row)
+        texts.push_back(list.Cell(row, 0));
     return texts;
 }
 

@@ -14,6 +14,8 @@
 
 namespace quilvane {
 
+inline const std::string nothingFound = "Finished searching. No email addresses detected.";
+
 /// The whole program but its event loop, in a home of its own, with a main window and a scripted desktop.
 class ProgramTest : public testing::Test {
 protected:
@@ -21,7 +23,8 @@ protected:
     ~ProgramTest() override;
 
     Window1& window() { return implicit<Window1>(); }
-    std::vector<std::string> rows();
+    static std::vector<std::string> rowsOf(const Listbox& list);
+    std::vector<std::string> rows() { return rowsOf(window().Listbox1); }
     void addRows(const std::vector<std::string>& addresses);
     /// Presses Search File and picks `path`.
     void searchFile(const std::string& path);

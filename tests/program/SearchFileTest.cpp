@@ -10,8 +10,6 @@ namespace quilvane {
 
 namespace {
 
-const std::string none = "Finished searching. No email addresses detected.";
-
 std::string found(const std::string& count)
 {
     return "Finished searching. " + count + " detected. Duplicates removed.";
@@ -60,12 +58,13 @@ TEST_F(SearchFileTest, endStates)
             1 },
         { "delimited with matches, one of them twice", "a.CSV", "\"Q@y.org\"\n\"q@Y.org\"\n", {},
             found("2 emails"), "Total: 1 entry.", true, { "Q@y.org" }, 2 },
-        { "text without matches, empty list", "a.txt", "nothing", {}, none, "old text", false, {}, 0 },
-        { "text without matches, rows from before", "a.txt", "", { "old@row.org" }, none, "Total: 1 entry.",
-            true, { "old@row.org" }, 0 },
-        { "no known kind is not read", "a.tsv", "x@y.org", {}, none, "old text", false, {}, 0 },
-        { "delimited without matches, empty list: told in the total's place", "a.csv", "", {}, "", none,
-            false, {}, 0 },
+        { "text without matches, empty list", "a.txt", "nothing", {}, nothingFound, "old text", false, {},
+            0 },
+        { "text without matches, rows from before", "a.txt", "", { "old@row.org" }, nothingFound,
+            "Total: 1 entry.", true, { "old@row.org" }, 0 },
+        { "no known kind is not read", "a.tsv", "x@y.org", {}, nothingFound, "old text", false, {}, 0 },
+        { "delimited without matches, empty list: told in the total's place", "a.csv", "", {}, "",
+            nothingFound, false, {}, 0 },
         { "delimited without matches, rows from before", "a.csv", "", { "old@row.org" }, "",
             "Total: 1 entry.", true, { "old@row.org" }, 0 },
         { "a second file without a new address", "a.csv", "OLD@row.org", { "old@row.org" }, found("1 email"),

@@ -22,14 +22,6 @@ std::vector<Window2*> resultWindows()
     return found;
 }
 
-Rows rowsOf(const Window2& window)
-{
-    Rows texts;
-    for (std::size_t row = 0; row < window.Listbox1.ListCount(); ++row)
-        texts.push_back(window.Listbox1.Cell(row, 0));
-    return texts;
-}
-
 Window2& search(const std::string& keyword, bool byKey)
 {
     implicit<searchWin>().searchField.setText(keyword);
@@ -70,7 +62,7 @@ TEST_F(SearchTest, theTwoWaysEndDifferently)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const Window2& found = search(c.keyword, c.byKey);
-        EXPECT_EQ(rowsOf(found), c.found);
+        EXPECT_EQ(rowsOf(found.Listbox1), c.found);
         EXPECT_EQ(found.results.Text(), c.total);
         EXPECT_TRUE(found.results.Visible());
         EXPECT_EQ(found.exportBtn.Enabled(), c.exports);
@@ -88,7 +80,7 @@ TEST_F(SearchTest, resultsLiveByThemselves)
     Window2& first = search("a", false);
     Window2& second = search("a", false);
     window().clearBtn.Push();
-    EXPECT_EQ(rowsOf(first), Rows{ "a@x.com" });
+    EXPECT_EQ(rowsOf(first.Listbox1), Rows{ "a@x.com" });
 
     application->delimiter = "kept";
     first.closeBtn.Push();
@@ -96,7 +88,7 @@ TEST_F(SearchTest, resultsLiveByThemselves)
     EXPECT_EQ(resultWindows(), std::vector<Window2*>{ &second });
 
     second.clearBtn.Push();
-    EXPECT_TRUE(rowsOf(second).empty());
+    EXPECT_TRUE(rowsOf(second.Listbox1).empty());
     EXPECT_FALSE(second.exportBtn.Enabled());
     EXPECT_FALSE(second.results.Visible());
     desktop.willReport({ "list row", "exportTabDelimited_Action" });

@@ -34,10 +34,6 @@ public:
 
     const std::string& Name() const { return m_name; }
 
-    /// Kept for the tables of controls: threads get slices of equal length, whatever their priority.
-    int Priority() const { return m_priority; }
-    void setPriority(int priority) { m_priority = priority; }
-
     /// In bytes, the guard page below not counted. Counts from the next Run on.
     std::size_t StackSize() const { return m_stackSize; }
     void setStackSize(std::size_t bytes) { m_stackSize = bytes; }
@@ -59,7 +55,6 @@ private:
     friend class ThreadScheduler;
 
     std::string m_name;
-    int m_priority = 5;
     std::size_t m_stackSize = defaultStackSize;
     std::shared_ptr<Body> m_body; // null before the first Run
 };

@@ -30,11 +30,6 @@ Timer::Timer(std::string name, int period)
 
 Timer::~Timer() = default;
 
-int Timer::Period() const
-{
-    return m_native->timer.interval();
-}
-
 bool Timer::Enabled() const
 {
     return m_native->timer.isActive();

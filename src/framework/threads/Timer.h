@@ -18,7 +18,6 @@ public:
 
     std::function<void()> Action;
 
-    int Period() const;
     bool Enabled() const;
     void setEnabled(bool enabled);
 
