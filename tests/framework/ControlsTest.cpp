@@ -174,6 +174,12 @@ TEST_F(ControlsTest, keysReachTheFieldFirstAndThenTheWindowsButtons)
     window->parked.setCancel();
     QTest::keyClick(edit, Qt::Key_Escape);
     EXPECT_EQ(events, "\x1b default ");
+    events.clear();
+    window->field.KeyDown = [](const std::string&) -> bool { throw IOException("the reason"); };
+    desktop.willReport({ "the reason", "field_KeyDown" });
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(events, "") << "a handler that fails has had the key";
+
     window->field.KeyDown = [&](const std::string&) {
         window->Close();
         return false;
@@ -299,6 +305,11 @@ TEST_F(ControlsTest, doEventsReturnsWhenNothingIsLeftToDo)
             timer.setEnabled(false);
     };
     timer.setEnabled(true);
+    {
+        const TimersHeld dialog;
+        Application::DoEvents(20);
+        EXPECT_EQ(ticks, 0) << "not while a dialog stands";
+    }
     // Were it to wait for its time, this would take a day.
     Application::DoEvents(86'400'000);
     EXPECT_EQ(ticks, 3);
