@@ -3,6 +3,7 @@
 #include "app/startUp.h"
 
 #include "app/App.h"
+#include "app/FileTypes2.h"
 #include "app/MainMenuBar.h"
 #include "app/Window1.h"
 #include "framework/Runtime.h"
@@ -11,6 +12,7 @@ namespace quilvane {
 
 std::unique_ptr<App> makeApp()
 {
+    FileTypes2::_Initialize();
     auto made = std::make_unique<App>();
     App& app = *made;
     app.setVersionData({ .major = 1,

@@ -8,7 +8,8 @@ namespace quilvane {
 
 class App;
 
-/// Makes the application object with its version data, menu bar and menu handlers. A Runtime must exist.
+/// Declares the file types, then makes the application object with its version data, menu bar and menu
+/// handlers. A Runtime must exist.
 std::unique_ptr<App> makeApp();
 
 /// The program from start to end. Returns the process's exit code.

@@ -10,8 +10,8 @@ namespace quilvane {
 
 void Window1::Canvas1_Open()
 {
-    // Names of declared file types. The canvas takes whatever is dropped all the same: folders have no type,
-    // and the caption invites them.
+    // PDF files and folders have no such line and come all the same: one of them opens the area to
+    // everything.
     Canvas1.AcceptFileDrop("application/vnd.ms-excel");
     Canvas1.AcceptFileDrop("text/plain");
     Canvas1.AcceptFileDrop("application/msword");

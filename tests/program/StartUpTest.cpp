@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
+#include "app/FileTypes2.h"
 #include "app/MainMenuBar.h"
+#include "app/pictures.h"
 #include "app/prefsModule.h"
 #include "framework/threads/Timer.h"
 
@@ -88,6 +90,32 @@ TEST_F(StartUpTest, closedMainWindowComesBackEmpty)
     settle();
     ASSERT_TRUE(isOpen<Window1>()) << "the menu update behind the last window makes the next one";
     EXPECT_TRUE(rows().empty());
+}
+
+TEST_F(StartUpTest, fileTypesAreFoundByName)
+{
+    const Ref<FileType> accessors[]
+        = { FileTypes2::Untitled(), FileTypes2::Pdf(), FileTypes2::Text(), FileTypes2::ApplicationMsword(),
+              FileTypes2::ApplicationVndMsExcel(), FileTypes2::ApplicationVndMsExcel1() };
+    ASSERT_EQ(FileTypes2::types().size(), std::size(accessors));
+    for (std::size_t i = 0; i < std::size(accessors); ++i) {
+        EXPECT_EQ(&*accessors[i], &*FileTypes2::types()[i]);
+        const std::size_t length = accessors[i]->MacType.size();
+        EXPECT_TRUE(length == 4 || (i == 0 && length == 0)) << accessors[i]->MacType;
+    }
+    EXPECT_EQ(&*FileType::named("text/plain"), &*FileTypes2::Text());
+    EXPECT_EQ(&*FileType::named("application/vnd.ms-excel"), &*FileTypes2::ApplicationVndMsExcel())
+        << "the first of two that share the name";
+    EXPECT_FALSE(FileType::named("text/csv"));
+    EXPECT_FALSE(FileTypes2::ApplicationMsword()->UTI);
+}
+
+TEST_F(StartUpTest, picturesAreLoadedOnce)
+{
+    for (Ref<Picture> (*accessor)() :
+        { Quilvane_100, Quilvane_200, Quilvane_1001, Quilvane_1002, Quilvane_2001 })
+        EXPECT_EQ(&*accessor(), &*accessor());
+    EXPECT_FALSE(Picture::load("Quilvane_300"));
 }
 
 TEST_F(StartUpTest, menusFollowTheRows)

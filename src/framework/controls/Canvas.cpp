@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/Canvas.h"
 
+#include "framework/files/FileType.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/PictureNative.h"
 
@@ -98,9 +99,9 @@ void Canvas::Drop(DragItem item)
         fire("DropObject", [&] { DropObject(item); });
 }
 
-void Canvas::AcceptFileDrop(std::string_view)
+void Canvas::AcceptFileDrop(std::string_view fileType)
 {
-    if (native().widget)
+    if (native().widget && FileType::named(fileType))
         native().widget->setAcceptDrops(true);
 }
 

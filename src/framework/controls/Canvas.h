@@ -28,8 +28,8 @@ public:
     /// Drops something as the user would.
     void Drop(DragItem item);
 
-    /// Lets files be dropped. `fileType` is the name of a declared file type, of which the platform takes no
-    /// notice: with one of them files of all kinds are accepted, and folders.
+    /// Lets files be dropped if `fileType` is the name of a declared file type. One such call lets in files
+    /// of all kinds, and folders: what is dragged tells its names only, and folders have no type.
     void AcceptFileDrop(std::string_view fileType);
 
     /// A nil picture leaves the canvas empty.
