@@ -65,9 +65,9 @@ Runtime::~Runtime() = default;
 void Runtime::useDarkColors()
 {
     // From these two Qt derives the shades of frames and shadows.
-    QPalette palette(QColor(0x3a3a3a), QColor(0x2b2b2b));
-    palette.setColor(QPalette::Base, QColor(0x1f1f1f));
-    palette.setColor(QPalette::AlternateBase, QColor(0x262626));
+    QPalette palette(QColor(0x454545), QColor(0x363636));
+    palette.setColor(QPalette::Base, QColor(0x1a1a1a));
+    palette.setColor(QPalette::AlternateBase, QColor(0x222222));
     palette.setColor(QPalette::Highlight, QColor(0x8a4b10));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     QApplication::setPalette(palette);
