@@ -3,12 +3,12 @@
 #include "framework/Runtime.h"
 
 #include "framework/EventGuard.h"
+#include "framework/internal/ColorScheme.h"
 #include "framework/internal/qtText.h"
 #include "framework/threads/Thread.h"
 
 #include <QApplication>
 #include <QFont>
-#include <QPalette>
 #include <QStyleFactory>
 
 #include <csignal>
@@ -37,6 +37,7 @@ struct Runtime::Native {
     }
 
     QApplication application;
+    ColorScheme colorScheme{ QDBusConnection::sessionBus() };
 };
 
 Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
@@ -64,13 +65,7 @@ Runtime::~Runtime() = default;
 
 void Runtime::useDarkColors()
 {
-    // From these two Qt derives the shades of frames and shadows.
-    QPalette palette(QColor(0x454545), QColor(0x363636));
-    palette.setColor(QPalette::Base, QColor(0x1a1a1a));
-    palette.setColor(QPalette::AlternateBase, QColor(0x222222));
-    palette.setColor(QPalette::Highlight, QColor(0x8a4b10));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    QApplication::setPalette(palette);
+    ColorScheme::useDarkColors();
 }
 
 } // namespace quilvane
