@@ -112,9 +112,9 @@ void filterWIn::Layout()
     for (const CustomRow& row : customRows) {
         CheckBox& box = this->*row.box;
         TextField& field = this->*row.field;
-        const std::string name = "Custom domain " + Str(++number);
-        box.setAccessibleName(name);
-        field.setAccessibleName(name);
+        const std::string ordinal = Str(++number);
+        box.setAccessibleName("Use custom domain " + ordinal);
+        field.setAccessibleName("Custom domain " + ordinal);
         field.TextChange = [&box, &field, &row] {
             box.setValue(true); // also when the field is emptied
             app().*row.pref = field.Text();

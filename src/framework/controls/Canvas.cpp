@@ -6,6 +6,7 @@
 #include "framework/internal/Native.h"
 #include "framework/internal/PictureNative.h"
 
+#include <QAccessibleWidget>
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -22,6 +23,9 @@ public:
         , m_canvas(canvas)
     {
     }
+
+    /// Null if `object` is no Area.
+    static QAccessibleInterface* makeAccessible(const QString& className, QObject* object);
 
 protected:
     void paintEvent(QPaintEvent*) override
@@ -66,6 +70,8 @@ protected:
     }
 
 private:
+    class Accessible;
+
     static std::optional<std::string> localPath(const QUrl& url)
     {
         if (url.scheme() != "file")
@@ -82,6 +88,53 @@ private:
 
     Canvas& m_canvas; // outlives this
 };
+
+/// What a screen reader meets: a button where a press does something, else a picture. One without a name is
+/// decoration and stays a plain surface, which readers pass over.
+class Canvas::Area::Accessible : public QAccessibleWidget {
+public:
+    explicit Accessible(Area& area)
+        : QAccessibleWidget(&area)
+        , m_area(area)
+    {
+    }
+
+    QAccessible::Role role() const override
+    {
+        if (canBePressed())
+            return QAccessible::Button;
+        return m_area.accessibleName().isEmpty() ? QAccessibleWidget::role() : QAccessible::Graphic;
+    }
+
+    QStringList actionNames() const override
+    {
+        QStringList names = QAccessibleWidget::actionNames();
+        if (canBePressed() && m_area.isEnabled())
+            names.prepend(pressAction());
+        return names;
+    }
+
+    void doAction(const QString& name) override
+    {
+        // Not at once: the reader waits for the answer, and what is pressed may show a dialog.
+        if (actionNames().contains(name) && name == pressAction())
+            QMetaObject::invokeMethod(
+                &m_area, [&area = m_area] { area.press(); }, Qt::QueuedConnection);
+        else
+            QAccessibleWidget::doAction(name);
+    }
+
+private:
+    bool canBePressed() const { return bool(m_area.m_canvas.MouseDown); }
+
+    Area& m_area; // outlives this
+};
+
+QAccessibleInterface* Canvas::Area::makeAccessible(const QString&, QObject* object)
+{
+    auto* area = dynamic_cast<Area*>(object);
+    return area ? new Accessible(*area) : nullptr;
+}
 
 Canvas::Canvas(Window& window, std::string_view name)
     : RectControl(window, name, ControlKind::Canvas)
@@ -114,6 +167,7 @@ void Canvas::setBackdrop(Ref<Picture> picture)
 
 void Canvas::makeWidget(Native& native)
 {
+    QAccessible::installFactory(Area::makeAccessible); // once, however often it is called
     native.widget = new Area(native.content, *this);
 }
 

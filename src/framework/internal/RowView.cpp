@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/internal/RowView.h"
 
+#include <QAccessible>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -10,6 +11,20 @@
 #include <limits>
 
 namespace quilvane {
+
+namespace {
+
+/// Tells screen readers of an event that has befallen one row.
+void announce(QAbstractItemView& view, const QModelIndex& row, QAccessible::Event what)
+{
+    if (!row.isValid() || !QAccessible::isActive())
+        return;
+    QAccessibleEvent event(&view, what);
+    event.setChild(row.row());
+    QAccessible::updateAccessibility(&event);
+}
+
+} // namespace
 
 RowView::RowView(QWidget* parent)
     : QListView(parent)
@@ -110,9 +125,20 @@ void RowView::rowsInserted(const QModelIndex& parent, int start, int end)
 
 void RowView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
 {
-    QListView::selectionChanged(selected, deselected);
+    QAbstractItemView::selectionChanged(selected, deselected);
+    for (const QItemSelectionRange& range : deselected) // one row each
+        announce(*this, range.topLeft(), QAccessible::SelectionRemove);
+    for (const QItemSelectionRange& range : selected)
+        announce(*this, range.topLeft(), QAccessible::SelectionAdd);
     if (selectionMoved)
         selectionMoved();
+}
+
+void RowView::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QAbstractItemView::currentChanged(current, previous);
+    if (hasFocus())
+        announce(*this, current, QAccessible::Focus);
 }
 
 QModelIndex RowView::moveCursor(CursorAction action, Qt::KeyboardModifiers)

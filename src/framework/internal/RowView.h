@@ -10,7 +10,8 @@ namespace quilvane {
 /// bar counts rows, so a million of them cost what thirty cost.
 ///
 /// It derives from QListView, and so overrides all of its layout, because that is the class which Qt's bridge
-/// to screen readers knows as a list.
+/// to screen readers knows as a list. Which row is meant QListView takes from its layout, so what readers are
+/// told is overridden, too.
 class RowView : public QListView {
 public:
     explicit RowView(QWidget* parent);
@@ -31,6 +32,7 @@ protected:
     void updateGeometries() override;
     void rowsInserted(const QModelIndex& parent, int start, int end) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     int horizontalOffset() const override;
     int verticalOffset() const override;

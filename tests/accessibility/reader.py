@@ -1,0 +1,190 @@
+# SPDX-FileCopyrightText: The Quilvane developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""A program as a screen reader meets it: what it shows, says and lets be done over the accessibility bus."""
+
+import atexit
+import os
+import subprocess
+import sys
+import time
+import warnings
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+warnings.simplefilter("ignore", DeprecationWarning)  # PyGObject's, of every method of an interface
+
+PATIENCE = 60  # seconds for what must come; only a failure takes that long
+NO_CONTROLS = {"label", "menu bar", "menu item"}
+
+
+def keys(*names):
+    subprocess.run(["xdotool", "key", *names], check=True)
+
+
+def has(node, state):
+    return node.get_state_set().contains(state)
+
+
+def isLive(node):
+    return has(node, Atspi.StateType.ENABLED) and has(node, Atspi.StateType.SENSITIVE)
+
+
+def textOf(field):
+    return Atspi.Text.get_text(field, 0, Atspi.Text.get_character_count(field))
+
+
+def childrenOf(node):
+    children = [node.get_child_at_index(i) for i in range(node.get_child_count())]
+    return [child for child in children if child]  # one may have gone meanwhile
+
+
+def below(node):
+    """The nodes below one that are shown; not the rows of lists nor what a menu holds."""
+    for child in childrenOf(node):
+        if has(child, Atspi.StateType.SHOWING):
+            yield child
+            if child.get_role_name() not in ("list", "menu item"):
+                yield from below(child)
+
+
+class Program:
+    def __init__(self, path):
+        Atspi.init()
+        Atspi.set_timeout(PATIENCE * 1000, PATIENCE * 1000)
+        self.heard = []  # (what, role, name) of what was focused or selected
+        self.listener = Atspi.EventListener.new(self.hear)
+        for event in ("object:state-changed:focused", "object:state-changed:selected"):
+            self.listener.register(event)
+        self.said = open("said", "w+")
+        self.process = subprocess.Popen([path], stdout=self.said, stderr=self.said,
+                                        env=dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1"))
+        atexit.register(self.process.kill)
+        self.root = None
+        self.waitFor("the program on the bus", self.join)
+
+    def join(self):
+        for program in childrenOf(Atspi.get_desktop(0)):
+            if program.get_process_id() == self.process.pid:
+                self.root = program
+                self.root.set_cache_mask(Atspi.Cache.NONE)  # a label is to be read as it is now
+        return self.root
+
+    def hear(self, event):
+        try:
+            if event.detail1:
+                self.heard.append((event.type.split(":")[-1], event.source.get_role_name(), event.source.get_name()))
+        except GLib.Error:
+            pass  # gone since
+
+    def waitFor(self, what, condition):
+        """What `condition` gives once it is true; what it looks at may come and go meanwhile."""
+        end = time.monotonic() + PATIENCE
+        while time.monotonic() < end:
+            while GLib.MainContext.default().iteration(False):
+                pass
+            try:
+                result = condition()
+                if result:
+                    return result
+            except GLib.Error:
+                pass
+            if self.process.poll() is not None:
+                break
+            time.sleep(0.02)
+        self.fail(f"no sign of {what}")
+
+    def check(self, what, found, expected):
+        if found != expected:
+            self.fail(f"{what}:\n  expected {expected}\n  found    {found}")
+
+    def fail(self, what):
+        print("FAILED:", what)
+        print("What the bus shows:")
+        if self.process.poll() is None and self.root:
+            for window in childrenOf(self.root):
+                self.printTree(window, 1)
+        self.said.seek(0)
+        print(f"Exit status so far: {self.process.poll()}. What the program said:\n{self.said.read()}")
+        sys.exit(1)
+
+    def printTree(self, node, depth):
+        try:
+            states = ["live" if isLive(node) else "grey"]
+            states += [state.value_nick for state in node.get_state_set().get_states()
+                       if state.value_nick in ("showing", "focused", "checked", "selected", "active")]
+            print("  " * depth, node.get_role_name(), repr(node.get_name()), *states)
+            for child in childrenOf(node) if node.get_child_count() < 100 else ():
+                self.printTree(child, depth + 1)
+        except GLib.Error:
+            print("  " * depth, "(gone)")
+
+    def windows(self):
+        return [child for child in childrenOf(self.root) if has(child, Atspi.StateType.SHOWING)]
+
+    def window(self, title):
+        """The window of that title, once it has the keyboard."""
+        return self.waitFor(f"the window {title}, active", lambda: next(
+            (each for each in self.windows() if each.get_name() == title and has(each, Atspi.StateType.ACTIVE)), None))
+
+    def waitForEndOf(self, title):
+        self.waitFor(f"the end of the window {title}", lambda: title not in [w.get_name() for w in self.windows()])
+
+    def find(self, window, role, name):
+        return self.waitFor(f"{role} {name}", lambda: next(
+            (each for each in below(window) if (each.get_role_name(), each.get_name()) == (role, name)), None))
+
+    def controls(self, window):
+        """All that is no label, no menu and no bare surface, which has neither a role to speak of nor a name."""
+        return [each for each in below(window) if each.get_role_name() not in NO_CONTROLS
+                and (each.get_role_name() != "filler" or each.get_name())]
+
+    def labels(self, window):
+        return [each.get_name() for each in below(window) if each.get_role_name() == "label"]
+
+    def actions(self, node):
+        return [Atspi.Action.get_action_name(node, i) for i in range(Atspi.Action.get_n_actions(node))]
+
+    def act(self, node, action):
+        """Does what the control offers under that name: Press, Toggle, ShowMenu."""
+        names = self.actions(node)
+        if action not in names:
+            self.fail(f"{node.get_role_name()} {node.get_name()} offers {names} and no {action}")
+        Atspi.Action.do_action(node, names.index(action))
+
+    def press(self, window, name):
+        button = self.find(window, "push button", name)
+        self.waitFor(f"{name}, enabled", lambda: isLive(button))
+        self.act(button, "Press")
+
+    def toggle(self, window, name):
+        box = self.find(window, "check box", name)
+        before = has(box, Atspi.StateType.CHECKED)
+        self.act(box, "Toggle")
+        self.waitFor(f"the change of {name}", lambda: has(box, Atspi.StateType.CHECKED) != before)
+
+    def type(self, window, name, text):
+        field = self.find(window, "text", name)
+        Atspi.EditableText.set_text_contents(field, text)
+        self.waitFor(f"the text of {name}", lambda: textOf(field) == text)
+
+    def answerFileDialog(self, title, path, button):
+        dialog = self.window(title)
+        field = "Directory:" if os.path.isdir(path) else "File name:"
+        self.type(dialog, field, path)
+        self.press(dialog, button)
+        self.waitForEndOf(title)
+
+    def focused(self, window):
+        return next((each.get_name() for each in below(window) if has(each, Atspi.StateType.FOCUSED)), None)
+
+    def checkTabOrder(self, window, names):
+        """Once round by the Tab key, from the last to the last."""
+        last = next(each for each in self.controls(window) if each.get_name() == names[-1])
+        self.act(last, "SetFocus")
+        self.waitFor(f"the keyboard on {names[-1]}", lambda: self.focused(window) == names[-1])
+        for name in names:
+            keys("Tab")
+            self.waitFor(f"the keyboard on {name}", lambda: self.focused(window) == name)
