@@ -69,8 +69,7 @@ void Window1::walkFolder(const Ref<FolderItem>& folder, const WalkedFolder* abov
     }
     for (std::size_t i = 0; i < subfolders.size(); ++i) {
         // Both numbers are one short, on purpose.
-        myProgressText = "Checking folder " + Str(std::int64_t(i)) + " of "
-            + Str(std::int64_t(subfolders.size()) - 1) + ".";
+        myProgressText = "Checking folder " + Str(i) + " of " + Str(subfolders.size() - 1) + ".";
         walkFolder(GetFolderItem(subfolders[i]), &here);
         yieldToThreads();
     }

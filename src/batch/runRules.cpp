@@ -57,8 +57,7 @@ std::int64_t progressValue(std::size_t index, std::size_t count)
 
 std::string searchingText(std::size_t number, std::size_t count, std::string_view name)
 {
-    return "Searching " + Str(std::int64_t(number)) + " of " + Str(std::int64_t(count)) + ": "
-        + std::string(name);
+    return "Searching " + Str(number) + " of " + Str(count) + ": " + std::string(name);
 }
 
 } // namespace quilvane

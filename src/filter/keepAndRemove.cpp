@@ -15,7 +15,7 @@ namespace {
 void finish(Window1& main)
 {
     const std::size_t rows = main.Listbox1.ListCount();
-    main.results.setText(Str(std::int64_t(rows)) + " Entries");
+    main.results.setText(Str(rows) + " Entries");
     if (rows == 0) {
         for (PushButton* button :
             { &main.filterBtn, &main.searchBtn, &main.exportBtn, &main.exportTabDelimited })

@@ -44,7 +44,7 @@ void Window1::doHTML()
     setFinishMessage(results);
     checkDuplicates();
     // Unlike the total of the other sources: in the plural for one row as well, and there for none.
-    results.setText("Total: " + Str(std::int64_t(Listbox1.ListCount())) + " entries.");
+    results.setText("Total: " + Str(Listbox1.ListCount()) + " entries.");
 }
 
 void Window1::urlField_TextChange()

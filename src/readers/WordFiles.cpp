@@ -49,7 +49,7 @@ void Window1::doWordFolder(const Ref<FolderItem>& f)
     enableButtonsBehindScan();
     // Told by the rows, ahead of the removal, and in words of its own.
     const std::size_t rows = Listbox1.ListCount();
-    results.setText(rows > 0 ? Str(std::int64_t(rows)) + " Entries" : "No email addresses detected.");
+    results.setText(rows > 0 ? Str(rows) + " Entries" : "No email addresses detected.");
     results.setVisible(true);
     filterBtn.setEnabled(rows > 0);
     clearBtn.setEnabled(rows > 0);

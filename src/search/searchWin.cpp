@@ -90,7 +90,7 @@ void searchWin::searchBtn_Action()
 void searchWin::searchAction()
 {
     Window2& found = showMatches();
-    found.results.setText(Str(std::int64_t(found.Listbox1.ListCount())) + " Entries"); // no singular here
+    found.results.setText(Str(found.Listbox1.ListCount()) + " Entries"); // no singular here
     found.results.setVisible(true);
     Close();
     // The exports as well, over an empty list, too.

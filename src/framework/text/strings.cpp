@@ -17,11 +17,6 @@ char asciiLower(char c)
 
 } // namespace
 
-std::string Str(std::int64_t number)
-{
-    return std::to_string(number);
-}
-
 std::string Chr(int code)
 {
     constexpr int asciiCount = 128;

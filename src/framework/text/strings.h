@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <cstdint>
+#include <concepts>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,7 +13,11 @@ namespace quilvane {
 inline constexpr std::string_view endOfLine = "\n";
 
 /// Plain decimal digits, with a minus sign below 0.
-std::string Str(std::int64_t number);
+template <std::integral Number>
+std::string Str(Number number)
+{
+    return std::to_string(number);
+}
 
 /// The one ASCII character of that code, 0 to 127; OutOfBoundsException for any other.
 std::string Chr(int code);
