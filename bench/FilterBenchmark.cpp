@@ -71,10 +71,8 @@ std::size_t search(const RowStore& rows, const std::string& keyword)
     RegEx expression;
     expression.setSearchPattern(keyword);
     RowStore found;
-    for (std::size_t row = rows.size(); row-- > 0;) {
-        if (expression.matches(rows[row]))
-            found.append(rows[row]);
-    }
+    for (const std::size_t row : rows.matching(expression, [] {}))
+        found.append(rows[row]);
     return found.size();
 }
 

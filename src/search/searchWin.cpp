@@ -60,12 +60,7 @@ Window2& searchWin::showMatches()
     Window2& found = openWindow<Window2>();
     RegEx expression;
     expression.setSearchPattern(searchField.Text());
-    std::vector<std::size_t> matches;
-    for (std::size_t row = mainList.ListCount(); row-- > 0;) {
-        if (expression.matches(mainList.Row(row)))
-            matches.push_back(row);
-        yieldToThreads();
-    }
+    const std::vector<std::size_t> matches = mainList.RowsMatching(expression, yieldToThreads);
     // Only now: of a search that fails half-way nothing is shown.
     for (const std::size_t row : matches) {
         found.Listbox1.AddRow(mainList.Row(row));

@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/text/RegEx.h"
+#include "framework/controls/RowStore.h"
 #include "framework/exceptions.h"
 #include "framework/text/strings.h"
 
 #include <chrono>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -99,6 +101,25 @@ TEST(RegEx, FindsATextAsTheEngineWould)
         RegEx expression; // the brackets make it one that is no mere text
         expression.setSearchPattern("(?:" + pattern + ")");
         EXPECT_EQ(allMatches(literal, text), allMatches(expression, text)) << pattern;
+    }
+}
+
+TEST(RegEx, FindsTheSameRowsInAListAsOneByOne)
+{
+    std::minstd_rand random(1);
+    RowStore rows;
+    for (int row = 0; row < 10'000; ++row) {
+        std::string text;
+        for (auto left = random() % 50; left > 0; --left)
+            text += "aAbB9@.\xC4\xE4"[random() % 9];
+        rows.append(text);
+    }
+    for (const std::string pattern : { "a", "9", "ab", "99", "b@A", "\\.\\.ba", "b9a@b", "ab9ba.9", "zz" }) {
+        RegEx whole;
+        whole.setSearchPattern(pattern);
+        RegEx oneByOne; // the brackets make it one that is no mere text
+        oneByOne.setSearchPattern("(?:" + pattern + ")");
+        EXPECT_EQ(rows.matching(whole, [] {}), rows.matching(oneByOne, [] {})) << pattern;
     }
 }
 

@@ -132,6 +132,12 @@ std::string_view Listbox::Row(std::size_t row) const
     return m_model->rows()[row];
 }
 
+std::vector<std::size_t> Listbox::RowsMatching(
+    RegEx& expression, const std::function<void()>& meanwhile) const
+{
+    return m_model->rows().matching(expression, meanwhile);
+}
+
 void Listbox::DeleteAllRows()
 {
     m_model->clear();

@@ -6,8 +6,11 @@
 
 #include <cstddef>
 #include <span>
+#include <vector>
 
 namespace quilvane {
+
+class RegEx;
 
 /// A list of one column, made for millions of rows. Rows are numbered from 0.
 ///
@@ -31,6 +34,10 @@ public:
 
     /// As Cell, without a copy: valid until rows are removed.
     std::string_view Row(std::size_t row) const;
+
+    /// The rows in which `expression` is found, the last one first. Calls `meanwhile` now and then. Throws
+    /// what RegEx::matches() throws.
+    std::vector<std::size_t> RowsMatching(RegEx& expression, const std::function<void()>& meanwhile) const;
 
     void DeleteAllRows();
 

@@ -3,7 +3,10 @@
 #include "framework/controls/RowStore.h"
 
 #include "framework/files/availableMemory.h"
+#include "framework/text/LiteralText.h"
+#include "framework/text/RegEx.h"
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -14,6 +17,24 @@ namespace {
 
 /// In bytes, with what it takes to look for duplicates among them.
 constexpr std::uint64_t memoryForMillionRows = std::uint64_t(96) << 20;
+
+/// Calls take(i) for each row i that holds `literal`, of rows that stand one behind the other in `text`.
+/// `ends` are the places behind each.
+template <typename Take>
+void forEachRowWith(
+    const LiteralText& literal, std::string_view text, std::span<const std::uint32_t> ends, Take take)
+{
+    std::size_t row = 0;
+    std::size_t place = literal.find(text, 0);
+    while (place != std::string_view::npos) {
+        while (ends[row] <= place)
+            ++row;
+        const bool inOneRow = place + literal.size() <= ends[row];
+        if (inOneRow)
+            take(row);
+        place = literal.find(text, inOneRow ? ends[row] : place + 1);
+    }
+}
 
 } // namespace
 
@@ -50,6 +71,32 @@ std::string_view RowStore::operator[](std::size_t row) const
     const std::size_t index = row % rowsPerChunk;
     const std::size_t begin = index == 0 ? 0 : chunk.ends[index - 1];
     return std::string_view(chunk.text).substr(begin, chunk.ends[index] - begin);
+}
+
+std::vector<std::size_t> RowStore::matching(RegEx& expression, const std::function<void()>& meanwhile) const
+{
+    std::vector<std::size_t> found;
+    std::size_t behind = m_size;
+    while (behind > 0) {
+        const std::size_t first = (behind - 1) / rowsPerChunk * rowsPerChunk;
+        if (const LiteralText* literal = expression.literal()) {
+            const Chunk& chunk = m_chunks[first / rowsPerChunk];
+            const std::span<const std::uint32_t> ends(chunk.ends.data(), behind - first);
+            const auto before = std::ptrdiff_t(found.size());
+            forEachRowWith(*literal, std::string_view(chunk.text).substr(0, ends.back()), ends,
+                [&](std::size_t row) { found.push_back(first + row); });
+            std::reverse(found.begin() + before, found.end());
+            meanwhile();
+        } else {
+            for (std::size_t row = behind; row-- > first;) {
+                if (expression.matches((*this)[row]))
+                    found.push_back(row);
+                meanwhile();
+            }
+        }
+        behind = first;
+    }
+    return found;
 }
 
 void RowStore::clear()

@@ -4,12 +4,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace quilvane {
+
+class RegEx;
 
 /// The rows of a list: texts in chunks of one arena each, so that millions cost little more than their bytes
 /// and adding a row never moves the earlier ones. Rows are numbered from 0.
@@ -22,6 +25,10 @@ public:
 
     /// Valid until rows are removed or the store goes. `row` must be below size().
     std::string_view operator[](std::size_t row) const;
+
+    /// The rows in which `expression` is found, the last one first. Calls `meanwhile` now and then, which may
+    /// append rows; they are not searched. Throws what RegEx::matches() throws.
+    std::vector<std::size_t> matching(RegEx& expression, const std::function<void()>& meanwhile) const;
 
     void clear();
 

@@ -4,9 +4,8 @@
 
 #include "framework/exceptions.h"
 #include "framework/net/BodyBuffer.h"
+#include "framework/net/internal/CurlLibrary.h"
 #include "framework/text/charset.h"
-
-#include <curl/curl.h>
 
 #include <algorithm>
 #include <array>
@@ -22,19 +21,11 @@ namespace {
 constexpr long pieceSize = 256L * 1024; // bytes; libcurl's own of 16 KiB makes large pages slow
 
 struct FreeEasy {
-    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+    void operator()(CURL* easy) const { CurlLibrary::instance().easyCleanup(easy); }
 };
 struct FreeMulti {
-    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+    void operator()(CURLM* multi) const { CurlLibrary::instance().multiCleanup(multi); }
 };
-
-/// libcurl's own set-up, once a process. Never taken back: a transfer may run until the process ends.
-void initialiseLibrary()
-{
-    static const CURLcode status = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (status != CURLE_OK)
-        throw std::bad_alloc();
-}
 
 std::string lengthInWords(std::uint64_t bytes)
 {
@@ -54,15 +45,14 @@ public:
         , m_options(options)
         , m_stop(stop)
     {
-        initialiseLibrary();
-        m_easy.reset(curl_easy_init());
-        m_multi.reset(curl_multi_init());
+        m_easy.reset(m_curl.easyInit());
+        m_multi.reset(m_curl.multiInit());
         if (!m_easy || !m_multi)
             throw std::bad_alloc();
         setUp();
     }
 
-    ~Transfer() { curl_multi_remove_handle(m_multi.get(), m_easy.get()); }
+    ~Transfer() { m_curl.multiRemoveHandle(m_multi.get(), m_easy.get()); }
 
     Transfer(const Transfer&) = delete;
     Transfer& operator=(const Transfer&) = delete;
@@ -84,7 +74,7 @@ private:
     template <typename Value>
     void set(CURLoption option, Value value)
     {
-        const CURLcode status = curl_easy_setopt(m_easy.get(), option, value);
+        const CURLcode status = m_curl.easySetopt(m_easy.get(), option, value);
         if (status == CURLE_OUT_OF_MEMORY)
             throw std::bad_alloc();
         if (status != CURLE_OK)
@@ -128,20 +118,20 @@ private:
     CURLcode perform()
     {
         constexpr int longestWait = 1000; // ms; libcurl knows itself when it must look at its clocks
-        const std::stop_callback wake(m_stop, [this] { curl_multi_wakeup(m_multi.get()); });
-        curl_multi_add_handle(m_multi.get(), m_easy.get());
+        const std::stop_callback wake(m_stop, [this] { m_curl.multiWakeup(m_multi.get()); });
+        m_curl.multiAddHandle(m_multi.get(), m_easy.get());
         int running = 1;
         while (running > 0) {
             if (m_stop.stop_requested())
                 return CURLE_ABORTED_BY_CALLBACK;
-            CURLMcode status = curl_multi_perform(m_multi.get(), &running);
+            CURLMcode status = m_curl.multiPerform(m_multi.get(), &running);
             if (status == CURLM_OK && running > 0)
-                status = curl_multi_poll(m_multi.get(), nullptr, 0, longestWait, nullptr);
+                status = m_curl.multiPoll(m_multi.get(), nullptr, 0, longestWait, nullptr);
             if (status != CURLM_OK)
                 throw std::bad_alloc(); // nothing else can happen to a handle that is used rightly
         }
         int left = 0;
-        return curl_multi_info_read(m_multi.get(), &left)->data.result;
+        return m_curl.multiInfoRead(m_multi.get(), &left)->data.result;
     }
 
     static std::size_t receive(const char* bytes, std::size_t, std::size_t count, void* transfer)
@@ -164,7 +154,7 @@ private:
     std::uint64_t announcedSize() const
     {
         curl_off_t size = 0;
-        curl_easy_getinfo(m_easy.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
+        m_curl.easyGetinfo(m_easy.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
         return static_cast<std::uint64_t>(std::max<curl_off_t>(size, 0));
     }
 
@@ -181,7 +171,7 @@ private:
     std::string text(CURLINFO info) const
     {
         const char* value = nullptr;
-        curl_easy_getinfo(m_easy.get(), info, &value);
+        m_curl.easyGetinfo(m_easy.get(), info, &value);
         return value ? value : "";
     }
 
@@ -220,14 +210,14 @@ private:
         case CURLE_ABORTED_BY_CALLBACK:
             return "it is no longer wanted";
         default:
-            return curl_easy_strerror(result) + detail();
+            return m_curl.easyStrerror(result) + detail();
         }
     }
 
     std::string systemReason() const
     {
         long errorNumber = 0;
-        curl_easy_getinfo(m_easy.get(), CURLINFO_OS_ERRNO, &errorNumber);
+        m_curl.easyGetinfo(m_easy.get(), CURLINFO_OS_ERRNO, &errorNumber);
         if (errorNumber == 0)
             return {};
         return " (" + std::generic_category().message(static_cast<int>(errorNumber)) + ')';
@@ -239,6 +229,7 @@ private:
         return m_detail[0] == '\0' ? "" : " (" + std::string(m_detail.data()) + ')';
     }
 
+    const CurlLibrary& m_curl = CurlLibrary::instance();
     std::string m_address;
     const FetchOptions& m_options;
     const std::stop_token& m_stop;

@@ -144,6 +144,11 @@ CompiledPattern::CompiledPattern(std::string pattern)
 
 CompiledPattern::~CompiledPattern() = default;
 
+const LiteralText* CompiledPattern::literal() const
+{
+    return m_native->literal ? &*m_native->literal : nullptr;
+}
+
 std::span<const std::size_t> CompiledPattern::run(
     std::string_view text, std::size_t start, EmptyAtStart empty) const
 {

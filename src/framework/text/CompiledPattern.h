@@ -10,6 +10,8 @@
 
 namespace quilvane {
 
+class LiteralText;
+
 /// A pattern ready to run; what RegEx objects of one pattern share. For one OS thread only.
 class CompiledPattern {
 public:
@@ -25,6 +27,9 @@ public:
     CompiledPattern& operator=(const CompiledPattern&) = delete;
 
     const std::string& pattern() const { return m_pattern; }
+
+    /// Null if the pattern is more than a text to be found.
+    const LiteralText* literal() const;
 
     /// Looks for the first match that begins at `start` or behind; `start` is at most the size of the text.
     /// Gives pairs of begin and end offsets, for the whole match and for each bracket (`unset` for one that

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 namespace quilvane {
@@ -36,6 +38,36 @@ bool isPlain(char byte)
     return isLetterOrDigit(byte) || std::string_view("@_%-,;:!'\"/&=~ ").find(byte) != std::string_view::npos;
 }
 
+constexpr std::uint64_t everyByte = 0x0101010101010101;
+
+/// Not 0 if a byte is 0.
+std::uint64_t zeroBytes(std::uint64_t bytes)
+{
+    return (bytes - everyByte) & ~bytes & everyByte * 0x80;
+}
+
+/// One folded byte, to be looked for at eight places at once.
+class EightTimes {
+public:
+    explicit EightTimes(char folded)
+        : m_wanted(everyByte * static_cast<unsigned char>(folded))
+        , m_caseBits(folded >= 'a' && folded <= 'z' ? everyByte * 0x20 : 0)
+    {
+    }
+
+    /// A byte of the result is 0 where the one at `text` is the byte, in any case.
+    std::uint64_t differenceTo(const char* text) const
+    {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, text, sizeof bytes);
+        return (bytes | m_caseBits) ^ m_wanted;
+    }
+
+private:
+    std::uint64_t m_wanted;
+    std::uint64_t m_caseBits;
+};
+
 } // namespace
 
 std::optional<LiteralText> LiteralText::of(std::string_view pattern)
@@ -60,24 +92,37 @@ LiteralText::LiteralText(std::string folded)
 {
 }
 
+bool LiteralText::standsAt(const char* text) const
+{
+    return std::equal(
+        m_folded.begin(), m_folded.end(), text, [](char wanted, char byte) { return wanted == fold(byte); });
+}
+
 std::size_t LiteralText::find(std::string_view text, std::size_t start) const
 {
     if (text.size() < start + m_folded.size())
         return std::string_view::npos;
-    const std::string_view firsts = text.substr(0, text.size() - m_folded.size() + 1);
-    const char lower = m_folded.front();
-    const char upper = lower >= 'a' && lower <= 'z' ? char(lower - 'a' + 'A') : lower;
-    std::size_t nextLower = firsts.find(lower, start);
-    std::size_t nextUpper = upper == lower ? std::string_view::npos : firsts.find(upper, start);
-    while (nextLower != nextUpper) { // both npos at the end
-        const std::size_t candidate = std::min(nextLower, nextUpper);
-        if (std::equal(m_folded.begin() + 1, m_folded.end(), text.begin() + std::ptrdiff_t(candidate) + 1,
-                [](char wanted, char byte) { return wanted == fold(byte); }))
-            return candidate;
-        if (candidate == nextLower)
-            nextLower = firsts.find(lower, candidate + 1);
-        else
-            nextUpper = firsts.find(upper, candidate + 1);
+    const EightTimes first(m_folded.front());
+    const EightTimes last(m_folded.back());
+    const char* place = text.data() + start;
+    const char* const behind = text.data() + (text.size() - m_folded.size() + 1);
+    const std::size_t toLast = m_folded.size() - 1;
+    // Few places have both its first and its last byte; where there is none the steps are long.
+    const auto candidates = [&](const char* eight) {
+        return zeroBytes(first.differenceTo(eight) | last.differenceTo(eight + toLast));
+    };
+    while (place != behind) {
+        while (behind - place >= 32
+            && (candidates(place) | candidates(place + 8) | candidates(place + 16) | candidates(place + 24))
+                == 0)
+            place += 32;
+        while (behind - place >= 8 && candidates(place) == 0)
+            place += 8;
+        const char* const next = place + std::min<std::ptrdiff_t>(8, behind - place);
+        for (; place != next; ++place) {
+            if (standsAt(place))
+                return std::size_t(place - text.data());
+        }
     }
     return std::string_view::npos;
 }

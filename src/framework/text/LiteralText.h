@@ -25,6 +25,8 @@ public:
 private:
     explicit LiteralText(std::string folded);
 
+    bool standsAt(const char* text) const;
+
     std::string m_folded;
 };
 

@@ -69,6 +69,11 @@ bool RegEx::matches(std::string_view text)
     return !compiled().run(text).empty();
 }
 
+const LiteralText* RegEx::literal()
+{
+    return compiled().literal();
+}
+
 const CompiledPattern& RegEx::compiled()
 {
     if (!m_compiled)

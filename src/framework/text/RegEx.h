@@ -13,6 +13,7 @@
 namespace quilvane {
 
 class CompiledPattern;
+class LiteralText;
 
 /// A regular expression of Perl's kind, run over bytes: case is ignored and `\b` and `\w` are told for ASCII
 /// only,
@@ -54,6 +55,9 @@ public:
     /// Whether the pattern is found in `text`; allocates nothing once the pattern is compiled. Does not touch
     /// the text that Search() goes on in.
     bool matches(std::string_view text);
+
+    /// Null if the pattern is more than a text to be found. Valid until the pattern is set.
+    const LiteralText* literal();
 
 private:
     const CompiledPattern& compiled();
