@@ -33,6 +33,7 @@ std::unique_ptr<App> makeApp()
 int startUp(int argc, char** argv)
 {
     const Runtime runtime(argc, argv, "Quilvane");
+    Runtime::setDesktopEntry("org.quilvane.Quilvane");
     const std::unique_ptr<App> app = makeApp();
     return app->Run([] { implicit<Window1>(); });
 }

@@ -9,7 +9,11 @@
 
 #include <QApplication>
 #include <QFont>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
 #include <QStyleFactory>
+#include <QSvgRenderer>
 
 #include <csignal>
 
@@ -18,6 +22,24 @@ namespace quilvane {
 namespace {
 
 constexpr int textSize = 13; // logical pixels
+
+/// In the sizes that title bars and panels show. Drawn here, since a desktop that does not know the program's
+/// entry, as when it is not installed, takes the windows' own icon.
+QIcon iconFromDrawings(const QString& id)
+{
+    QSvgRenderer small(QStringLiteral(":/icons/%1-small.svg").arg(id));
+    QSvgRenderer large(QStringLiteral(":/icons/%1.svg").arg(id));
+    QIcon icon;
+    for (const int side : { 16, 24, 32, 64 }) {
+        QPixmap picture(side, side);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        (side < 32 ? small : large).render(&painter);
+        painter.end();
+        icon.addPixmap(picture);
+    }
+    return icon;
+}
 
 void reportFromThread(Thread& thread, std::exception_ptr exception)
 {
@@ -45,7 +67,6 @@ Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
 {
     // Not the display name: Qt would append that to the title of every window.
     QApplication::setApplicationName(toQt(applicationName));
-    QApplication::setDesktopFileName(toQt(applicationName).toLower());
     // Closing the last window does not end the program; its File menu does.
     QApplication::setQuitOnLastWindowClosed(false);
     // The windows' tables give places in pixels, so every desktop gets the style whose controls fit them.
@@ -62,6 +83,12 @@ Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
 }
 
 Runtime::~Runtime() = default;
+
+void Runtime::setDesktopEntry(std::string_view id)
+{
+    QApplication::setDesktopFileName(toQt(id));
+    QApplication::setWindowIcon(iconFromDrawings(toQt(id)));
+}
 
 void Runtime::useDarkColors()
 {

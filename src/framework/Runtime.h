@@ -14,6 +14,10 @@ public:
     Runtime(int& argc, char** argv, std::string_view applicationName);
     ~Runtime();
 
+    /// Tells the desktop which of its entries this is: the windows get the entry's icon, from the resources.
+    /// Call it before there is a window.
+    static void setDesktopEntry(std::string_view id);
+
     /// Light text on dark windows, whatever the desktop's own colours.
     static void useDarkColors();
 

@@ -18,6 +18,7 @@ set(arrows
     "scan:      std immintrin.h"
     "framework: std system libraries"
     "demo:      app readers batch filter search export scan framework std"
+    "packaging: std libraries"
     "tests:     app readers batch filter search export scan framework std system libraries"
     "bench:     app readers batch filter search export scan framework std system libraries tests"
     "fuzz:      scan framework std libraries tests"
@@ -102,7 +103,8 @@ endfunction()
 
 file(GLOB_RECURSE files RELATIVE "${ROOT}"
     "${ROOT}/src/*.h" "${ROOT}/src/*.cpp" "${ROOT}/demo/*.h" "${ROOT}/demo/*.cpp" "${ROOT}/tests/*.h"
-    "${ROOT}/tests/*.cpp" "${ROOT}/bench/*.h" "${ROOT}/bench/*.cpp" "${ROOT}/fuzz/*.h" "${ROOT}/fuzz/*.cpp")
+    "${ROOT}/tests/*.cpp" "${ROOT}/bench/*.h" "${ROOT}/bench/*.cpp" "${ROOT}/fuzz/*.h" "${ROOT}/fuzz/*.cpp"
+    "${ROOT}/packaging/*.cpp")
 set(offenders 0)
 set(includes 0)
 foreach(file IN LISTS files)

@@ -59,7 +59,7 @@ std::string childProgram()
 {
     const std::string folder = programFolder();
     std::string beside = folder + "/quilvane-pdf";
-    return ::access(beside.c_str(), X_OK) == 0 ? beside : folder + "/../libexec/quilvane/quilvane-pdf";
+    return ::access(beside.c_str(), X_OK) == 0 ? beside : folder + "/" QUILVANE_PDF_FOLDER "/quilvane-pdf";
 }
 
 class FileActions {
