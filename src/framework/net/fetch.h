@@ -45,7 +45,7 @@ struct FetchedPage {
 ///
 /// Throws ConnectionException, which names the address and the reason, for everything that keeps the body
 /// from coming whole, a request to `stop` included, which ends the transfer at once. Memory that is not there
-/// is an OutOfMemoryException, a system without libcurl a std::runtime_error.
+/// is an OutOfMemoryException, a system without libcurl a RuntimeException.
 FetchedPage fetch(std::string_view url, const FetchOptions& options = FetchOptions::standard(),
     const std::stop_token& stop = {});
 

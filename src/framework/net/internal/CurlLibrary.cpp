@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/net/internal/CurlLibrary.h"
 
+#include "framework/exceptions.h"
+
 #include <dlfcn.h>
 
 #include <new>
-#include <stdexcept>
+#include <string>
 
 namespace quilvane {
 
@@ -14,7 +16,7 @@ namespace {
 void* found(void* result)
 {
     if (!result)
-        throw std::runtime_error(dlerror());
+        throw RuntimeException("Web pages can't be loaded: " + std::string(dlerror()) + '.');
     return result;
 }
 

@@ -27,7 +27,7 @@ class CurlLibrary {
     void* m_library; // ahead of what is looked up in it
 
 public:
-    /// Throws std::runtime_error if the library is not there.
+    /// Throws RuntimeException if the library is not there.
     static const CurlLibrary& instance();
 
     Function<decltype(curl_easy_cleanup)> easyCleanup{ m_library, "curl_easy_cleanup" };
