@@ -10,7 +10,7 @@ namespace quilvane {
 
 void Window1::Canvas1_Open()
 {
-    // PDF files and folders have no such line and come all the same: one of them opens the area to
+    // PDF files and folders have no such line and come all the same: any of these opens the area to
     // everything.
     Canvas1.AcceptFileDrop("application/vnd.ms-excel");
     Canvas1.AcceptFileDrop("text/plain");
