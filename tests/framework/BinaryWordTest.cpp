@@ -65,33 +65,17 @@ TEST(BinaryWord, ReadsTheTextOfThePieces)
     };
     for (const Row& row :
         {
-            Row{ "no text", { {} }, "" },
             Row{ "8-bit, always Western", { { { "\x80 \xE9\x96", false } }, 193, 0, 0x0419 }, "€ é–" },
             Row{ "16-bit", { { { wide("a@") + "\x20\x04\x3D\xD8\x01\xDE", true } } }, "a@Р😁" },
             Row{ "an address over three pieces", { { { "a@" }, { wide("b."), true }, { "org" } } },
                 "a@b.org" },
-            Row{ "special characters",
-                { { { "a\x01"
-                      "b\x02"
-                      "c\x05\x08"
-                      "d\x07"
-                      "e\x0B"
-                      "f\x1E"
-                      "g\x1F"
-                      "h\xA0i\xADj\x0Ck" } } },
+            Row{ "special characters", { { { "a\001b\002c\005\010d\007e\013f\036g\037h\240i\255j\014k" } } },
                 "a b cd\te\nf-gh ij\nk" },
             Row{ "the mail link", { { { mailField } } }, "alink b\nm@x.org?s\nc" },
             Row{ "another link, a field in its code", { { { nested } } }, "n@x.org." },
             Row{ "a code that holds an address", { { { "\x13QUOTE q@x.org\x15.\r" } } }, ".\nQUOTE q@x.org" },
-            Row{ "a field without an end",
-                { { { "a\x13 b@c.org\r"
-                      "d" } } },
-                "a\n b@c.org\nd" },
-            Row{ "marks without a field",
-                { { { "a\x14"
-                      "b\x15"
-                      "c" } } },
-                "abc" },
+            Row{ "a field without an end", { { { "a\023 b@c.org\rd" } } }, "a\n b@c.org\nd" },
+            Row{ "marks without a field", { { { "a\024b\025c" } } }, "abc" },
             Row{
                 "deep fields", { { { std::string(5000, '\x13') + std::string(5000, '\x15') + "a" } } }, "a" },
             Row{ "deleted characters", { { { "a" }, { wide("x@"), true, 0, true }, { "b" } } }, "ab" },
@@ -118,14 +102,10 @@ TEST(BinaryWord, ReadsTheTextOfThePieces)
 TEST(BinaryWord, OtherFilesGiveNothing)
 {
     const std::string document(4096, 'x');
-    EXPECT_FALSE(textOfBinaryWord(""));
     EXPECT_FALSE(textOfBinaryWord("plain text"));
     EXPECT_FALSE(textOfBinaryWord(compoundFile({ { "Workbook", document } })));
     EXPECT_FALSE(textOfBinaryWord(compoundFile({ { "WordDocument", document } })));
-    EXPECT_FALSE(
-        textOfBinaryWord(compoundFile({ { "WordDocument", document }, { "encryptedpackage", "" } })));
     EXPECT_FALSE(textOfRtf("{\\rt"));
-    EXPECT_FALSE(textOfRtf(""));
 }
 
 TEST(BinaryWord, DamagedFilesGiveNothingButTheirRuns)
@@ -137,15 +117,12 @@ TEST(BinaryWord, DamagedFilesGiveNothingButTheirRuns)
         const std::string_view cut = std::string_view(whole).substr(0, whole.size() * tenth / 10);
         EXPECT_FALSE(textOfBinaryWord(cut)) << tenth;
         EXPECT_EQ(holdsAddress(textRuns(cut), "box@example.com"), cut.size() > boxAt + 30) << tenth;
-        textOfRtf(sample("letter.rtf").substr(0, cut.size()));
     }
-
     Document document{ { { "kept@example.org" } } };
-    document.tableName = "2Table";
-    EXPECT_FALSE(textOfBinaryWord(document.bytes())) << "no table stream";
-    document.tableName = "0Table";
     document.hasPieceTable = false;
     EXPECT_FALSE(textOfBinaryWord(document.bytes())) << "no piece table";
+    document.tableName = "2Table";
+    EXPECT_FALSE(textOfBinaryWord(document.bytes())) << "no table stream";
 }
 
 /// Each ends, and none does harm; what they give does not count.
@@ -178,11 +155,12 @@ TEST(BinaryWord, ForgedFilesEnd)
     }
 
     std::mt19937 random(1); // NOLINT: the same bytes in every run
-    const std::string letter = sample("letter.doc");
-    for (int round = 0; round < 300; ++round) {
-        std::string bytes = round % 2 ? letter : whole;
+    const std::string documents[] = { whole, sample("letter.doc"), sample("letter.docx") };
+    for (int round = 0; round < 450; ++round) {
+        std::string bytes = documents[round % 3];
         for (int i = 0; i < 20; ++i)
             bytes[random() % (i < 10 ? bytes.size() : 1536)] = static_cast<char>(random());
+        WordFileMBS::OpenData("PK\3\4" + bytes.substr(4));
         textOfBinaryWord("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + bytes.substr(8));
         textOfRtf("{\\rtf1" + bytes);
     }
@@ -236,7 +214,6 @@ TEST(Rtf, TextOfSnippets)
 
 TEST(TextRuns, AreOfBothWidths)
 {
-    EXPECT_EQ(textRuns(""), "");
     EXPECT_EQ(textRuns(std::string("abc\0abcd\1\xC4pfel", 14)), "abcd\nÄpfel\n");
     EXPECT_EQ(textRuns(wide("a@b.org")), "a@b.org\n");
     EXPECT_EQ(textRuns('\1' + wide("a@b.org") + "\x10\x04"), "a@b.orgА\n");

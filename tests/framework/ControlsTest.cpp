@@ -17,7 +17,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QAccessible>
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
@@ -147,7 +146,6 @@ TEST_F(ControlsTest, aParkedControlWorksButCannotBeReached)
     window->parked.Action = [&] { ++presses; };
     window->parked.Push();
     EXPECT_EQ(presses, 1);
-    EXPECT_TRUE(window->parked.Visible());
     EXPECT_EQ(TestWindow::widget<QWidget>("parked"), nullptr);
     window->parked.setEnabled(false);
     window->parked.Push();
@@ -189,16 +187,6 @@ TEST_F(ControlsTest, keysReachTheFieldFirstAndThenTheWindowsButtons)
     EXPECT_EQ(events, "") << "a closed window has no default button any more";
 }
 
-TEST_F(ControlsTest, tabGoesByTheTable)
-{
-    const std::string order[] = { "field", "box", "list" };
-    TestWindow::widget<QWidget>("field")->setFocus();
-    for (const std::string& name : order) {
-        EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), name);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    }
-}
-
 TEST_F(ControlsTest, listTellsItsViewOncePerPass)
 {
     auto* view = TestWindow::widget<QListView>("list");
@@ -206,13 +194,11 @@ TEST_F(ControlsTest, listTellsItsViewOncePerPass)
     QObject::connect(view->model(), &QAbstractItemModel::rowsInserted, [&] { ++told; });
     for (int i = 0; i < 100'000; ++i)
         window->list.AddRow("row" + std::to_string(i));
-    EXPECT_EQ(window->list.ListCount(), 100'000U);
     EXPECT_EQ(view->model()->rowCount(), 0);
     Application::DoEvents(100);
     EXPECT_EQ(view->model()->rowCount(), 100'000);
     EXPECT_EQ(told, 1);
 
-    view->scrollToBottom();
     QTest::keyClick(view, Qt::Key_End);
     EXPECT_EQ(view->currentIndex().data().toString(), "row99999");
     EXPECT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex())));
@@ -233,8 +219,8 @@ TEST_F(ControlsTest, listKeepsTheRetainedRowsInOrder)
     Application::DoEvents(100);
     int changes = 0;
     window->list.Change = [&] { ++changes; };
-    TestWindow::widget<QListView>("list")->setCurrentIndex(
-        TestWindow::widget<QListView>("list")->model()->index(1, 0));
+    auto* view = TestWindow::widget<QListView>("list");
+    view->setCurrentIndex(view->model()->index(1, 0));
     EXPECT_EQ(changes, 1);
 
     window->list.RetainRows(keep);
@@ -248,20 +234,6 @@ TEST_F(ControlsTest, listKeepsTheRetainedRowsInOrder)
     window->list.DeleteAllRows();
     window->list.AddRow("");
     EXPECT_EQ(window->list.Cell(0, 0), "");
-}
-
-TEST_F(ControlsTest, aScreenReaderCanWalkTheRows)
-{
-    window->list.setAccessibleName("Rows");
-    window->list.AddRow("first@row.org");
-    window->list.AddRow("second@row.org");
-    Application::DoEvents(100);
-    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(TestWindow::widget<QListView>("list"));
-    ASSERT_NE(list, nullptr);
-    EXPECT_EQ(list->role(), QAccessible::List);
-    EXPECT_EQ(list->text(QAccessible::Name), "Rows");
-    ASSERT_EQ(list->childCount(), 2);
-    EXPECT_EQ(list->child(1)->text(QAccessible::Name), "second@row.org");
 }
 
 TEST_F(ControlsTest, labelStaysReadableOnDark)

@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <initializer_list>
-#include <random>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -105,7 +104,6 @@ TEST(OpenXml, ReadsTheTextOfABody)
     };
     for (const Row& row :
         {
-            Row{ "an empty body", "", "" },
             Row{ "runs join",
                 "<w:p><w:r><w:t>a@</w:t></w:r><w:r><w:rPr><w:b/></w:rPr><w:t>x.org</w:t></w:r></w:p>",
                 "a@x.org" },
@@ -118,8 +116,7 @@ TEST(OpenXml, ReadsTheTextOfABody)
                 "<w:t>c</w:t><w:cr/><w:t>d</w:t><w:ptab/><w:t>e</w:t></w:r></w:p>",
                 "a\tb\nc\nd\te" },
             Row{ "hyphens and symbols",
-                "<w:p><w:r><w:t>a</w:t><w:noBreakHyphen/><w:t>b</w:t><w:softHyphen/"
-                "><w:t>c\xC2\xAD\xE2\x80\x91</w:t>"
+                "<w:p><w:r><w:t>a</w:t><w:noBreakHyphen/><w:t>b</w:t><w:softHyphen/><w:t>c\u00AD\u2011</w:t>"
                 "<w:sym w:char='0040'/><w:sym w:char='F02A'/></w:r></w:p>",
                 "a-bc-@\xEF\x80\xAA" },
             Row{ "line ends in a text", "<w:p><w:r><w:t>a\nb &amp; c\xF0\x9F\x98\x81</w:t></w:r></w:p>",
@@ -131,23 +128,17 @@ TEST(OpenXml, ReadsTheTextOfABody)
                 "<w:p><w:txbxContent><w:p><w:r><w:t>1</w:t></w:r>" + box
                     + "<w:r><w:t>2</w:t></w:r></w:p></w:txbxContent></w:p>" + paragraph("b"),
                 "\nbox@x.org\n\n12\n\nb" },
-            Row{ "the fallback of a choice that gave text",
+            Row{ "a fallback counts where no choice gave text",
                 "<w:p><mc:AlternateContent><mc:Choice>" + box + "</mc:Choice><mc:Fallback>" + box
-                    + "</mc:Fallback></mc:AlternateContent></w:p>",
-                "\nbox@x.org" },
-            Row{ "the fallback of one that gave none",
-                "<w:p><mc:AlternateContent><mc:Choice><w:drawing/></mc:Choice><mc:Fallback>" + box
-                    + "</mc:Fallback></mc:AlternateContent></w:p>",
-                "\nbox@x.org" },
-            Row{ "deleted and moved away",
-                "<w:p><w:r><w:t>a</w:t></w:r><w:del><w:r><w:delText>b</w:delText><w:t>c</w:t></w:r></w:del>"
-                "<w:moveFrom><w:r><w:t>d</w:t></w:r></w:moveFrom><w:ins><w:r><w:t>e</w:t></w:r></w:ins></"
-                "w:p>",
+                    + "</mc:Fallback></mc:AlternateContent></w:p><w:p><mc:AlternateContent><mc:Choice>"
+                      "<w:drawing/></mc:Choice><mc:Fallback><w:r><w:t>a</w:t></w:r></mc:Fallback>"
+                      "</mc:AlternateContent></w:p>",
+                "\nbox@x.org\n\na" },
+            Row{ "deleted and moved away, with the end of a paragraph",
+                "<w:p><w:pPr><w:rPr><w:del/></w:rPr></w:pPr><w:r><w:t>a</w:t></w:r><w:del><w:r><w:delText>b"
+                "</w:delText><w:t>c</w:t></w:r></w:del><w:moveFrom><w:r><w:t>d</w:t></w:r></w:moveFrom></w:p>"
+                "<w:p><w:ins><w:r><w:t>e</w:t></w:r></w:ins></w:p>",
                 "ae" },
-            Row{ "a deleted end of a paragraph",
-                "<w:p><w:pPr><w:rPr><w:del/></w:rPr></w:pPr><w:r><w:t>a@</w:t></w:r></w:p>"
-                    + paragraph("x.org"),
-                "a@x.org" },
             Row{ "a deleted row and a deleted cell",
                 "<w:tbl><w:tr><w:trPr><w:del/></w:trPr><w:tc>" + paragraph("a") + "</w:tc></w:tr><w:tr><w:tc>"
                     + paragraph("b") + "</w:tc><w:tc><w:tcPr><w:cellDel/></w:tcPr>" + paragraph("c")
@@ -166,12 +157,10 @@ TEST(OpenXml, ReadsTheTextOfABody)
                 "<w:p><w:txbxContent>" + mark("begin") + code("a@x.org")
                     + "</w:txbxContent><w:r><w:t>b</w:t></w:r></w:p>",
                 "b\na@x.org" },
-            Row{ "a simple field", "<w:p><w:fldSimple w:instr=' HYPERLINK mailto:a@x.org '/></w:p>",
-                "\na@x.org" },
-            Row{ "mathematics", "<w:p><m:oMath><m:r><m:t>a@x</m:t></m:r></m:oMath></w:p>", "a@x" },
-            Row{ "a picture's link and lettering",
-                "<w:p><v:shape href='mailto:a@x.org'><v:textpath string='b@x.org'/></v:shape></w:p>",
-                "\na@x.org\nb@x.org" },
+            Row{ "what is no run",
+                "<w:p><w:fldSimple w:instr=' HYPERLINK mailto:a@x.org '/><m:oMath><m:r><m:t>m@x</m:t></m:r>"
+                "</m:oMath><v:shape href='mailto:b@x.org'><v:textpath string='c@x.org'/></v:shape></w:p>",
+                "m@x\na@x.org\nb@x.org\nc@x.org" },
         })
         EXPECT_EQ(withoutLineEnd(textOf(packageOf(row.body))), row.text) << row.name;
 }
@@ -245,9 +234,7 @@ TEST(OpenXml, ReadsThePartsOfAPackage)
                 "inner@x.org\n\nb@x.org\nc@x.org\nd@x.org" },
             Row{ "lost relationships",
                 ZipBuilder().add("word/header1.xml", element("w:hdr", paragraph("a"))).archive(), "a" },
-            Row{ "another program's package",
-                ZipBuilder().add("_rels/.rels", toMainPart).add("word/document.xml", "<workbook/>").archive(),
-                "(nil)" },
+            Row{ "another program's package", package({ { "word/document.xml", "<workbook/>" } }), "(nil)" },
             Row{ "an archive of other files", ZipBuilder().add("a.txt", "a@x.org").archive(), "(nil)" },
         })
         EXPECT_EQ(withoutLineEnd(textOf(row.bytes)), row.text) << row.name;
@@ -280,7 +267,6 @@ TEST(WordFile, TellsTheKindFromTheBytes)
         const char* text;
     };
     for (const Row& row : {
-             Row{ "nothing", "", "(nil)" },
              Row{ "plain text", "a@x.org", "(nil)" },
              Row{ "any XML", "<?xml version='1.0'?><a>a@x.org</a>", "(nil)" },
              Row{ "RTF", "{\\rtf1 a@x.org}", "a@x.org" },
@@ -296,30 +282,11 @@ TEST(WordFile, TellsTheKindFromTheBytes)
 
 TEST(WordFile, TakesWhatATruncatedDocumentHolds)
 {
-    for (const char* name : { "letter.docx", "letter.doc" }) {
-        const std::string bytes = TempFolder::contentOf(std::string(QUILVANE_SAMPLES "/") + name);
-        for (std::size_t tenth = 0; tenth < 10; ++tenth) {
-            const std::string text = textOf(std::string_view(bytes).substr(0, bytes.size() * tenth / 10));
-            // By then, what holds the body is complete in both.
-            EXPECT_TRUE(tenth < 9 || text.find("body@example.com") != std::string::npos) << name << '\n'
-                                                                                         << text;
-        }
-    }
-    const std::string body = paragraph("a@x.org") + repeated(paragraph("b"), 100'000);
-    const std::string whole = ZipBuilder().add("word/document.xml", document(body)).archive();
+    const std::string letter = TempFolder::contentOf(QUILVANE_SAMPLES "/letter.docx");
+    EXPECT_NE(textOf(letter.substr(0, letter.size() * 9 / 10)).find("body@example.com"), std::string::npos);
+    const std::string whole = package(
+        { { "word/document.xml", document(paragraph("a@x.org") + repeated(paragraph("b"), 100'000)) } });
     EXPECT_TRUE(textOf(std::string_view(whole).substr(0, whole.size() / 2)).starts_with("a@x.org\nb\n"));
-}
-
-TEST(WordFile, SurvivesDamage)
-{
-    std::mt19937 random(1);
-    const std::string whole = TempFolder::contentOf(QUILVANE_SAMPLES "/letter.docx");
-    for (int round = 0; round < 300; ++round) {
-        std::string bytes = whole;
-        for (int damage = 0; damage < 5; ++damage)
-            bytes[random() % bytes.size()] = static_cast<char>(random());
-        EXPECT_LT(textOf(bytes).size(), megabyte);
-    }
 }
 
 /// Each of them takes minutes, gigabytes or the stack of whoever believes it.

@@ -2,14 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
-#include "batch/runRules.h"
 #include "framework/EventGuard.h"
 
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <limits>
 
 namespace quilvane {
 
@@ -174,10 +172,8 @@ TEST_F(BatchTest, stopWithoutSubfoldersIsSilent)
 {
     const TempFolder tree;
     tree.write("a.txt", "a@y.org");
-    tree.write("b.txt", "b@y.org");
     const ThreadSlice slice(1);
-    desktop.willSelect(tree.path());
-    window().importFolderBtn.Push();
+    searchFolder(tree.path());
     EXPECT_FALSE(window().Thread1.isRunning()) << "with slices of one yield it is killed where it stands";
     window().searchStop.setValue(true);
     window().Thread1.Run();
@@ -265,15 +261,6 @@ TEST_F(BatchTest, dropsOfFilesAndFolders)
     EXPECT_EQ(window().rCounter, 4) << "the second folder's run reads the first one's file again";
     EXPECT_FALSE(window().Timer1.Enabled());
     EXPECT_TRUE(window().searchStop.Enabled());
-}
-
-TEST_F(BatchTest, numbersNobodyShows)
-{
-    EXPECT_EQ(progressValue(0, 1), std::numeric_limits<std::int64_t>::min());
-    EXPECT_EQ(progressValue(0, 3), 32768);
-    EXPECT_EQ(progressValue(2, 3), 98304);
-    EXPECT_EQ(lastExtension("a.b.c"), ".c");
-    EXPECT_EQ(lastExtension("noext"), ".noext");
 }
 
 } // namespace quilvane

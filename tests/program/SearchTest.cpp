@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
-#include "filter/filterWIn.h"
 #include "search/Window2.h"
 #include "search/searchWin.h"
 
@@ -120,14 +119,6 @@ TEST_F(SearchTest, badKeywordLeavesAnEmptyResultWindow)
     ASSERT_EQ(resultWindows().size(), 1U);
     EXPECT_FALSE(resultWindows().front()->results.Visible());
     EXPECT_FALSE(resultWindows().front()->closeBtn.Enabled());
-    EXPECT_TRUE(isOpen<searchWin>());
-}
-
-TEST_F(SearchTest, closeClosesTheFilterDialogInstead)
-{
-    implicit<filterWIn>();
-    implicit<searchWin>().closeBtn.Push();
-    EXPECT_FALSE(isOpen<filterWIn>());
     EXPECT_TRUE(isOpen<searchWin>());
 }
 

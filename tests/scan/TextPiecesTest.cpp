@@ -34,22 +34,4 @@ TEST(TextPieces, cutBehindTheLastByteThatNoAddressHolds)
     EXPECT_EQ(pieces.rest(), "");
 }
 
-TEST(TextPieces, neverCutWithinAddressBytes)
-{
-    for (const char byte : std::string_view("azAZ09._%+-@")) {
-        TextPieces pieces(16);
-        EXPECT_EQ(feed(pieces, std::string("a") + byte), "") << byte;
-    }
-}
-
-TEST(TextPieces, haveRoomForARunLongerThanAPiece)
-{
-    TextPieces pieces(1);
-    const std::string run(1000, 'a');
-    for (const char byte : run)
-        EXPECT_EQ(feed(pieces, { &byte, 1 }), "");
-    EXPECT_EQ(pieces.rest(), run);
-    EXPECT_EQ(feed(pieces, "\n"), run + "\n");
-}
-
 } // namespace quilvane

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include <cstddef>
 #include <random>
 #include <stdexcept>
@@ -13,15 +11,15 @@
 #include <string_view>
 #include <vector>
 
+#include <strings.h>
+
 namespace quilvane {
 
 namespace {
 
-bool equalAsTextIs(std::string_view a, std::string_view b)
+bool equalAsTextIs(const std::string& a, const std::string& b)
 {
-    const auto lower = [](char byte) { return byte >= 'A' && byte <= 'Z' ? byte - 'A' + 'a' : byte; };
-    return std::equal(
-        a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
+    return a.size() == b.size() && ::strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
 /// Every pair is compared from the bottom up and the lower of two equal rows is taken out.

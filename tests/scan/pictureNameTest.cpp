@@ -30,15 +30,4 @@ TEST(PictureName, isWhatThePatternFinds)
     EXPECT_GT(found, 1'000);
 }
 
-TEST(PictureName, takesTheDotForAnyByte)
-{
-    EXPECT_TRUE(looksLikePictureName("icon@2x.PNG"));
-    EXPECT_TRUE(looksLikePictureName("xpng@b.com"));
-    EXPECT_TRUE(looksLikePictureName("a@b.com\tapng"));
-    EXPECT_FALSE(looksLikePictureName("png@b.com"));
-    EXPECT_FALSE(looksLikePictureName("a\npng"));
-    EXPECT_TRUE(looksLikePictureName("png@png.com"));
-    EXPECT_FALSE(looksLikePictureName(""));
-}
-
 } // namespace quilvane

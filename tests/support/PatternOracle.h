@@ -74,11 +74,7 @@ private:
 
     [[noreturn]] static void fail(const std::string& step, int error)
     {
-        std::string message(256, '\0');
-        const int length
-            = pcre2_get_error_message(error, reinterpret_cast<PCRE2_UCHAR*>(message.data()), message.size());
-        message.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-        throw std::runtime_error("PCRE2 could not " + step + ": " + message);
+        throw std::runtime_error("PCRE2 could not " + step + ": error " + std::to_string(error));
     }
 
     std::unique_ptr<pcre2_code, Free> m_code;

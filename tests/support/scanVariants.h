@@ -4,7 +4,6 @@
 
 #include "scan/AddressScanner.h"
 #include "scan/TextPieces.h"
-#include "scan/byteClasses.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -23,28 +22,12 @@ inline std::vector<AddressScanner::Kernel> supportedKernels()
     return kernels;
 }
 
-inline void appendMatches(
-    std::vector<std::string_view>& matches, std::string_view text, AddressScanner::Kernel kernel)
-{
-    AddressScanner scanner(text, kernel);
-    while (const auto match = scanner.next())
-        matches.push_back(*match);
-}
-
 inline std::vector<std::string_view> scanWhole(std::string_view text, AddressScanner::Kernel kernel)
 {
     std::vector<std::string_view> matches;
-    appendMatches(matches, text, kernel);
-    return matches;
-}
-
-/// Scans the text as two texts, cut at `cut`.
-inline std::vector<std::string_view> scanCut(
-    std::string_view text, std::size_t cut, AddressScanner::Kernel kernel)
-{
-    std::vector<std::string_view> matches;
-    appendMatches(matches, text.substr(0, cut), kernel);
-    appendMatches(matches, text.substr(cut), kernel);
+    AddressScanner scanner(text, kernel);
+    while (const auto match = scanner.next())
+        matches.push_back(*match);
     return matches;
 }
 
@@ -73,12 +56,6 @@ inline bool samePlaces(const std::vector<std::string_view>& a, const std::vector
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
         [](std::string_view x, std::string_view y) { return x.data() == y.data() && x.size() == y.size(); });
-}
-
-inline bool isSafeCut(std::string_view text, std::size_t cut)
-{
-    const char before = text[cut - 1];
-    return before != '@' && !isOf(before, ByteClass::localPart);
 }
 
 } // namespace quilvane
