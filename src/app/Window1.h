@@ -61,7 +61,7 @@ public:
 
     Ref<MyDynaPDFMBS> pdf; // the engine of the last PDF document
 
-    // The state of a run. Thread1 and the handlers share it without a lock: they take turns only at yields.
+    // The state of a run. Thread1 and the handlers share it without a lock: one calls the other.
     std::int64_t nextOne = 0; // how far the run is, in 65536ths and a little more; nobody looks at it
     std::string myProgressText; // what Timer1 copies to ProgressText, since Thread1 touches no control
     std::vector<std::string> itemArrayZ; // native paths of the files that Thread1 reads
@@ -112,7 +112,7 @@ public:
     /// Reads the files of a folder, then those of the folders below it.
     void doSubfolder(const Ref<FolderItem>& folder);
     void Thread1_Run();
-    /// The worker's loop for the main stack, which nothing calls.
+    /// The worker's loop with turns of the event loop, which nothing calls.
     void noThread();
     void doTextThread(const Ref<FolderItem>& f);
     void doCSVFolderThread(const Ref<FolderItem>& f);

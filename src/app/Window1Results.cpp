@@ -6,6 +6,7 @@
 
 #include "framework/Application.h"
 #include "framework/files/availableMemory.h"
+#include "framework/keepWindowPainted.h"
 #include "scan/AddressScanner.h"
 #include "scan/TextPieces.h"
 #include "scan/endTexts.h"
@@ -31,7 +32,6 @@ void Window1::addMatchesToList(std::string_view text, Counting counting)
         Listbox1.AddRow(*address);
         if (counting == Counting::On)
             ++rCounter;
-        yieldToThreads();
     }
 }
 
@@ -39,7 +39,6 @@ void Window1::flushResultArray()
 {
     for (std::size_t i = 0; i < resultArray.size(); ++i) {
         Listbox1.AddRow(resultArray[i]);
-        yieldToThreads();
     }
 }
 
@@ -74,7 +73,7 @@ void Window1::setTotalLabel()
 void Window1::checkDuplicates()
 {
     const auto rowText = [this](std::size_t row) { return Listbox1.Row(row); };
-    Listbox1.RetainRows(findSurvivors(Listbox1.ListCount(), rowText, yieldToThreads));
+    Listbox1.RetainRows(findSurvivors(Listbox1.ListCount(), rowText, keepWindowPainted));
 }
 
 void Window1::Listbox1_Change()

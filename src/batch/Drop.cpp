@@ -49,7 +49,6 @@ void Window1::Canvas1_DropObject(DragItem& obj)
             checkDuplicates();
             setFinishMessage(ProgressText);
             setTotalLabel();
-            yieldToThreads();
         } while (obj.NextItem());
     }
     Thread1.Kill();

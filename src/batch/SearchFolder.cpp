@@ -69,7 +69,6 @@ bool Window1::classifyChildren(const FolderItem& folder, const RunRules& rules, 
             if (!isLeftOut && nameHas(pattern, name))
                 itemArrayZ.push_back(current->NativePath());
         }
-        yieldToThreads();
     }
     return true;
 }

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The folders below a searched folder, read on the main stack while the event loop gets its turns.
+// The folders below a searched folder, read while the event loop gets its turns.
 
 #include "app/Window1.h"
 
@@ -45,7 +45,6 @@ void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
         current = GetFolderItem(subFolderArrayZ[i]);
         if (!rules.asksAgain || subFolderSearch.Value())
             doSubfolder(current);
-        yieldToThreads();
     }
 }
 
@@ -71,7 +70,6 @@ void Window1::walkFolder(const Ref<FolderItem>& folder, const WalkedFolder* abov
         // Both numbers are one short, on purpose.
         myProgressText = "Checking folder " + Str(i) + " of " + Str(subfolders.size() - 1) + ".";
         walkFolder(GetFolderItem(subfolders[i]), &here);
-        yieldToThreads();
     }
     myProgressText = "Finished searching subfolders.";
 }
@@ -88,7 +86,6 @@ void Window1::listFolder(
             if (nameHas(pattern, name))
                 files.push_back(child->NativePath());
         }
-        yieldToThreads();
     }
 }
 
@@ -108,7 +105,6 @@ void Window1::readFiles(const std::vector<std::string>& files)
         } else if (nameHas(".csv", extension) && f->OpenAsTextFile()) {
             doCSVFolderThread(f);
         }
-        yieldToThreads();
     }
 }
 

@@ -38,7 +38,6 @@ void Window1::Thread1_Run()
             doTextThread(f);
         else if (nameHas("\\.csv", extension) && f->OpenAsTextFile())
             doCSVFolderThread(f);
-        yieldToThreads();
     }
 }
 
@@ -62,7 +61,6 @@ void Window1::noThread()
             doCSVFolderThread(f);
             Application::DoEvents(eventLoopSpell);
         }
-        yieldToThreads();
     }
     Application::DoEvents(eventLoopSpell);
     myProgressText = "Searching subfolders.";
@@ -116,13 +114,10 @@ void Window1::doWordFolderThread(const Ref<FolderItem>& f)
 
 void Window1::stageMatches()
 {
-    // A hold on the text: at a yield another reader may put its own into searchText.
-    const std::shared_ptr<const std::string> text = searchText;
-    AddressScanner scanner(*text);
+    AddressScanner scanner(*searchText);
     while (const auto address = scanner.next()) {
         resultArray.emplace_back(*address);
         ++rCounter;
-        yieldToThreads();
     }
 }
 

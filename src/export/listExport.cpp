@@ -20,7 +20,6 @@ std::string exportText(const Listbox& list, ExportFormat format)
         text += endOfLine;
         text += list.Row(row);
         text += separator;
-        yieldToThreads();
     }
     return text;
 }

@@ -4,6 +4,7 @@
 
 #include "app/Window1.h"
 #include "filter/domainFilter.h"
+#include "framework/keepWindowPainted.h"
 #include "framework/text/strings.h"
 
 #include <exception>
@@ -34,7 +35,7 @@ void filterWIn::keepBtn_Action()
     const auto rowText = [&main](std::size_t row) { return main.Listbox1.Row(row); };
     const DomainFilterChoice choice = takeChoice();
     // With nothing ticked no row is kept, and nothing asks.
-    main.Listbox1.ArrangeRows(rowsToKeep(choice, main.Listbox1.ListCount(), rowText, yieldToThreads));
+    main.Listbox1.ArrangeRows(rowsToKeep(choice, main.Listbox1.ListCount(), rowText, keepWindowPainted));
     finish(main);
     Close();
 }
@@ -47,7 +48,7 @@ void filterWIn::removeBtn_Action()
     std::vector<unsigned char> stays(main.Listbox1.ListCount(), 1);
     std::exception_ptr failure;
     try {
-        markRowsToRemove(choice, rowText, stays, yieldToThreads);
+        markRowsToRemove(choice, rowText, stays, keepWindowPainted);
     } catch (...) {
         failure = std::current_exception();
     }

@@ -7,7 +7,6 @@
 #include "framework/controls/Window.h"
 #include "framework/internal/editCommands.h"
 #include "framework/internal/qtText.h"
-#include "framework/threads/Thread.h"
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
@@ -85,14 +84,11 @@ void Application::Quit()
 
 void Application::DoEvents(int milliseconds)
 {
-    assert(onMainStack());
     QElapsedTimer elapsed;
     elapsed.start();
     bool somethingDone = true;
-    while (somethingDone && elapsed.elapsed() <= milliseconds) {
+    while (somethingDone && elapsed.elapsed() <= milliseconds)
         somethingDone = QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents);
-        somethingDone = giveThreadsTheirTurn() || somethingDone;
-    }
     // The windows have gone, so what the handler goes on to do would be seen by nobody and keep the process
     // busy.
     if (instance().m_quitting && handlerDepth() > 0)

@@ -58,9 +58,8 @@ public:
     /// Closes all windows, each with its closing event, and ends the event loop.
     void Quit();
 
-    /// Delivers all events that wait and all timers that are due, and gives the worker its turn. Returns as
-    /// soon as nothing is left to do, after `milliseconds` at the latest. On the main stack only. Behind
-    /// Quit() it ends the handler that has called it.
+    /// Delivers all events that wait and all timers that are due. Returns as soon as nothing is left to do,
+    /// after `milliseconds` at the latest. After Quit() it ends the handler that has called it.
     static void DoEvents(int milliseconds);
 
     // For the toolkit itself.

@@ -4,7 +4,6 @@
 
 #include "framework/controls/Window.h"
 #include "framework/dialogs/Desktop.h"
-#include "framework/threads/Thread.h"
 
 #include <exception>
 #include <new>

@@ -2,10 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/Runtime.h"
 
-#include "framework/EventGuard.h"
 #include "framework/internal/ColorScheme.h"
 #include "framework/internal/qtText.h"
-#include "framework/threads/Thread.h"
 
 #include <QApplication>
 #include <QFont>
@@ -41,15 +39,6 @@ QIcon iconFromDrawings(const QString& id)
     return icon;
 }
 
-void reportFromThread(Thread& thread, std::exception_ptr exception)
-{
-    try {
-        std::rethrow_exception(exception);
-    } catch (const std::exception&) {
-        reportCurrentException(thread.Name() + "_Run");
-    }
-}
-
 } // namespace
 
 struct Runtime::Native {
@@ -75,7 +64,6 @@ Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
     QFont font = QApplication::font();
     font.setPixelSize(textSize);
     QApplication::setFont(font);
-    setUncaughtThreadHandler(reportFromThread);
     // A write past the user's limit on file sizes shall fail with a reason and not end the program.
     std::signal(SIGXFSZ, SIG_IGN);
     // So shall one to a connection or a process that has closed.

@@ -30,7 +30,6 @@ void Window1::doPDF(const Ref<FolderItem>& f)
     for (int index = 0; index <= engine->GetPageCount() - 1; ++index) {
         Slider1.setValue(index); // loads the page, unless the slider stands there already
         setSearchText(*searchText + " " + searchText2);
-        yieldToThreads();
     }
     doPDFCheckThread();
     setFinishMessage(ProgressText);

@@ -6,6 +6,7 @@
 #include "app/aboutWin.h"
 #include "app/pictures.h"
 #include "filter/filterWIn.h"
+#include "framework/keepWindowPainted.h"
 #include "framework/text/RegEx.h"
 #include "framework/text/strings.h"
 #include "scan/endTexts.h"
@@ -60,11 +61,10 @@ Window2& searchWin::showMatches()
     Window2& found = openWindow<Window2>();
     RegEx expression;
     expression.setSearchPattern(searchField.Text());
-    const std::vector<std::size_t> matches = mainList.RowsMatching(expression, yieldToThreads);
+    const std::vector<std::size_t> matches = mainList.RowsMatching(expression, keepWindowPainted);
     // Only now: of a search that fails half-way nothing is shown.
     for (const std::size_t row : matches) {
         found.Listbox1.AddRow(mainList.Row(row));
-        yieldToThreads();
     }
     return found;
 }

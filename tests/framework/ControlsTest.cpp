@@ -11,7 +11,6 @@
 #include "framework/controls/TextField.h"
 #include "framework/controls/Window.h"
 #include "framework/exceptions.h"
-#include "framework/threads/Thread.h"
 #include "framework/threads/Timer.h"
 #include "support/ScriptedDesktop.h"
 
@@ -106,15 +105,6 @@ TEST_F(ControlsTest, aHandlerThatThrowsEndsAloneAndIsNamed)
     window->parked.Push();
     EXPECT_EQ(order, "inner outer");
     EXPECT_EQ(handlerDepth(), 0);
-}
-
-TEST_F(ControlsTest, aBodyThatThrowsOnAThreadIsReportedToo)
-{
-    Thread thread("Worker");
-    thread.RunEvent = [] { throw std::bad_alloc(); };
-    desktop.willReport({ "memory", "Worker_Run" });
-    thread.Run();
-    EXPECT_FALSE(thread.isRunning());
 }
 
 TEST_F(ControlsTest, changesByCodeFireTheUsersEvents)
@@ -285,23 +275,6 @@ TEST_F(ControlsTest, doEventsReturnsWhenNothingIsLeftToDo)
     // Were it to wait for its time, this would take a day.
     Application::DoEvents(86'400'000);
     EXPECT_EQ(ticks, 3);
-}
-
-TEST_F(ControlsTest, doEventsGivesTheWorkerItsTurn)
-{
-    const ThreadSlice slice(1);
-    Thread thread("Worker");
-    int passes = 0;
-    thread.RunEvent = [&] {
-        while (passes < 5) {
-            ++passes;
-            yieldToThreads();
-        }
-    };
-    thread.Run();
-    EXPECT_EQ(passes, 1);
-    Application::DoEvents(10'000);
-    EXPECT_EQ(passes, 5);
 }
 
 } // namespace quilvane

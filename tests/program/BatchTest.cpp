@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
-#include "framework/EventGuard.h"
-
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -172,58 +170,28 @@ TEST_F(BatchTest, stopWithoutSubfoldersIsSilent)
 {
     const TempFolder tree;
     tree.write("a.txt", "a@y.org");
-    const ThreadSlice slice(1);
-    searchFolder(tree.path());
-    EXPECT_FALSE(window().Thread1.isRunning()) << "with slices of one yield it is killed where it stands";
+    window().itemArrayZ = { tree / "a.txt" };
     window().searchStop.setValue(true);
     window().Thread1.Run();
-    EXPECT_FALSE(window().Thread1.isRunning()) << "the worker sees the stop before its first file";
+    EXPECT_EQ(window().rCounter, 0) << "the worker sees the stop before its first file";
     EXPECT_TRUE(window().searchStop.Value());
 }
 
-TEST_F(BatchTest, everyInterleavingFindsTheSameOrLess)
+TEST_F(BatchTest, aSecondRunDuringTheWalkRunsInsideOfTheFirst)
 {
     const TempFolder tree;
-    Rows all;
-    for (int i = 0; i < 20; ++i) {
-        const std::string name = "f" + std::to_string(i);
-        all.push_back(name + "@y.org");
-        all.push_back("sub" + name + "@y.org");
-        tree.write(name + ".txt", all[all.size() - 2]);
-        tree.write("sub/" + name + ".txt", all.back());
-    }
-    std::sort(all.begin(), all.end());
-    for (const unsigned yields : { 1U, 2U, 3U, 7U, 1000U }) {
-        SCOPED_TRACE(yields);
-        window().clearBtn_Action();
-        const ThreadSlice slice(yields);
-        searchFolder(tree.path());
-        const Rows got = sortedRows();
-        EXPECT_TRUE(std::includes(all.begin(), all.end(), got.begin(), got.end()));
-        EXPECT_GE(got.size(), 20U) << "the walk runs to its end whatever becomes of the worker";
-        EXPECT_FALSE(window().Thread1.isRunning());
-    }
-}
-
-TEST_F(BatchTest, aSecondRunWhileTheWorkerRunsIsReportedAndTheFirstGoesOn)
-{
-    const TempFolder tree;
-    for (int i = 0; i < 50; ++i)
-        tree.write("f" + std::to_string(i) + ".txt", "a@y.org b@y.org");
-    tree.write("sub/c.txt", "c@y.org");
-    const ThreadSlice slice(1);
+    tree.write("a.txt", "a@y.org");
+    for (const char* file : { "sub/b.txt", "sub/c.txt" })
+        tree.write(file, file + std::string("@y.org"));
     Timer again("again", 0);
     again.Action = [&] {
         again.setEnabled(false);
-        desktop.willSelect(tree.path());
-        desktop.willReport({ "running", "importFolderBtn_Action" });
-        window().importFolderBtn.Push();
+        searchFolder(tree.path());
     };
     again.setEnabled(true);
     searchFolder(tree.path());
-    const Rows got = sortedRows();
-    EXPECT_NE(std::find(got.begin(), got.end(), "c@y.org"), got.end());
-    EXPECT_EQ(handlerDepth(), 0);
+    EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b.txt@y.org", "c.txt@y.org" }));
+    EXPECT_EQ(window().rCounter, 6) << "each run has read all three";
 }
 
 TEST_F(BatchTest, quittingEndsTheRun)

@@ -12,7 +12,7 @@ namespace quilvane {
 
 /// Everything that the program asks of the desktop around it: the one seam at which a test, or a
 /// demonstration without a person, answers in the user's stead. Paths are bytes. Every call waits for its
-/// answer, on the main stack only.
+/// answer.
 class Desktop {
 public:
     virtual ~Desktop() = default;

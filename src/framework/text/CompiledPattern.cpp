@@ -50,7 +50,8 @@ std::string messageFor(int error)
     return reinterpret_cast<const char*>(text.data());
 }
 
-/// What all patterns run with. A run never yields, so the one stack for compiled code serves every caller.
+/// What all patterns run with. A run calls nothing of ours, so the one stack for compiled code serves every
+/// caller.
 struct Engine {
     Owned<pcre2_compile_context> compileContext = owned(pcre2_compile_context_create(nullptr));
     Owned<pcre2_match_context> matchContext = owned(pcre2_match_context_create(nullptr));
