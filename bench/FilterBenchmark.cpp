@@ -5,7 +5,7 @@
 // same pattern over the exported list and writes the matching lines.
 #include "filter/domainFilter.h"
 #include "framework/controls/RowStore.h"
-#include "framework/text/RegEx.h"
+#include "framework/regex/RegEx.h"
 #include "support/race.h"
 
 #include <array>

@@ -6,9 +6,9 @@
 // The goals are for documents of some megabytes: with a short one, a whole run is the start of a program.
 //   word_benchmark FILE...          prints the table
 //   word_benchmark --text FILE      prints the document's text
+#include "documents/documentText.h"
 #include "framework/files/BinaryStream.h"
 #include "framework/files/FolderItem.h"
-#include "framework/word/WordFileMBS.h"
 #include "support/race.h"
 
 #include <array>
@@ -44,7 +44,7 @@ void measure(const std::string& self, const std::string& path)
     const std::string bytes = bytesOf(path);
     std::array inProcess{
         Contender{ "read", [&] { return bytesOf(path).size(); } },
-        Contender{ "text", [&] { return WordFileMBS::OpenData(bytes)->Text().size(); } },
+        Contender{ "text", [&] { return documentText(bytes).value().size(); } },
     };
     race(inProcess, rounds);
     const std::string file = " '" + path + "'";
@@ -69,7 +69,7 @@ int main(int argc, char** argv)
 {
     try {
         if (argc == 3 && argv[1] == std::string_view("--text")) {
-            std::fputs(WordFileMBS::OpenData(bytesOf(argv[2]))->Text().c_str(), stdout);
+            std::fputs(documentText(bytesOf(argv[2])).value().c_str(), stdout);
             return EXIT_SUCCESS;
         }
         for (int i = 1; i < argc; ++i)

@@ -3,9 +3,9 @@
 // Reads any bytes as a binary Word document and as RTF, and as the streams of a sound container, so that not
 // every input ends at its head.
 
-#include "framework/word/binaryWord.h"
-#include "framework/word/rtf.h"
-#include "framework/word/textRuns.h"
+#include "documents/word/binaryWord.h"
+#include "documents/word/rtf.h"
+#include "documents/word/textRuns.h"
 #include "support/WordFileBuilder.h"
 
 #include <string>

@@ -4,8 +4,8 @@
 // Bytes that come out of the pipe between the program and the child that reads a PDF document: each side
 // refuses them, or takes them for exactly one message. And the text of a page, which the child tidies.
 
-#include "framework/pdf/pageText.h"
-#include "framework/pdf/pdfMessages.h"
+#include "documents/pdf/pageText.h"
+#include "documents/reader/pdfMessages.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,7 +3,7 @@
 //
 // Opens any bytes as a document, and as the XML and the relationships of a sound package, so that not every
 // input ends at its first mark.
-#include "framework/word/WordFileMBS.h"
+#include "documents/documentText.h"
 #include "support/ZipBuilder.h"
 
 #include <cstddef>
@@ -24,11 +24,11 @@ constexpr std::string_view root
 void openAsPackage(std::string_view relationships, std::string_view xml)
 {
     constexpr ZipBuilder::Method stored = ZipBuilder::Method::Stored;
-    WordFileMBS::OpenData(ZipBuilder()
-                              .add("word/document.xml", std::string(root) + std::string(xml), stored)
-                              .add("word/_rels/document.xml.rels", relationships, stored)
-                              .add("word/embedded", xml, stored)
-                              .archive());
+    documentText(ZipBuilder()
+                     .add("word/document.xml", std::string(root) + std::string(xml), stored)
+                     .add("word/_rels/document.xml.rels", relationships, stored)
+                     .add("word/embedded", xml, stored)
+                     .archive());
 }
 
 } // namespace
@@ -37,8 +37,8 @@ void openAsPackage(std::string_view relationships, std::string_view xml)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    WordFileMBS::OpenData(bytes);
-    WordFileMBS::OpenData(std::string("PK\3\4") + std::string(bytes));
+    documentText(bytes);
+    documentText(std::string("PK\3\4") + std::string(bytes));
     openAsPackage(bytes.substr(0, size / 2), bytes.substr(size / 2));
     return 0;
 }

@@ -7,7 +7,7 @@
 #include "app/pictures.h"
 #include "app/prefsModule.h"
 #include "filter/filterWIn.h"
-#include "framework/text/strings.h"
+#include "framework/strings.h"
 #include "search/searchWin.h"
 
 namespace quilvane {

@@ -7,7 +7,7 @@
 #include "batch/runRules.h"
 #include "framework/Application.h"
 #include "framework/dialogs/dialogs.h"
-#include "framework/text/strings.h"
+#include "framework/strings.h"
 
 namespace quilvane {
 

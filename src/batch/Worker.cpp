@@ -6,9 +6,9 @@
 
 #include "batch/runRules.h"
 #include "framework/Application.h"
+#include "framework/documents/WordFileMBS.h"
 #include "framework/files/BinaryStream.h"
 #include "framework/files/TextInputStream.h"
-#include "framework/word/WordFileMBS.h"
 #include "scan/AddressScanner.h"
 
 namespace quilvane {

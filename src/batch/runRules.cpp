@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "batch/runRules.h"
 
-#include "framework/text/RegEx.h"
-#include "framework/text/strings.h"
+#include "framework/regex/RegEx.h"
+#include "framework/strings.h"
 
 #include <array>
 #include <cmath>

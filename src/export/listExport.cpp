@@ -4,7 +4,7 @@
 
 #include "framework/dialogs/dialogs.h"
 #include "framework/files/TextOutputStream.h"
-#include "framework/text/strings.h"
+#include "framework/strings.h"
 #include "framework/threads/Thread.h"
 
 namespace quilvane {

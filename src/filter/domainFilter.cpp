@@ -3,7 +3,7 @@
 #include "filter/domainFilter.h"
 
 #include "framework/exceptions.h"
-#include "framework/text/RegEx.h"
+#include "framework/regex/RegEx.h"
 
 namespace quilvane {
 

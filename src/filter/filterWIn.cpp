@@ -5,7 +5,7 @@
 #include "app/App.h"
 #include "app/pictures.h"
 #include "filter/domainFilter.h"
-#include "framework/text/strings.h"
+#include "framework/strings.h"
 
 #include <string>
 

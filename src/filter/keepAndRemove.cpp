@@ -5,7 +5,7 @@
 #include "app/Window1.h"
 #include "filter/domainFilter.h"
 #include "framework/keepWindowPainted.h"
-#include "framework/text/strings.h"
+#include "framework/strings.h"
 
 #include <exception>
 

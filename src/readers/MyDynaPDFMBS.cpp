@@ -4,7 +4,7 @@
 
 #include "framework/System.h"
 #include "framework/dialogs/MessageDialog.h"
-#include "framework/text/strings.h"
+#include "framework/strings.h"
 
 namespace quilvane {
 

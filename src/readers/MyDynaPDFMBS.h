@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "framework/pdf/DynaPDFMBS.h"
+#include "framework/documents/DynaPDFMBS.h"
 
 namespace quilvane {
 

@@ -4,7 +4,7 @@
 
 #include "framework/dialogs/dialogs.h"
 #include "framework/files/displayName.h"
-#include "framework/text/strings.h"
+#include "framework/strings.h"
 #include "readers/MyDynaPDFMBS.h"
 
 namespace quilvane {

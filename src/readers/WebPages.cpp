@@ -8,8 +8,8 @@
 #include "framework/Application.h"
 #include "framework/dialogs/dialogs.h"
 #include "framework/net/URLConnection.h"
-#include "framework/text/RegEx.h"
-#include "framework/text/strings.h"
+#include "framework/regex/RegEx.h"
+#include "framework/strings.h"
 
 namespace quilvane {
 

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Window1.h"
 
+#include "framework/documents/WordFileMBS.h"
 #include "framework/files/BinaryStream.h"
 #include "framework/files/displayName.h"
-#include "framework/text/strings.h"
-#include "framework/word/WordFileMBS.h"
+#include "framework/strings.h"
 
 namespace quilvane {
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "readers/fileKind.h"
 
-#include "framework/text/RegEx.h"
+#include "framework/regex/RegEx.h"
 
 #include <array>
 #include <utility>

@@ -7,8 +7,8 @@
 #include "app/pictures.h"
 #include "filter/filterWIn.h"
 #include "framework/keepWindowPainted.h"
-#include "framework/text/RegEx.h"
-#include "framework/text/strings.h"
+#include "framework/regex/RegEx.h"
+#include "framework/strings.h"
 #include "scan/endTexts.h"
 #include "search/Window2.h"
 

@@ -16,12 +16,14 @@ set(arrows
     "search:    app scan framework std filter/filterWIn.h"
     "export:    app scan framework std search/Window2.h"
     "scan:      std immintrin.h"
-    "framework: std system libraries"
+    "framework: documents text std system libraries"
+    "documents: text std system libraries"
+    "text:      std system libraries"
     "demo:      app readers batch filter search export scan framework std"
     "packaging: std libraries"
-    "tests:     app readers batch filter search export scan framework std system libraries"
-    "bench:     app readers batch filter search export scan framework std system libraries tests"
-    "fuzz:      scan framework std libraries tests"
+    "tests:     app readers batch filter search export scan framework documents text std system libraries"
+    "bench:     app readers batch filter search export scan framework documents text std system libraries tests"
+    "fuzz:      scan documents text std libraries tests"
 )
 
 # A private header belongs to its room: no other room and no public header may include it, but the room's tests may.

@@ -2,13 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TempFolder.h"
 
+#include "documents/reader/frames.h"
+#include "framework/documents/DynaPDFMBS.h"
 #include "framework/files/FileDescriptor.h"
 #include "framework/files/FolderItem.h"
-#include "framework/pdf/DynaPDFMBS.h"
-#include "framework/pdf/MessageFilter.h"
-#include "framework/pdf/internal/frames.h"
-#include "framework/pdf/pageText.h"
-#include "framework/pdf/pdfMessages.h"
 
 #include <array>
 #include <chrono>
@@ -32,64 +29,6 @@ namespace quilvane {
 namespace {
 
 using namespace std::chrono_literals;
-
-TEST(PageText, IsTidiedForAddresses)
-{
-    const std::string longWord(100'000, 'a');
-    struct Case {
-        std::string_view name, text, tidy;
-    };
-    for (const auto& [name, text, tidy] : {
-             Case{ "lines stay", "one\ntwo\n", "one\ntwo\n" },
-             { "form feed at the end", "a\n\f", "a\n" },
-             { "ligatures", "\uFB00 \uFB01 \uFB02 \uFB03 \uFB04 \uFB05 \uFB06", "ff fi fl ffi ffl st st" },
-             { "full-width", "ａ．Ｚ＠ｂ～！", "a.Z@b~!" },
-             { "hyphens", "a\u2010b\u2011c\u2013", "a-b-c\u2013" },
-             { "invisible", "\uFEFFa\u00AD@\u200Bb\u200D.\u2060c\u200E", "a@b.c" },
-             { "others", "é\U0001F600\xFF\xE2\x80z\xC2", "é\U0001F600\xFF\xE2\x80z\xC2" },
-             { "behind @", "me@\nexample.com", "me@example.com" },
-             { "behind a dot", "me@example.\ncom", "me@example.com" },
-             { "behind a hyphen", "me@print-\nShop.example.com", "me@print-Shop.example.com" },
-             { "thrice", "me@\na-\nb.\nde", "me@a-b.de" },
-             { "whole, then a sentence", "me@example.com.\nand", "me@example.com.\nand" },
-             { "whole, then a hyphen", "me@example.com-\nand", "me@example.com-\nand" },
-             { "top level of one letter", "me@example.c.\nom", "me@example.c.om" },
-             { "top level with a digit", "me@example.co1.\nuk", "me@example.co1.uk" },
-             { "a new sentence", "me@example.\nThe end", "me@example.\nThe end" },
-             { "an empty line", "me@\n\nexample.com", "me@\n\nexample.com" },
-             { "no address", "well-\nknown. yes.\nno", "well-\nknown. yes.\nno" },
-             { "hyphen before the @", "first-\nlast@example.com", "first-\nlast@example.com" },
-         })
-        EXPECT_EQ(tidyPageText(text), tidy) << name;
-    EXPECT_EQ(tidyPageText("me@" + longWord + "-\nb.com"), "me@" + longWord + "-\nb.com");
-}
-
-TEST(MessageFilter, SaysTheSameOnceAndNotTooMuch)
-{
-    MessageFilter filter;
-    filter.add("Bad object 12 at 7");
-    filter.add("Bad object 3456 at 89");
-    filter.add(std::string(1000, 'x'));
-    EXPECT_EQ(filter.take(),
-        (std::vector<std::string>{ "Bad object 12 at 7", std::string(longestPdfMessage, 'x') }));
-    filter.add("Bad object 1 at 2");
-    for (char c = 'a'; c <= 'z'; ++c)
-        filter.add(std::string(1, c));
-    EXPECT_EQ(filter.take().size(), mostPdfMessages - 2);
-}
-
-TEST(PdfMessages, RefuseWhatIsCutOrTooMuch)
-{
-    const PdfReply reply{ .pageCount = 70'000, .text = "text", .messages = { "", "one" } };
-    const std::string bytes = encode(reply);
-    EXPECT_EQ(decodeReply(bytes), reply);
-    EXPECT_FALSE(decodeReply(bytes + '\0'));
-    for (std::size_t size = 0; size < bytes.size(); ++size)
-        EXPECT_FALSE(decodeReply(bytes.substr(0, size))) << size;
-    EXPECT_FALSE(decodeReply(encode(PdfReply{ .pageCount = -1 })));
-    EXPECT_FALSE(decodeReply(encode(PdfReply{ .messages = std::vector<std::string>(mostPdfMessages + 1) })));
-    EXPECT_FALSE(decodeRequest(encode(PdfRequest{ .password = std::string(longestPdfPassword + 1, 'x') })));
-}
 
 TEST(Frames, EndInTheirOwnWays)
 {

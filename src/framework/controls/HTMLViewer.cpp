@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/HTMLViewer.h"
 
+#include "documents/html/htmlText.h"
 #include "framework/net/fetch.h"
-#include "framework/text/htmlText.h"
 
 #include <QTimer>
 

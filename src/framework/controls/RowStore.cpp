@@ -3,8 +3,8 @@
 #include "framework/controls/RowStore.h"
 
 #include "framework/files/availableMemory.h"
-#include "framework/text/LiteralText.h"
-#include "framework/text/RegEx.h"
+#include "framework/regex/LiteralText.h"
+#include "framework/regex/RegEx.h"
 
 #include <algorithm>
 #include <limits>

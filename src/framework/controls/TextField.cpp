@@ -4,7 +4,7 @@
 
 #include "framework/internal/Native.h"
 #include "framework/internal/qtText.h"
-#include "framework/text/strings.h"
+#include "framework/strings.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>

@@ -4,7 +4,7 @@
 
 #include "framework/files/FolderItem.h"
 #include "framework/files/displayName.h"
-#include "framework/text/strings.h"
+#include "framework/strings.h"
 
 #include <cerrno>
 #include <cstdio>

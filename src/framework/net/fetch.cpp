@@ -5,7 +5,7 @@
 #include "framework/exceptions.h"
 #include "framework/net/BodyBuffer.h"
 #include "framework/net/internal/CurlLibrary.h"
-#include "framework/text/charset.h"
+#include "text/charset.h"
 
 #include <algorithm>
 #include <array>

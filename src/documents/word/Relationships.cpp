@@ -1,0 +1,115 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "documents/word/Relationships.h"
+
+#include "documents/word/ZipArchive.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
+namespace quilvane {
+
+namespace {
+
+/// By the last segment of the type's URI: what stands before differs between editions of the format.
+std::optional<Relationships::Kind> kindOf(std::string_view type)
+{
+    using Kind = Relationships::Kind;
+    struct Row {
+        std::string_view name;
+        Kind kind;
+    };
+    static constexpr Row rows[] = {
+        { "officeDocument", Kind::MainDocument },
+        { "header", Kind::Story },
+        { "footer", Kind::Story },
+        { "footnotes", Kind::Story },
+        { "endnotes", Kind::Story },
+        { "comments", Kind::Story },
+        { "chart", Kind::Figure },
+        { "chartEx", Kind::Figure },
+        { "chartUserShapes", Kind::Figure },
+        { "diagramData", Kind::Figure },
+        { "aFChunk", Kind::EmbeddedDocument },
+        { "hyperlink", Kind::Link },
+    };
+    const std::string_view name = type.substr(type.rfind('/') + 1);
+    const auto* found
+        = std::find_if(std::begin(rows), std::end(rows), [name](const Row& row) { return row.name == name; });
+    return found == std::end(rows) ? std::nullopt : std::optional(found->kind);
+}
+
+/// With its '/'; empty if the part lies in no folder.
+std::string_view folderOf(std::string_view part)
+{
+    return part.substr(0, part.rfind('/') + 1);
+}
+
+} // namespace
+
+Relationships::Relationships(std::string_view source)
+    : m_folder(folderOf(source))
+{
+}
+
+std::string Relationships::partFor(std::string_view source)
+{
+    const std::string_view folder = folderOf(source);
+    return std::string(folder) + "_rels/" + std::string(source.substr(folder.size())) + ".rels";
+}
+
+Relationships::Entry* Relationships::find(std::string_view id)
+{
+    const auto found = m_byId.find(std::string(id));
+    return found == m_byId.end() ? nullptr : &m_entries[found->second];
+}
+
+void Relationships::startElement(
+    std::string_view, std::string_view name, std::span<const XmlAttribute> attributes)
+{
+    constexpr std::size_t mostEntries = 50'000;
+    if (name != "Relationship" || m_entries.size() == mostEntries)
+        return;
+    std::string_view id, type, target;
+    bool isExternal = false;
+    for (const XmlAttribute& attribute : attributes) {
+        if (attribute.name == "Id")
+            id = attribute.value;
+        else if (attribute.name == "Type")
+            type = attribute.value;
+        else if (attribute.name == "Target")
+            target = attribute.value;
+        else if (attribute.name == "TargetMode")
+            isExternal = attribute.value == "External";
+    }
+    const std::optional<Kind> kind = kindOf(type);
+    if (!kind || (isExternal && *kind != Kind::Link))
+        return;
+    if (m_byId.try_emplace(std::string(id), m_entries.size()).second)
+        m_entries.push_back({ *kind, *kind == Kind::Link ? std::string(target) : resolved(target) });
+}
+
+/// The part that a target means, seen from the source's folder (RFC 3986, section 5.2.4).
+std::string Relationships::resolved(std::string_view target) const
+{
+    const std::string path = target.starts_with('/') || target.starts_with('\\')
+        ? ZipArchive::normalised(target)
+        : ZipArchive::normalised(m_folder + std::string(target));
+    std::string result;
+    for (std::size_t at = 0; at <= path.size();) {
+        const std::size_t end = std::min(path.find('/', at), path.size());
+        const std::string_view segment = std::string_view(path).substr(at, end - at);
+        if (segment == "..") {
+            result.resize(result.find_last_of('/') == std::string::npos ? 0 : result.find_last_of('/'));
+        } else if (segment != ".") {
+            if (!result.empty())
+                result += '/';
+            result += segment;
+        }
+        at = end + 1;
+    }
+    return result;
+}
+
+} // namespace quilvane

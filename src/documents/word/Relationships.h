@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "documents/word/XmlReader.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quilvane {
+
+/// What one part of a document package refers to, as far as it concerns text: handler of a .rels part
+/// (ECMA-376, part 2, section 9.3).
+class Relationships : public XmlHandler {
+public:
+    enum class Kind {
+        MainDocument,
+        Story, // belongs to the document wherever it is referred to: headers, footers, notes, comments
+        Figure, // text where it is referred to: charts and diagrams
+        EmbeddedDocument,
+        Link, // to somewhere outside of the package
+    };
+    struct Entry {
+        Kind kind;
+        std::string target; // name of a part, as a ZipArchive has it; of a link, as written
+        bool isUsed = false; // for whoever follows each entry once
+    };
+
+    /// `source` is the name of the part whose relationships these are; empty for those of the package.
+    explicit Relationships(std::string_view source = {});
+
+    /// Where the relationships of a part are kept.
+    static std::string partFor(std::string_view source);
+
+    /// In the order of the file; at most 50,000.
+    std::vector<Entry>& entries() { return m_entries; }
+
+    /// Null if there is none with that id, or none that concerns text.
+    Entry* find(std::string_view id);
+
+    void startElement(
+        std::string_view uri, std::string_view name, std::span<const XmlAttribute> attributes) override;
+    void endElement() override { }
+    void characters(std::string_view) override { }
+
+private:
+    std::string resolved(std::string_view target) const;
+
+    std::string m_folder; // of the source, with its '/'
+    std::vector<Entry> m_entries;
+    std::unordered_map<std::string, std::size_t> m_byId;
+};
+
+} // namespace quilvane

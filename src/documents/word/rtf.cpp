@@ -1,0 +1,466 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "documents/word/rtf.h"
+
+#include "documents/word/TextCollector.h"
+#include "text/TextDecoder.h"
+#include "text/littleEndian.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <iterator>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace quilvane {
+
+namespace {
+
+enum class Action {
+    Character, // the value
+    LineEnd,
+    ParagraphEnd,
+    Skip, // of a group: nothing in it is text
+    Transparent, // of a group that readers may pass over: its text counts
+    Aside, // of a group: a text of its own
+    FieldCode,
+    FontTable,
+    DocumentCodePage,
+    CodePage, // the value
+    DefaultFont,
+    Font,
+    FontCharset,
+    FallbackLength,
+    Unicode,
+    Binary,
+    Deleted,
+    ResetCharacters,
+};
+
+struct Keyword {
+    std::string_view name;
+    Action action;
+    int value = 0;
+};
+
+/// Sorted by name. Words that are not here say how the text looks.
+constexpr Keyword keywords[] = {
+    { "annotation", Action::Aside },
+    { "ansicpg", Action::DocumentCodePage },
+    { "bin", Action::Binary },
+    { "bullet", Action::Character, 0x2022 },
+    { "cell", Action::Character, '\t' },
+    { "colortbl", Action::Skip },
+    { "column", Action::ParagraphEnd },
+    { "deff", Action::DefaultFont },
+    { "deleted", Action::Deleted },
+    { "do", Action::Transparent },
+    { "dptxbxtext", Action::Aside },
+    { "emdash", Action::Character, 0x2014 },
+    { "emspace", Action::Character, ' ' },
+    { "endash", Action::Character, 0x2013 },
+    { "enspace", Action::Character, ' ' },
+    { "f", Action::Font },
+    { "fcharset", Action::FontCharset },
+    { "fldinst", Action::FieldCode },
+    { "fonttbl", Action::FontTable },
+    { "footer", Action::Aside },
+    { "footerf", Action::Aside },
+    { "footerl", Action::Aside },
+    { "footerr", Action::Aside },
+    { "footnote", Action::Aside },
+    { "header", Action::Aside },
+    { "headerf", Action::Aside },
+    { "headerl", Action::Aside },
+    { "headerr", Action::Aside },
+    { "info", Action::Skip },
+    { "ldblquote", Action::Character, 0x201C },
+    { "line", Action::LineEnd },
+    { "lquote", Action::Character, 0x2018 },
+    { "mac", Action::CodePage, 10000 },
+    { "nestcell", Action::Character, '\t' },
+    { "nestrow", Action::ParagraphEnd },
+    { "nonshppict", Action::Skip },
+    { "objdata", Action::Skip },
+    { "page", Action::ParagraphEnd },
+    { "par", Action::ParagraphEnd },
+    { "pc", Action::CodePage, 437 },
+    { "pca", Action::CodePage, 850 },
+    { "pict", Action::Skip },
+    { "plain", Action::ResetCharacters },
+    { "qmspace", Action::Character, ' ' },
+    { "rdblquote", Action::Character, 0x201D },
+    { "row", Action::ParagraphEnd },
+    { "rquote", Action::Character, 0x2019 },
+    { "rxe", Action::Skip },
+    { "sect", Action::ParagraphEnd },
+    { "shpinst", Action::Transparent },
+    { "shprslt", Action::Skip }, // the shape's text once more, for old readers
+    { "shptxt", Action::Aside },
+    { "softline", Action::LineEnd },
+    { "sp", Action::Skip },
+    { "stylesheet", Action::Skip },
+    { "tab", Action::Character, '\t' },
+    { "tc", Action::Skip }, // entries of tables of contents and of the index
+    { "tcn", Action::Skip },
+    { "u", Action::Unicode },
+    { "uc", Action::FallbackLength },
+    { "xe", Action::Skip },
+};
+
+static_assert(std::is_sorted(std::begin(keywords), std::end(keywords),
+    [](const Keyword& left, const Keyword& right) { return left.name < right.name; }));
+
+const Keyword* findKeyword(std::string_view name)
+{
+    const auto* found = std::lower_bound(std::begin(keywords), std::end(keywords), name,
+        [](const Keyword& keyword, std::string_view wanted) { return keyword.name < wanted; });
+    return found != std::end(keywords) && found->name == name ? found : nullptr;
+}
+
+bool isLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+/// What holds up to the end of a group, and in the groups inside it.
+struct State {
+    bool isSkipped = false;
+    bool isDeleted = false;
+    bool isInFontTable = false;
+    std::optional<int> font; // else the default one
+    /// How many characters behind a \u stand in for it, for readers that do not know it.
+    int fallbackLength = 1;
+};
+
+struct Group {
+    State outer;
+    /// What closes with the group: nothing, Action::Aside or Action::FieldCode.
+    std::optional<Action> closes;
+};
+
+/// Walks an RTF document once. Construct it on the document, call read() once.
+class RtfReader {
+public:
+    explicit RtfReader(std::string_view document)
+        : m_rest(document)
+    {
+    }
+
+    std::string read()
+    {
+        do {
+            readToken();
+        } while (!m_rest.empty() && !m_text.isFull() && m_depth > 0);
+        return m_text.take();
+    }
+
+private:
+    /// A group beyond that depth is read as if its braces were not there.
+    static constexpr std::size_t deepest = 10'000;
+
+    void readToken()
+    {
+        if (m_fallbackLeft == 0 && !m_decoder.isPending())
+            readPlain();
+        if (m_rest.empty())
+            return;
+        const char c = m_rest.front();
+        m_rest.remove_prefix(1);
+        switch (c) {
+        case '{':
+            openGroup();
+            break;
+        case '}':
+            closeGroup();
+            break;
+        case '\\':
+            readControl();
+            break;
+        case '\r':
+        case '\n':
+            break;
+        default:
+            putByte(c);
+        }
+    }
+
+    /// Text up to the next byte that needs a look.
+    void readPlain()
+    {
+        const auto isText = [](char c) {
+            return TextCollector::isPlain(static_cast<unsigned char>(c)) && c != '\\' && c != '{' && c != '}';
+        };
+        const auto* const end = std::find_if_not(m_rest.begin(), m_rest.end(), isText);
+        const auto count = static_cast<std::size_t>(end - m_rest.begin());
+        if (countsAsText())
+            m_text.putPlain(m_rest.substr(0, count));
+        m_rest.remove_prefix(count);
+    }
+
+    void openGroup()
+    {
+        m_fallbackLeft = 0;
+        m_isOptional = false;
+        if (m_depth++ < deepest)
+            m_groups.push_back({ m_state, {} });
+    }
+
+    void closeGroup()
+    {
+        m_fallbackLeft = 0;
+        m_isOptional = false;
+        if (m_depth-- > deepest)
+            return;
+        const Group& group = m_groups.back();
+        if (group.closes == Action::Aside)
+            m_text.closeAside();
+        else if (group.closes == Action::FieldCode)
+            m_text.closeFieldCode();
+        m_state = group.outer;
+        m_groups.pop_back();
+    }
+
+    void readControl()
+    {
+        if (m_rest.empty())
+            return;
+        const char c = m_rest.front();
+        if (isLetter(c)) {
+            readWord();
+            return;
+        }
+        m_rest.remove_prefix(1);
+        switch (c) {
+        case '*':
+            m_isOptional = true;
+            break;
+        case '\'':
+            readHexByte();
+            break;
+        case '~':
+            putCharacter(' ');
+            break;
+        case '_':
+            putCharacter('-');
+            break;
+        case '{':
+        case '}':
+        case '\\':
+            putByte(c);
+            break;
+        case '\r':
+        case '\n':
+            perform({ {}, Action::ParagraphEnd }, {});
+            break;
+        default: // the optional hyphen, and marks of the index
+            break;
+        }
+    }
+
+    void readHexByte()
+    {
+        std::uint8_t byte = 0;
+        const std::string_view digits = m_rest.substr(0, 2);
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
+        m_rest.remove_prefix(static_cast<std::size_t>(end - digits.data()));
+        if (error == std::errc())
+            putByte(static_cast<char>(byte));
+    }
+
+    /// A word of letters, its number if there is one, and the blank that ends it.
+    void readWord()
+    {
+        const auto* const nameEnd = std::find_if_not(m_rest.begin(), m_rest.end(), isLetter);
+        const std::string_view name(m_rest.begin(), nameEnd);
+        m_rest.remove_prefix(name.size());
+        const std::optional<int> number = readNumber();
+        if (m_rest.starts_with(' '))
+            m_rest.remove_prefix(1);
+
+        const Keyword* keyword = findKeyword(name);
+        const bool wasOptional = std::exchange(m_isOptional, false);
+        if (keyword)
+            perform(*keyword, number);
+        else if (wasOptional)
+            m_state.isSkipped = true;
+    }
+
+    /// Nothing for a number that is too large.
+    std::optional<int> readNumber()
+    {
+        int number = 0;
+        const char* begin = m_rest.data();
+        const auto [end, error] = std::from_chars(begin, begin + m_rest.size(), number);
+        m_rest.remove_prefix(static_cast<std::size_t>(end - begin));
+        return error == std::errc() ? std::optional(number) : std::nullopt;
+    }
+
+    void perform(const Keyword& keyword, std::optional<int> number)
+    {
+        if (keyword.action == Action::Binary)
+            m_rest.remove_prefix(
+                std::min(m_rest.size(), static_cast<std::size_t>(std::max(number.value_or(0), 0))));
+        else if (m_state.isInFontTable)
+            performInFontTable(keyword.action, number.value_or(0));
+        else if (!m_state.isSkipped)
+            performInText(keyword, number);
+    }
+
+    void performInFontTable(Action action, int number)
+    {
+        constexpr int lastFont = 0x7FFF;
+        if (action == Action::Font)
+            m_tableFont = std::clamp(number, 0, lastFont);
+        else if (action == Action::FontCharset)
+            if (const std::optional<int> codePage = codePageOfCharset(number))
+                m_fontCodePages[m_tableFont] = *codePage;
+    }
+
+    void performInText(const Keyword& keyword, std::optional<int> number)
+    {
+        switch (keyword.action) {
+        case Action::Character:
+            putCharacter(static_cast<char32_t>(keyword.value));
+            break;
+        case Action::LineEnd:
+            m_text.endLine();
+            break;
+        case Action::ParagraphEnd:
+            m_text.endParagraph();
+            break;
+        case Action::FontTable:
+            m_state.isInFontTable = true;
+            [[fallthrough]];
+        case Action::Skip:
+            m_state.isSkipped = true;
+            break;
+        case Action::Aside:
+        case Action::FieldCode:
+            beginAside(keyword.action);
+            break;
+        case Action::DocumentCodePage:
+            m_codePage = number.value_or(m_codePage);
+            break;
+        case Action::CodePage:
+            m_codePage = keyword.value;
+            break;
+        case Action::DefaultFont:
+            m_defaultFont = number.value_or(0);
+            break;
+        case Action::Font:
+            m_state.font = number.value_or(0);
+            break;
+        case Action::FallbackLength:
+            m_state.fallbackLength = number.value_or(1);
+            break;
+        case Action::Unicode:
+            putUnit(static_cast<char16_t>(number.value_or(0))); // negative above 0x7FFF
+            break;
+        case Action::Deleted:
+            m_state.isDeleted = number != 0;
+            break;
+        case Action::ResetCharacters:
+            m_state.isDeleted = false;
+            m_state.font.reset();
+            break;
+        case Action::Transparent:
+        case Action::FontCharset:
+        case Action::Binary:
+            break;
+        }
+    }
+
+    void beginAside(Action action)
+    {
+        Group& group = m_groups.back();
+        if (m_depth > deepest || group.closes)
+            return;
+        group.closes = action;
+        m_text.openAside();
+    }
+
+    /// A byte of text, in the current font's code page.
+    void putByte(char c)
+    {
+        constexpr std::uint8_t firstBeyondAscii = 0x80;
+        if (!countsAsText())
+            return;
+        const auto byte = static_cast<std::uint8_t>(c);
+        if (byte < firstBeyondAscii && !m_decoder.isPending()) {
+            m_text.put(byte);
+            return;
+        }
+        const int codePage = currentCodePage();
+        if (codePage != m_decoderCodePage) {
+            m_decoder = TextDecoder(codePage);
+            m_decoderCodePage = codePage;
+        }
+        if (const std::optional<char32_t> character = m_decoder.next(byte))
+            m_text.put(*character);
+    }
+
+    void putCharacter(char32_t character)
+    {
+        if (countsAsText())
+            m_text.put(character);
+    }
+
+    void putUnit(char16_t unit)
+    {
+        if (!m_state.isDeleted)
+            m_text.putUnit(unit);
+        m_fallbackLeft = m_state.fallbackLength;
+    }
+
+    /// False for what nobody sees. Counts what stands in for a character that was given as a number.
+    bool countsAsText()
+    {
+        if (m_fallbackLeft > 0) {
+            --m_fallbackLeft;
+            return false;
+        }
+        return !m_state.isSkipped && !m_state.isDeleted;
+    }
+
+    int currentCodePage() const
+    {
+        const auto found = m_fontCodePages.find(m_state.font.value_or(m_defaultFont));
+        return found == m_fontCodePages.end() ? m_codePage : found->second;
+    }
+
+    std::string_view m_rest;
+    TextCollector m_text;
+    State m_state;
+    std::vector<Group> m_groups;
+    /// Of groups, those beyond `deepest` included.
+    std::size_t m_depth = 0;
+    /// Behind \*: a group whose first word is not known is to be passed over.
+    bool m_isOptional = false;
+    /// Characters that stand in for the one before them.
+    int m_fallbackLeft = 0;
+
+    int m_codePage = TextDecoder::westernEurope;
+    int m_defaultFont = 0;
+    int m_tableFont = 0;
+    std::map<int, int> m_fontCodePages;
+    TextDecoder m_decoder;
+    int m_decoderCodePage = TextDecoder::westernEurope;
+};
+
+} // namespace
+
+std::optional<std::string> textOfRtf(std::string_view bytes)
+{
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (bytes.starts_with(byteOrderMark))
+        bytes.remove_prefix(byteOrderMark.size());
+    bytes.remove_prefix(std::min(bytes.find_first_not_of(" \t\r\n"), bytes.size()));
+    if (!bytes.starts_with("{\\rtf"))
+        return {};
+    return RtfReader(bytes).read();
+}
+
+} // namespace quilvane

@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "documents/html/htmlText.h"
+
+#include <gtest/gtest.h>
+
+namespace quilvane {
+
+namespace {
+
+std::string repeated(std::string_view text, int count)
+{
+    std::string result;
+    for (; count > 0; --count)
+        result += text;
+    return result;
+}
+
+} // namespace
+
+TEST(HtmlTextTest, textsOfPages)
+{
+    struct Case {
+        const char* name;
+        std::string html;
+        std::string text;
+        std::string charset = {};
+    };
+    const std::string opened = repeated("<b>", 100'000);
+    const std::string closed = repeated("</i>", 100'000);
+    const Case cases[] = {
+        { "empty", "", "" },
+        { "no markup", "just x@y.org", "just x@y.org" },
+        { "body only", "<html><head><title>t</title></head><body>b</body></html>", "b" },
+        { "elements inside of a line join", "<p>x<b>@</b><span>y</span>.org</p>", "x@y.org" },
+        { "blocks, breaks and items part", "<div>a<p>b<br>c</div>d<ul><li>e<li>f</ul>", "a\nb\nc\nd\ne\nf" },
+        { "cells part", "<table><tr><td>a</td><td>b</td></tr><tr><th>c</table>", "a\tb\nc" },
+        { "white space joins", "<p> a \r\n\t b  <i> c</i> </p>\n<p>  </p>d", "a b c\nd" },
+        { "preformatted", "<pre>a  b\n c</pre>", "a  b\n c" },
+        { "scripts, styles and templates", "<script>a</script><style>b</style><template><p>c</p></template>d",
+            "d" },
+        { "comments and targets are not seen", "<!-- a --><a href='mailto:x@y.org' title=b>c</a>", "c" },
+        { "entities", "x&#64y&#x2e;or&commat;g &amp;&nbsp;&#x20AC;&bogus;",
+            "x@y.or@g &\xC2\xA0\xE2\x82\xAC&bogus;" },
+        { "what nobody closed", "<div><b>a<table><td>b", "a\nb" },
+        { "UTF-8 without a name", "<p>\xC3\xA4", "\xC3\xA4" },
+        { "western bytes without a name", "<p>\xE4\x80", "\xC3\xA4\xE2\x82\xAC" },
+        { "named in the head", "<meta charset=\"koi8-r\"><p>\xC1", "\xD0\xB0" },
+        { "named in the old manner",
+            "<META http-equiv=Content-Type content='text/html; Charset = windows-1251'>\xE0", "\xD0\xB0" },
+        { "the answer's name goes first", "<meta charset=koi8-r><p>\xE0", "\xD0\xB0", "windows-1251" },
+        { "a mark goes before both", "\xEF\xBB\xBF<meta charset=koi8-r>\xC3\xA4", "\xC3\xA4", "koi8-r" },
+        { "UTF-16", std::string("\xFF\xFE<\0p\0>\0\xE4\0", 10), "\xC3\xA4" },
+        { "a name that nobody knows", "<meta charset=martian><p>\xC3\xA4", "\xC3\xA4" },
+        { "bytes that are no characters", "<meta charset=utf-8>a\377b", "a\uFFFDb" },
+        { "as deep as no reader would like", "<b>a" + opened + "b" + closed, "ab" },
+        { "attributes of any form", "<p a=\"<i>\" b='>' c=/d =e f>x</p g='>'>y", "x\ny" },
+        { "no markup after all", "a<1 <>< </1>b<!x>c<!-->d<!-- -- >-->e", "a<1 <>< bcde" },
+        { "cut off in a tag", "a<b c='>", "a" },
+        { "cut off in a script", "a<script>b</scrip", "a" },
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(htmlBodyText(c.html, MailtoLinks::Omit, c.charset), c.text) << c.name;
+}
+
+TEST(HtmlTextTest, targetsOfMailtoLinksFollowTheText)
+{
+    EXPECT_EQ(htmlBodyText("<p>to <a class=c HREF='MAILTO:x%40y.org?subject=%4'>us</a><p>end<a href='http:'>",
+                  MailtoLinks::Append),
+        "to us\nend\nx@y.org?subject=%4");
+}
+
+} // namespace quilvane
