@@ -73,7 +73,7 @@ void Window1::setTotalLabel()
 void Window1::checkDuplicates()
 {
     const auto rowText = [this](std::size_t row) { return Listbox1.Row(row); };
-    Listbox1.RetainRows(findSurvivors(Listbox1.ListCount(), rowText, keepWindowPainted));
+    Listbox1.RetainRows(0, findSurvivors(Listbox1.ListCount(), rowText, keepWindowPainted));
 }
 
 void Window1::Listbox1_Change()
