@@ -44,25 +44,26 @@ std::size_t linesOf(const std::string& path)
         std::count(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>(), '\n'));
 }
 
-std::size_t keep(const RowStore& rows, DomainFilter filter)
+std::size_t keep(const RowStore& rows, DomainFilter kind)
 {
-    DomainFilterChoice choice;
-    choice.ticked[std::size_t(filter)] = true;
-    RowStore list = rows;
-    list.arrange(rowsToKeep(
-        choice, list.size(), [&](std::size_t row) { return list[row]; }, [] {}));
-    return list.size();
+    RowFilter filter(RowFilter::Purpose::Keep, std::size_t(kind), {});
+    RowStore kept;
+    for (std::size_t row = rows.size(); row-- > 0;) {
+        if (filter.matches(rows[row]))
+            kept.append(rows[row]);
+    }
+    return kept.size();
 }
 
-std::size_t remove(const RowStore& rows, DomainFilter filter)
+std::size_t remove(const RowStore& rows, DomainFilter kind)
 {
-    DomainFilterChoice choice;
-    choice.ticked[std::size_t(filter)] = true;
-    RowStore list = rows;
+    RowFilter filter(RowFilter::Purpose::Remove, std::size_t(kind), {});
+    RowStore list;
+    list.append(rows, 0);
     std::vector<unsigned char> stays(list.size(), 1);
-    markRowsToRemove(
-        choice, [&](std::size_t row) { return list[row]; }, stays, [] {});
-    list.retain(stays);
+    for (std::size_t row = list.size(); row-- > 0;)
+        stays[row] = filter.matches(list[row]) ? 0 : 1;
+    list.retain(0, stays);
     return list.size();
 }
 
@@ -70,8 +71,10 @@ std::size_t search(const RowStore& rows, const std::string& keyword)
 {
     RegEx expression;
     expression.setSearchPattern(keyword);
+    std::vector<std::size_t> matches;
+    rows.appendMatching(expression, 0, rows.size(), matches);
     RowStore found;
-    for (const std::size_t row : rows.matching(expression, [] {}))
+    for (const std::size_t row : matches)
         found.append(rows[row]);
     return found.size();
 }

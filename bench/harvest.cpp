@@ -40,8 +40,9 @@ int main(int argc, char** argv)
             addMatches(pieces.take(count), rows);
         addMatches(pieces.rest(), rows);
         if (argc > 2 && std::string_view(argv[2]) == "--unique")
-            rows.retain(findSurvivors(
-                rows.size(), [&](std::size_t row) { return rows[row]; }, [] {}));
+            rows.retain(0,
+                findSurvivors(
+                    rows.size(), [&](std::size_t row) { return rows[row]; }, [] {}));
         std::printf("%zu\n", rows.size());
         return EXIT_SUCCESS;
     } catch (const RuntimeException& error) {

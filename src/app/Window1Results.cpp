@@ -74,7 +74,7 @@ void Window1::setTotalLabel()
 void Window1::checkDuplicates()
 {
     const auto rowText = [this](std::size_t row) { return Listbox1.Row(row); };
-    Listbox1.RetainRows(findSurvivors(Listbox1.ListCount(), rowText, yieldToThreads));
+    Listbox1.RetainRows(0, findSurvivors(Listbox1.ListCount(), rowText, yieldToThreads));
 }
 
 void Window1::Listbox1_Change()

@@ -2,32 +2,45 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "export/listExport.h"
 
+#include "framework/controls/RowStore.h"
 #include "framework/dialogs/dialogs.h"
+#include "framework/exceptions.h"
 #include "framework/files/TextOutputStream.h"
+#include "framework/keepWindowPainted.h"
 #include "framework/text/strings.h"
-#include "framework/threads/Thread.h"
 
 namespace quilvane {
 
-std::string exportText(const Listbox& list, ExportFormat format)
+namespace {
+
+/// Column 0 of all rows as they stand, nothing quoted, sorted or left out.
+void writeRows(TextOutputStream& stream, const RowStore& rows, ExportFormat format)
 {
-    const std::string separator = format == ExportFormat::CSV ? "," : Chr(9);
-    std::string text(list.Row(0));
-    if (format == ExportFormat::CSV)
-        text += separator;
-    // The count is read at each pass: rows that a run adds meanwhile are taken along.
-    for (std::size_t row = 1; row < list.ListCount(); ++row) {
-        text += endOfLine;
-        text += list.Row(row);
-        text += separator;
-        yieldToThreads();
+    constexpr std::size_t pieceSize = std::size_t(256) * 1024;
+    const bool isCSV = format == ExportFormat::CSV;
+    const std::string separator = isCSV ? "," : Chr(9);
+    std::string piece;
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        if (row > 0)
+            piece += endOfLine;
+        piece += rows[row];
+        if (row > 0 || isCSV)
+            piece += separator;
+        if (piece.size() >= pieceSize) {
+            stream.Write(piece);
+            piece.clear();
+            keepWindowPainted();
+        }
     }
-    return text;
+    stream.WriteLine(piece);
 }
+
+} // namespace
 
 void exportList(const Listbox& list, ExportFormat format, OnCancel onCancel)
 {
-    const std::string text = exportText(list, format);
+    if (list.ListCount() == 0)
+        throw OutOfBoundsException("list row", 0, 0);
     const Ref<FolderItem> file
         = GetSaveFolderItem("TEXT", format == ExportFormat::CSV ? "email_list.csv" : "email_list.txt");
     if (!file) {
@@ -37,7 +50,7 @@ void exportList(const Listbox& list, ExportFormat format, OnCancel onCancel)
         return;
     }
     const Ref<TextOutputStream> stream = file->CreateTextFile();
-    stream->WriteLine(text);
+    writeRows(*stream, list.Rows(), format);
     stream->Close();
     Launch(*file);
 }

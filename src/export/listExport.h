@@ -4,8 +4,6 @@
 
 #include "framework/controls/Listbox.h"
 
-#include <string>
-
 namespace quilvane {
 
 enum class ExportFormat {
@@ -15,14 +13,9 @@ enum class ExportFormat {
 
 enum class OnCancel { Silent, ShowMessage };
 
-/// The text of an export without its last line end: column 0 of all rows as they stand, nothing quoted,
-/// sorted or left out. Throws OutOfBoundsException for an empty list.
-std::string exportText(const Listbox& list, ExportFormat format);
-
-/// Asks where to save the list, writes it there and opens the file. The text is made before the user is
-/// asked, so rows that arrive while the dialog stands are not in it. `onCancel` tells what follows a
-/// cancelled dialog. A file that can't be written leaves an older one of that name as it was, and throws with
-/// the system's reason.
+/// Asks where to save the list, writes it there and opens the file. Throws OutOfBoundsException for an empty
+/// list, before the user is asked. `onCancel` tells what follows a cancelled dialog. A file that can't be
+/// written leaves an older one of that name as it was, and throws with the system's reason.
 void exportList(const Listbox& list, ExportFormat format, OnCancel onCancel);
 
 } // namespace quilvane

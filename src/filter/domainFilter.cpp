@@ -3,7 +3,6 @@
 #include "filter/domainFilter.h"
 
 #include "framework/exceptions.h"
-#include "framework/text/RegEx.h"
 
 namespace quilvane {
 
@@ -63,6 +62,11 @@ constexpr std::array<Rules, domainFilterCount> filters{ {
     { typedWithDot(), typedWithDot() },
 } };
 
+const Rule& ruleOf(RowFilter::Purpose purpose, std::size_t filter)
+{
+    return purpose == RowFilter::Purpose::Keep ? filters[filter].keep : filters[filter].remove;
+}
+
 std::string patternOf(const Rule& rule, const DomainFilterChoice& choice, std::size_t filter)
 {
     if (rule.source == Source::Fixed)
@@ -81,47 +85,17 @@ std::string_view domainPart(std::string_view row)
     return row.substr(at + 1, row.find('@', at + 1) - (at + 1));
 }
 
-/// Calls take(row) for each row that a ticked filter matches, filter by filter, from the last row to the
-/// first.
-template <typename Skip, typename Take>
-void forEachMatch(Rule Rules::*side, const DomainFilterChoice& choice, std::size_t rowCount,
-    const FilterRowText& rowText, const std::function<void()>& betweenRows, Skip skip, Take take)
-{
-    for (std::size_t filter = 0; filter < domainFilterCount; ++filter) {
-        if (!choice.ticked[filter])
-            continue;
-        const Rule& rule = filters[filter].*side;
-        RegEx expression;
-        expression.setSearchPattern(patternOf(rule, choice, filter));
-        for (std::size_t row = rowCount; row-- > 0;) {
-            if (skip(row))
-                continue;
-            const std::string_view text = rowText(row);
-            if (expression.matches(rule.searched == Searched::WholeRow ? text : domainPart(text)))
-                take(row);
-            betweenRows();
-        }
-    }
-}
-
 } // namespace
 
-std::vector<std::size_t> rowsToKeep(const DomainFilterChoice& choice, std::size_t rowCount,
-    const FilterRowText& rowText, const std::function<void()>& betweenRows)
+RowFilter::RowFilter(Purpose purpose, std::size_t filter, const DomainFilterChoice& choice)
+    : m_searchesWholeRow(ruleOf(purpose, filter).searched == Searched::WholeRow)
 {
-    std::vector<std::size_t> kept;
-    forEachMatch(
-        &Rules::keep, choice, rowCount, rowText, betweenRows, [](std::size_t) { return false; },
-        [&kept](std::size_t row) { kept.push_back(row); });
-    return kept;
+    m_expression.setSearchPattern(patternOf(ruleOf(purpose, filter), choice, filter));
 }
 
-void markRowsToRemove(const DomainFilterChoice& choice, const FilterRowText& rowText,
-    std::span<unsigned char> stays, const std::function<void()>& betweenRows)
+bool RowFilter::matches(std::string_view row)
 {
-    forEachMatch(
-        &Rules::remove, choice, stays.size(), rowText, betweenRows,
-        [stays](std::size_t row) { return stays[row] == 0; }, [stays](std::size_t row) { stays[row] = 0; });
+    return m_expression.matches(m_searchesWholeRow ? row : domainPart(row));
 }
 
 } // namespace quilvane

@@ -2,13 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "framework/text/RegEx.h"
+
 #include <array>
 #include <cstddef>
-#include <functional>
-#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace quilvane {
 
@@ -42,21 +41,22 @@ struct DomainFilterChoice {
     std::array<std::string, customFilterCount> customTexts{};
 };
 
-/// Texts of rows, numbered from 0. What it gives must stay valid while a filter runs.
-using FilterRowText = std::function<std::string_view(std::size_t row)>;
+/// One of the filters, ready to look at rows.
+class RowFilter {
+public:
+    enum class Purpose { Keep, Remove };
 
-// Both take time linear in rows times ticked filters, call `betweenRows` behind every row, and throw
-// RegExSearchPatternException for a text that is no pattern, RegExException for one that runs away, and
-// OutOfBoundsException at a row without an '@' where the domain is asked for.
+    /// `filter` is a place in `choice.ticked`.
+    RowFilter(Purpose purpose, std::size_t filter, const DomainFilterChoice& choice);
 
-/// The numbers of the rows that Keep leaves, in the order in which they then stand: filter by filter, and for
-/// each from the last row to the first, so a row that several filters match stands there several times.
-std::vector<std::size_t> rowsToKeep(const DomainFilterChoice& choice, std::size_t rowCount,
-    const FilterRowText& rowText, const std::function<void()>& betweenRows);
+    /// Whether Keep keeps the row, or Remove takes it away. Throws RegExSearchPatternException for a text
+    /// that is no pattern, RegExException for one that runs away, and OutOfBoundsException for a row without
+    /// an '@' where the domain is asked for.
+    bool matches(std::string_view row);
 
-/// Sets stays[i] to 0 for each row that Remove takes away. `stays` has one element a row, not 0 where the row
-/// is there; when this throws, it tells what was removed up to then.
-void markRowsToRemove(const DomainFilterChoice& choice, const FilterRowText& rowText,
-    std::span<unsigned char> stays, const std::function<void()>& betweenRows);
+private:
+    RegEx m_expression;
+    bool m_searchesWholeRow;
+};
 
 } // namespace quilvane

@@ -4,13 +4,36 @@
 
 #include "app/Window1.h"
 #include "filter/domainFilter.h"
+#include "framework/controls/RowStore.h"
+#include "framework/keepWindowPainted.h"
 #include "framework/text/strings.h"
 
 #include <exception>
+#include <utility>
+#include <vector>
 
 namespace quilvane {
 
 namespace {
+
+/// Calls visit(filter, row) for each ticked filter and each row, filter by filter, and for each from the last
+/// row to the first.
+template <typename Visit>
+void runFilters(
+    RowFilter::Purpose purpose, const DomainFilterChoice& choice, std::size_t rowCount, Visit visit)
+{
+    constexpr std::size_t rowsPerBlock = 64; // so few, as an own pattern may take long for each
+    for (std::size_t i = 0; i < domainFilterCount; ++i) {
+        if (!choice.ticked[i])
+            continue;
+        RowFilter filter(purpose, i, choice);
+        for (std::size_t row = rowCount; row-- > 0;) {
+            visit(filter, row);
+            if (row % rowsPerBlock == 0)
+                keepWindowPainted();
+        }
+    }
+}
 
 void finish(Window1& main)
 {
@@ -31,10 +54,16 @@ void finish(Window1& main)
 void filterWIn::keepBtn_Action()
 {
     Window1& main = implicit<Window1>();
-    const auto rowText = [&main](std::size_t row) { return main.Listbox1.Row(row); };
     const DomainFilterChoice choice = takeChoice();
-    // With nothing ticked no row is kept, and nothing asks.
-    main.Listbox1.ArrangeRows(rowsToKeep(choice, main.Listbox1.ListCount(), rowText, yieldToThreads));
+    const RowStore& rows = main.Listbox1.Rows();
+    // With nothing ticked no row is kept, and nothing asks. A row that several filters match is kept for
+    // each.
+    RowStore kept;
+    runFilters(RowFilter::Purpose::Keep, choice, rows.size(), [&](RowFilter& filter, std::size_t row) {
+        if (filter.matches(rows[row]))
+            kept.append(rows[row]);
+    });
+    main.Listbox1.ReplaceRows(std::move(kept));
     finish(main);
     Close();
 }
@@ -42,17 +71,20 @@ void filterWIn::keepBtn_Action()
 void filterWIn::removeBtn_Action()
 {
     Window1& main = implicit<Window1>();
-    const auto rowText = [&main](std::size_t row) { return main.Listbox1.Row(row); };
     const DomainFilterChoice choice = takeChoice();
-    std::vector<unsigned char> stays(main.Listbox1.ListCount(), 1);
+    const RowStore& rows = main.Listbox1.Rows();
+    std::vector<unsigned char> stays(rows.size(), 1);
     std::exception_ptr failure;
     try {
-        markRowsToRemove(choice, rowText, stays, yieldToThreads);
+        runFilters(RowFilter::Purpose::Remove, choice, rows.size(), [&](RowFilter& filter, std::size_t row) {
+            if (stays[row] != 0 && filter.matches(rows[row]))
+                stays[row] = 0;
+        });
     } catch (...) {
         failure = std::current_exception();
     }
-    // What earlier filters have removed is gone, whatever ends a later one.
-    main.Listbox1.RetainRows(stays);
+    // What has been removed is gone, whatever ends a later filter.
+    main.Listbox1.RetainRows(0, stays);
     if (failure)
         std::rethrow_exception(failure);
     finish(main);

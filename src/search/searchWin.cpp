@@ -6,11 +6,14 @@
 #include "app/aboutWin.h"
 #include "app/pictures.h"
 #include "filter/filterWIn.h"
+#include "framework/controls/RowStore.h"
+#include "framework/keepWindowPainted.h"
 #include "framework/text/RegEx.h"
 #include "framework/text/strings.h"
 #include "scan/endTexts.h"
 #include "search/Window2.h"
 
+#include <utility>
 #include <vector>
 
 namespace quilvane {
@@ -56,16 +59,24 @@ void searchWin::Layout()
 
 Window2& searchWin::showMatches()
 {
-    Listbox& mainList = implicit<Window1>().Listbox1;
+    const RowStore& rows = implicit<Window1>().Listbox1.Rows();
     Window2& found = openWindow<Window2>();
     RegEx expression;
     expression.setSearchPattern(searchField.Text());
-    const std::vector<std::size_t> matches = mainList.RowsMatching(expression, yieldToThreads);
-    // Only now: of a search that fails half-way nothing is shown.
-    for (const std::size_t row : matches) {
-        found.Listbox1.AddRow(mainList.Row(row));
-        yieldToThreads();
+    RowStore matches;
+    std::vector<std::size_t> matchesInBlock;
+    constexpr std::size_t rowsPerBlock = 1024;
+    for (std::size_t end = rows.size(); end > 0;) {
+        const std::size_t first = (end - 1) / rowsPerBlock * rowsPerBlock;
+        matchesInBlock.clear();
+        rows.appendMatching(expression, first, end, matchesInBlock);
+        for (const std::size_t row : matchesInBlock)
+            matches.append(rows[row]);
+        end = first;
+        keepWindowPainted();
     }
+    // Only now: of a search that fails half-way nothing is shown.
+    found.Listbox1.TakeRows(std::move(matches));
     return found;
 }
 

@@ -7,6 +7,7 @@
 #include "framework/controls/Listbox.h"
 #include "framework/controls/MenuBar.h"
 #include "framework/controls/PushButton.h"
+#include "framework/controls/RowStore.h"
 #include "framework/controls/Slider.h"
 #include "framework/controls/TextField.h"
 #include "framework/controls/Window.h"
@@ -223,7 +224,7 @@ TEST_F(ControlsTest, listKeepsTheRetainedRowsInOrder)
     view->setCurrentIndex(view->model()->index(1, 0));
     EXPECT_EQ(changes, 1);
 
-    window->list.RetainRows(keep);
+    window->list.RetainRows(0, keep);
     ASSERT_EQ(window->list.ListCount(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i)
         EXPECT_EQ(window->list.Cell(i, -1), expected[i]);
@@ -234,6 +235,43 @@ TEST_F(ControlsTest, listKeepsTheRetainedRowsInOrder)
     window->list.DeleteAllRows();
     window->list.AddRow("");
     EXPECT_EQ(window->list.Cell(0, 0), "");
+}
+
+TEST_F(ControlsTest, listKeepsItsSelectionWhereOnlyRowsGoThatItsViewNeverKnew)
+{
+    Listbox& list = window->list;
+    const auto add = [&list](int count) {
+        while (count-- > 0)
+            list.AddRow("row");
+    };
+    auto* view = TestWindow::widget<QListView>("list");
+    add(10);
+    Application::DoEvents(100);
+    view->setCurrentIndex(view->model()->index(9, 0));
+    const std::uint64_t arrangement = list.Arrangement();
+    add(10);
+    list.TruncateRows(11);
+    EXPECT_EQ(list.Arrangement(), arrangement);
+    list.RetainRows(10, std::vector<unsigned char>{ 0 });
+    add(3);
+    EXPECT_NE(list.Arrangement(), arrangement);
+    Application::DoEvents(100);
+    EXPECT_EQ(view->model()->rowCount(), 13);
+    EXPECT_TRUE(view->selectionModel()->hasSelection());
+
+    const std::pair<const char*, std::function<void()>> removals[] = {
+        { "one row", [&] { list.RetainRows(12, std::vector<unsigned char>{ 0 }); } },
+        { "truncated", [&] { list.TruncateRows(11); } },
+        { "other rows", [&] { list.ReplaceRows({}); } },
+    };
+    for (const auto& [name, remove] : removals) {
+        view->setCurrentIndex(view->model()->index(0, 0));
+        remove();
+        add(1);
+        Application::DoEvents(100);
+        EXPECT_EQ(view->model()->rowCount(), int(list.ListCount())) << name;
+        EXPECT_FALSE(view->selectionModel()->hasSelection()) << name;
+    }
 }
 
 TEST_F(ControlsTest, labelStaysReadableOnDark)

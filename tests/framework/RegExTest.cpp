@@ -108,7 +108,13 @@ TEST(RegEx, FindsTheSameRowsInAListAsOneByOne)
         whole.setSearchPattern(pattern);
         RegEx oneByOne; // the brackets make it one that is no mere text
         oneByOne.setSearchPattern("(?:" + pattern + ")");
-        EXPECT_EQ(rows.matching(whole, [] {}), rows.matching(oneByOne, [] {})) << pattern;
+        for (const auto& [first, end] :
+            { std::pair(0, 10'000), { 100, 100 }, { 4'000, 9'000 }, { 4'096, 8'192 } }) {
+            std::vector<std::size_t> found, expected;
+            rows.appendMatching(whole, std::size_t(first), std::size_t(end), found);
+            rows.appendMatching(oneByOne, std::size_t(first), std::size_t(end), expected);
+            EXPECT_EQ(found, expected) << pattern << ' ' << first;
+        }
     }
 }
 

@@ -3,51 +3,40 @@
 #include "program/ProgramTest.h"
 
 #include "app/MainMenuBar.h"
-#include "filter/domainFilter.h"
 #include "filter/filterWIn.h"
-#include "framework/exceptions.h"
+
+#include <algorithm>
 
 namespace quilvane {
 
 namespace {
 
 using Rows = std::vector<std::string>;
-using F = DomainFilter;
-
-DomainFilterChoice ticked(std::initializer_list<F> filters, const std::string& text = {})
-{
-    DomainFilterChoice choice;
-    for (const F filter : filters)
-        choice.ticked[std::size_t(filter)] = true;
-    choice.customTexts.fill(text);
-    return choice;
-}
-
-Rows keep(const Rows& rows, const DomainFilterChoice& choice)
-{
-    Rows kept;
-    for (const std::size_t row : rowsToKeep(
-             choice, rows.size(), [&](std::size_t i) { return std::string_view(rows[i]); }, [] {}))
-        kept.push_back(rows[row]);
-    return kept;
-}
-
-Rows remove(const Rows& rows, const DomainFilterChoice& choice)
-{
-    std::vector<unsigned char> stays(rows.size(), 1);
-    markRowsToRemove(
-        choice, [&](std::size_t i) { return std::string_view(rows[i]); }, stays, [] {});
-    Rows left;
-    for (std::size_t row = 0; row < rows.size(); ++row) {
-        if (stays[row])
-            left.push_back(rows[row]);
-    }
-    return left;
-}
+using F = filterWIn;
+using Boxes = std::vector<CheckBox filterWIn::*>;
 
 } // namespace
 
-using FilterTest = ProgramTest;
+class FilterTest : public ProgramTest {
+protected:
+    /// What is left of `rows` once the boxes are ticked, `text` typed into all fields, and the button
+    /// pressed.
+    Rows press(
+        PushButton F::*button, const Rows& rowsBefore, const Boxes& boxes, const std::string& text = {})
+    {
+        window().Listbox1.DeleteAllRows();
+        addRows(rowsBefore);
+        F& dialog = implicit<F>();
+        for (TextField F::*field :
+            { &F::check1Field, &F::check2Field, &F::check3Field, &F::check4Field, &F::check5Field })
+            (dialog.*field).setText(text);
+        for (CheckBox F::*box : { &F::checkCom, &F::checkGov, &F::checkOrg, &F::check1, &F::check2,
+                 &F::check3, &F::check4, &F::check5 })
+            (dialog.*box).setValue(std::find(boxes.begin(), boxes.end(), box) != boxes.end());
+        (dialog.*button).Push();
+        return rows();
+    }
+};
 
 TEST_F(FilterTest, keepAndRemoveByTheirOwnRules)
 {
@@ -55,40 +44,42 @@ TEST_F(FilterTest, keepAndRemoveByTheirOwnRules)
     struct Case {
         const char* name;
         Rows rows;
-        DomainFilterChoice choice;
+        Boxes boxes;
+        const char* text;
         Rows kept;
         Rows left;
     };
     const Case cases[] = {
-        { "one box: kept rows come reversed", abc, ticked({ F::Com }), { "c@x.com", "a@x.com" },
+        { "one box: kept rows come reversed", abc, { &F::checkCom }, "", { "c@x.com", "a@x.com" },
             { "b@x.org" } },
-        { "two boxes: group by group", abc, ticked({ F::Org, F::Com }), { "c@x.com", "a@x.com", "b@x.org" },
-            {} },
-        { "nothing ticked: Keep empties, Remove leaves", abc, ticked({}), {}, abc },
-        { "a row of two boxes is kept twice", { "a@x.com.org" }, ticked({ F::Com, F::Org }),
+        { "two boxes: group by group", abc, { &F::checkOrg, &F::checkCom }, "",
+            { "c@x.com", "a@x.com", "b@x.org" }, {} },
+        { "nothing ticked: Keep empties, Remove leaves", abc, {}, "", {}, abc },
+        { "a row of two boxes is kept twice", { "a@x.com.org" }, { &F::checkCom, &F::checkOrg }, "",
             { "a@x.com.org", "a@x.com.org" }, {} },
-        { "capitals", { "a@X.COM" }, ticked({ F::Com }), { "a@X.COM" }, {} },
+        { "capitals", { "a@X.COM" }, { &F::checkCom }, "", { "a@X.COM" }, {} },
         { "anywhere in the domain, not in the local part", { "a@x.community.org", "a.com@x.org" },
-            ticked({ F::Com }), { "a@x.community.org" }, { "a.com@x.org" } },
-        { ".gov alone is kept for the local part", { "a.gov@x.com" }, ticked({ F::Gov }), { "a.gov@x.com" },
+            { &F::checkCom }, "", { "a@x.community.org" }, { "a.com@x.org" } },
+        { ".gov alone is kept for the local part", { "a.gov@x.com" }, { &F::checkGov }, "", { "a.gov@x.com" },
             { "a.gov@x.com" } },
-        { "Remove's dot is a wildcard", { "a@telecom.org" }, ticked({ F::Com }), {}, {} },
-        { "domain part ends at a second @", { "a@x.org@y.com" }, ticked({ F::Com }), {},
+        { "Remove's dot is a wildcard", { "a@telecom.org" }, { &F::checkCom }, "", {}, {} },
+        { "domain part ends at a second @", { "a@x.org@y.com" }, { &F::checkCom }, "", {},
             { "a@x.org@y.com" } },
         { "own text without a dot, rows 1 to 4: literal dot in Keep only", { "a@georgia.edu" },
-            ticked({ F::Custom1 }, "org"), {}, {} },
+            { &F::check1 }, "org", {}, {} },
         { "own text without a dot, row 5: literal dot in both", { "a@georgia.edu", "a@x.org" },
-            ticked({ F::Custom5 }, "org"), { "a@x.org" }, { "a@georgia.edu" } },
-        { "own text with a dot is a pattern", { "a@mailxorg.de" }, ticked({ F::Custom5 }, "l.org"),
+            { &F::check5 }, "org", { "a@x.org" }, { "a@georgia.edu" } },
+        { "own text with a dot is a pattern", { "a@mailxorg.de" }, { &F::check5 }, "l.org",
             { "a@mailxorg.de" }, {} },
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(keep(c.rows, c.choice), c.kept);
-        EXPECT_EQ(remove(c.rows, c.choice), c.left);
+        EXPECT_EQ(press(&F::keepBtn, c.rows, c.boxes, c.text), c.kept);
+        EXPECT_EQ(press(&F::removeBtn, c.rows, c.boxes, c.text), c.left);
     }
-    EXPECT_THROW(keep({ "no domain" }, ticked({ F::Com })), OutOfBoundsException);
-    EXPECT_EQ(keep({ "no domain.gov" }, ticked({ F::Gov })), Rows{ "no domain.gov" });
+    EXPECT_EQ(press(&F::keepBtn, { "no domain.gov" }, { &F::checkGov }), Rows{ "no domain.gov" });
+    desktop.willReport({ "part of a row", "keepBtn_Action" });
+    EXPECT_EQ(press(&F::keepBtn, { "no domain" }, { &F::checkCom }), Rows{ "no domain" });
 }
 
 TEST_F(FilterTest, keepInTheProgram)

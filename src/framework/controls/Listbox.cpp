@@ -21,31 +21,20 @@ class Listbox::Model : public QAbstractListModel {
 public:
     const RowStore& rows() const { return m_rows; }
 
-    void append(std::string_view text)
+    /// For additions: the view asks for what it has not been told of.
+    RowStore& rowsToAddTo()
     {
-        m_rows.append(text);
         tellViewSoon();
+        return m_rows;
     }
 
-    void clear()
+    /// For removals. The rows before `firstChanged` stay as they are.
+    RowStore& rowsToChange(std::size_t firstChanged)
     {
-        m_rows.clear();
-        m_rowsRemoved = true;
+        if (firstChanged < std::size_t(m_toldRows))
+            m_toldRowsChanged = true;
         tellViewSoon();
-    }
-
-    void retain(std::span<const unsigned char> keep)
-    {
-        m_rows.retain(keep);
-        m_rowsRemoved = true;
-        tellViewSoon();
-    }
-
-    void arrange(std::span<const std::size_t> rows)
-    {
-        m_rows.arrange(rows);
-        m_rowsRemoved = true;
-        tellViewSoon();
+        return m_rows;
     }
 
     int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : m_toldRows; }
@@ -76,8 +65,8 @@ private:
     {
         m_tellingPending = false;
         const int count = int(std::min<std::size_t>(m_rows.size(), std::numeric_limits<int>::max()));
-        if (m_rowsRemoved) {
-            m_rowsRemoved = false;
+        if (m_toldRowsChanged) {
+            m_toldRowsChanged = false;
             const bool selected = hasSelection && hasSelection();
             beginResetModel();
             m_toldRows = count;
@@ -93,7 +82,7 @@ private:
 
     RowStore m_rows;
     int m_toldRows = 0;
-    bool m_rowsRemoved = false;
+    bool m_toldRowsChanged = false;
     bool m_tellingPending = false;
 };
 
@@ -110,12 +99,22 @@ Listbox::~Listbox()
 
 void Listbox::AddRow(std::string_view text)
 {
-    m_model->append(text);
+    m_model->rowsToAddTo().append(text);
+}
+
+void Listbox::AddRows(const RowStore& rows, std::size_t first)
+{
+    m_model->rowsToAddTo().append(rows, first);
+}
+
+void Listbox::TakeRows(RowStore&& rows)
+{
+    m_model->rowsToAddTo().take(std::move(rows));
 }
 
 std::size_t Listbox::ListCount() const
 {
-    return m_model->rows().size();
+    return Rows().size();
 }
 
 std::string Listbox::Cell(std::size_t row, int column) const
@@ -129,29 +128,47 @@ std::string_view Listbox::Row(std::size_t row) const
 {
     if (row >= ListCount())
         throw OutOfBoundsException("list row", row, ListCount());
-    return m_model->rows()[row];
+    return Rows()[row];
 }
 
-std::vector<std::size_t> Listbox::RowsMatching(
-    RegEx& expression, const std::function<void()>& meanwhile) const
+const RowStore& Listbox::Rows() const
 {
-    return m_model->rows().matching(expression, meanwhile);
+    return m_model->rows();
+}
+
+void Listbox::AppendMatchingRows(
+    RegEx& expression, std::size_t first, std::size_t end, std::vector<std::size_t>& found) const
+{
+    Rows().appendMatching(expression, first, end, found);
 }
 
 void Listbox::DeleteAllRows()
 {
-    m_model->clear();
+    if (Rows().empty())
+        return;
+    m_model->rowsToChange(0).clear();
+    ++m_arrangement;
 }
 
-void Listbox::RetainRows(std::span<const unsigned char> keep)
+void Listbox::TruncateRows(std::size_t count)
 {
-    if (std::find(keep.begin(), keep.end(), 0) != keep.end())
-        m_model->retain(keep);
+    if (count < ListCount())
+        m_model->rowsToChange(count).truncate(count);
 }
 
-void Listbox::ArrangeRows(std::span<const std::size_t> rows)
+void Listbox::RetainRows(std::size_t first, std::span<const unsigned char> stays)
 {
-    m_model->arrange(rows);
+    const auto gone = std::find(stays.begin(), stays.end(), 0);
+    if (gone == stays.end())
+        return;
+    m_model->rowsToChange(first + std::size_t(gone - stays.begin())).retain(first, stays);
+    ++m_arrangement;
+}
+
+void Listbox::ReplaceRows(RowStore&& rows)
+{
+    m_model->rowsToChange(0) = std::move(rows);
+    ++m_arrangement;
 }
 
 void Listbox::makeWidget(Native& native)

@@ -5,12 +5,14 @@
 #include "framework/controls/RectControl.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
 namespace quilvane {
 
 class RegEx;
+class RowStore;
 
 /// A list of one column, made for millions of rows. Rows are numbered from 0.
 ///
@@ -26,6 +28,12 @@ public:
 
     void AddRow(std::string_view text);
 
+    /// Adds copies of the rows of a store from row `first` on.
+    void AddRows(const RowStore& rows, std::size_t first);
+
+    /// Adds the rows of a store and leaves it empty.
+    void TakeRows(RowStore&& rows);
+
     std::size_t ListCount() const;
 
     /// The text of a row; throws OutOfBoundsException. `column` is 0, or -1 for the whole row, its columns
@@ -35,15 +43,29 @@ public:
     /// As Cell, without a copy: valid until rows are removed.
     std::string_view Row(std::size_t row) const;
 
-    /// The rows in which `expression` is found, the last one first. Calls `meanwhile` now and then. Throws
-    /// what RegEx::matches() throws.
-    std::vector<std::size_t> RowsMatching(RegEx& expression, const std::function<void()>& meanwhile) const;
+    /// All rows, to be read without a check. Valid as long as the list.
+    const RowStore& Rows() const;
+
+    /// Appends to `found` the numbers of those rows of [first, end) in which `expression` is found, the last
+    /// one first. Throws what RegEx::matches() throws.
+    void AppendMatchingRows(
+        RegEx& expression, std::size_t first, std::size_t end, std::vector<std::size_t>& found) const;
 
     void DeleteAllRows();
 
-    /// Removes each row i with keep[i] == 0, all in one pass; later rows move up. `keep` has ListCount()
-    /// elements.
-    void RetainRows(std::span<const unsigned char> keep);
+    /// Takes back rows that have just been added: removes all but the first `count`.
+    void TruncateRows(std::size_t count);
+
+    /// Removes each row i from `first` on with stays[i - first] == 0, all in one pass; later rows move up.
+    /// `stays` has ListCount() - first elements. Rows before `first` cost nothing.
+    void RetainRows(std::size_t first, std::span<const unsigned char> stays);
+
+    /// Makes the list anew from these rows and leaves the store empty.
+    void ReplaceRows(RowStore&& rows);
+
+    /// Another number each time that DeleteAllRows, RetainRows or ReplaceRows has removed or moved rows.
+    /// While it stays the same, each row is where it was.
+    std::uint64_t Arrangement() const { return m_arrangement; }
 
     bool HasHeading() const { return m_hasHeading; }
     void setHasHeading(bool hasHeading) { m_hasHeading = hasHeading; }
@@ -53,16 +75,13 @@ public:
     const std::string& ColumnWidths() const { return m_columnWidths; }
     void setColumnWidths(std::string widths) { m_columnWidths = std::move(widths); }
 
-    /// Makes the list anew from rows of its own: row i becomes what was row rows[i]. A row may be named
-    /// several times.
-    void ArrangeRows(std::span<const std::size_t> rows);
-
 private:
     class Model;
 
     void makeWidget(Native& native) override;
 
     std::unique_ptr<Model> m_model;
+    std::uint64_t m_arrangement = 0;
     std::string m_columnWidths;
     bool m_hasHeading = false;
 };

@@ -8,122 +8,209 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <stdexcept>
-#include <utility>
+
+#include <malloc.h>
 
 namespace quilvane {
 
 namespace {
 
 /// In bytes, with what it takes to look for duplicates among them.
-constexpr std::uint64_t memoryForMillionRows = std::uint64_t(96) << 20;
+constexpr std::uint64_t memoryForRow = 96;
 
-/// Calls take(i) for each row i that holds `literal`, of rows that stand one behind the other in `text`.
-/// `ends` are the places behind each.
+/// Calls take(i) for each row i that holds `literal`, of rows that stand one after the other in `text`.
+/// ends[i] - offset is the place after row i.
 template <typename Take>
-void forEachRowWith(
-    const LiteralText& literal, std::string_view text, std::span<const std::uint32_t> ends, Take take)
+void forEachRowWith(const LiteralText& literal, std::string_view text, const std::uint32_t* ends,
+    std::uint32_t offset, Take take)
 {
     std::size_t row = 0;
     std::size_t place = literal.find(text, 0);
     while (place != std::string_view::npos) {
-        while (ends[row] <= place)
+        while (ends[row] - offset <= place)
             ++row;
-        const bool inOneRow = place + literal.size() <= ends[row];
+        const std::size_t rowEnd = ends[row] - offset;
+        const bool inOneRow = place + literal.size() <= rowEnd;
         if (inOneRow)
             take(row);
-        place = literal.find(text, inOneRow ? ends[row] : place + 1);
+        place = literal.find(text, inOneRow ? rowEnd : place + 1);
     }
 }
 
 } // namespace
 
-void RowStore::append(std::string_view text)
+RowStore::RowStore(RowStore&& other) noexcept
+    : m_chunks(std::exchange(other.m_chunks, {}))
+    , m_size(std::exchange(other.m_size, 0))
+    , m_room(std::exchange(other.m_room, 0))
 {
-    if (m_size % (256 * rowsPerChunk) == 0)
-        requireMemory(memoryForMillionRows, "The list is too long");
-    appendUnchecked(text);
 }
 
-void RowStore::appendUnchecked(std::string_view text)
+RowStore& RowStore::operator=(RowStore&& other) noexcept
 {
-    if (m_size == m_chunks.size() * rowsPerChunk) {
-        Chunk next;
-        next.ends.reserve(rowsPerChunk);
-        if (!m_chunks.empty()) {
-            m_chunks.back().text.shrink_to_fit();
-            next.text.reserve(m_chunks.back().text.size());
-        }
-        m_chunks.push_back(std::move(next));
+    m_chunks = std::exchange(other.m_chunks, {});
+    m_size = std::exchange(other.m_size, 0);
+    m_room = std::exchange(other.m_room, 0);
+    return *this;
+}
+
+void RowStore::append(const RowStore& other, std::size_t first)
+{
+    requireMemory((other.m_size - first) * memoryForRow, "The list is too long");
+    while (first < other.m_size) {
+        const std::size_t begin = first % rowsPerChunk;
+        const std::size_t count = std::min(rowsPerChunk - begin, other.m_size - first);
+        appendRows(*other.m_chunks[first / rowsPerChunk], begin, begin + count);
+        first += count;
     }
-    Chunk& chunk = m_chunks.back();
-    if (chunk.text.size() + text.size() > std::numeric_limits<std::uint32_t>::max())
-        throw std::length_error(
-            "These rows are too long for a list: more than 4 GB in a few thousand of them.");
-    chunk.text.append(text);
-    chunk.ends.push_back(std::uint32_t(chunk.text.size()));
-    ++m_size;
 }
 
-std::string_view RowStore::operator[](std::size_t row) const
+void RowStore::take(RowStore&& other)
 {
-    const Chunk& chunk = m_chunks[row / rowsPerChunk];
-    const std::size_t index = row % rowsPerChunk;
-    const std::size_t begin = index == 0 ? 0 : chunk.ends[index - 1];
-    return std::string_view(chunk.text).substr(begin, chunk.ends[index] - begin);
+    RowStore rest = std::move(other);
+    if (empty())
+        std::swap(*this, rest);
+    for (ChunkPointer& chunk : rest.m_chunks) {
+        appendRows(*chunk, 0, std::min(rowsPerChunk, rest.m_size));
+        rest.m_size -= std::min(rowsPerChunk, rest.m_size);
+        chunk.reset();
+    }
 }
 
-std::vector<std::size_t> RowStore::matching(RegEx& expression, const std::function<void()>& meanwhile) const
+void RowStore::appendMatching(
+    RegEx& expression, std::size_t first, std::size_t end, std::vector<std::size_t>& found) const
 {
-    std::vector<std::size_t> found;
-    std::size_t behind = m_size;
-    while (behind > 0) {
-        const std::size_t first = (behind - 1) / rowsPerChunk * rowsPerChunk;
+    while (first < end) {
+        const std::size_t chunkBegin = (end - 1) / rowsPerChunk * rowsPerChunk;
+        const std::size_t begin = std::max(first, chunkBegin);
         if (const LiteralText* literal = expression.literal()) {
-            const Chunk& chunk = m_chunks[first / rowsPerChunk];
-            const std::span<const std::uint32_t> ends(chunk.ends.data(), behind - first);
-            const auto before = std::ptrdiff_t(found.size());
-            forEachRowWith(*literal, std::string_view(chunk.text).substr(0, ends.back()), ends,
-                [&](std::size_t row) { found.push_back(first + row); });
+            const Chunk& chunk = *m_chunks[chunkBegin / rowsPerChunk];
+            const std::uint32_t* ends = chunk.ends + (begin - chunkBegin);
+            const auto before = static_cast<std::ptrdiff_t>(found.size());
+            forEachRowWith(*literal, chunk.rows(begin - chunkBegin, end - chunkBegin), ends + 1, *ends,
+                [&](std::size_t row) { found.push_back(begin + row); });
             std::reverse(found.begin() + before, found.end());
-            meanwhile();
         } else {
-            for (std::size_t row = behind; row-- > first;) {
+            for (std::size_t row = end; row-- > begin;) {
                 if (expression.matches((*this)[row]))
                     found.push_back(row);
-                meanwhile();
             }
         }
-        behind = first;
+        end = begin;
     }
-    return found;
 }
 
 void RowStore::clear()
 {
-    m_chunks = {};
-    m_size = 0;
+    constexpr std::size_t many = 256;
+    const bool isLarge = m_chunks.size() > many;
+    *this = {};
+    // The heap would keep what lies below anything that is still in use.
+    if (isLarge)
+        ::malloc_trim(0);
 }
 
-void RowStore::retain(std::span<const unsigned char> keep)
+void RowStore::truncate(std::size_t count)
 {
-    RowStore kept;
-    for (std::size_t row = 0; row < m_size; ++row) {
-        if (keep[row])
-            kept.appendUnchecked((*this)[row]);
-        // What has been copied goes at once: the peak is the list and one chunk, not the list twice.
-        if (row % rowsPerChunk == rowsPerChunk - 1)
-            m_chunks[row / rowsPerChunk] = {};
+    m_chunks.resize((count + rowsPerChunk - 1) / rowsPerChunk);
+    m_size = count;
+    m_room = 0; // what is there is found out when the next row comes
+}
+
+void RowStore::retain(std::size_t first, std::span<const unsigned char> stays)
+{
+    const auto leading = static_cast<std::size_t>(std::find(stays.begin(), stays.end(), 0) - stays.begin());
+    const std::size_t oldSize = m_size;
+    std::size_t row = first + leading; // the first row that goes
+    if (row == oldSize)
+        return;
+
+    // The chunks from that row's on are taken out and what stays of them is added again. What has been copied
+    // goes at once: the peak is the list and one chunk, not the list twice.
+    const std::size_t firstChunk = row / rowsPerChunk;
+    std::vector<ChunkPointer> old(std::make_move_iterator(m_chunks.begin() + std::ptrdiff_t(firstChunk)),
+        std::make_move_iterator(m_chunks.end()));
+    truncate(firstChunk * rowsPerChunk);
+    appendRows(*old.front(), 0, row % rowsPerChunk);
+    for (std::size_t i = 0; i < old.size(); ++i) {
+        const std::size_t chunkBegin = (firstChunk + i) * rowsPerChunk;
+        const std::size_t chunkEnd = std::min(chunkBegin + rowsPerChunk, oldSize);
+        while (row < chunkEnd) {
+            std::size_t runBegin = row;
+            while (runBegin < chunkEnd && stays[runBegin - first] == 0)
+                ++runBegin;
+            row = runBegin;
+            while (row < chunkEnd && stays[row - first] != 0)
+                ++row;
+            appendRows(*old[i], runBegin - chunkBegin, row - chunkBegin);
+        }
+        old[i].reset();
     }
-    *this = std::move(kept);
 }
 
-void RowStore::arrange(std::span<const std::size_t> rows)
+void RowStore::makeRoomIfMemoryAllows(std::size_t bytes)
 {
-    RowStore arranged;
-    for (const std::size_t row : rows)
-        arranged.append((*this)[row]);
-    *this = std::move(arranged);
+    // Once a million rows, and not for a short list.
+    constexpr std::size_t million = std::size_t(1) << 20;
+    if (m_size % million == 16 * rowsPerChunk)
+        requireMemory(million * memoryForRow, "The list is too long");
+    makeRoom(bytes);
+}
+
+void RowStore::makeRoom(std::size_t bytes)
+{
+    constexpr std::size_t smallestText = 4096;
+    constexpr std::size_t largestText = std::numeric_limits<std::uint32_t>::max();
+    const std::size_t index = m_size % rowsPerChunk;
+    const std::size_t lastText
+        = m_chunks.empty() ? 0 : m_chunks.back()->ends[index == 0 ? rowsPerChunk : index];
+    const std::size_t used = index == 0 ? 0 : lastText;
+    if (bytes > largestText - used)
+        throw std::length_error(
+            "These rows are too long for a list: more than 4 GB in a few thousand of them.");
+    if (index == 0) {
+        if (!m_chunks.empty())
+            resize(m_chunks.back(), lastText);
+        // Rows are much like those before them.
+        ChunkPointer next;
+        m_room = std::max({ bytes, lastText + lastText / 16, smallestText });
+        resize(next, m_room);
+        next->ends[0] = 0;
+        m_chunks.push_back(std::move(next));
+    } else {
+        m_room = std::max(bytes, used / 2);
+        resize(m_chunks.back(), used + m_room);
+    }
+}
+
+void RowStore::resize(ChunkPointer& chunk, std::size_t textSize)
+{
+    void* memory = std::realloc(chunk.get(), sizeof(Chunk) + textSize);
+    if (!memory)
+        throw std::bad_alloc();
+    static_cast<void>(chunk.release());
+    chunk.reset(static_cast<Chunk*>(memory));
+}
+
+void RowStore::appendRows(const Chunk& chunk, std::size_t begin, std::size_t end)
+{
+    while (begin < end) {
+        const std::size_t index = m_size % rowsPerChunk;
+        const std::size_t count = std::min(end - begin, rowsPerChunk - index);
+        const std::string_view text = chunk.rows(begin, begin + count);
+        if (index == 0 || text.size() > m_room)
+            makeRoom(text.size());
+        Chunk& last = *m_chunks.back();
+        const std::uint32_t place = last.ends[index];
+        text.copy(last.text() + place, text.size());
+        for (std::size_t row = 1; row <= count; ++row)
+            last.ends[index + row] = chunk.ends[begin + row] - chunk.ends[begin] + place;
+        m_room -= text.size();
+        m_size += count;
+        begin += count;
+    }
 }
 
 } // namespace quilvane

@@ -4,9 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
+#include <cstdlib>
+#include <memory>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -16,42 +16,91 @@ class RegEx;
 
 /// The rows of a list: texts in chunks of one arena each, so that millions cost little more than their bytes
 /// and adding a row never moves the earlier ones. Rows are numbered from 0.
+///
+/// What adds rows throws OutOfMemoryException when memory gets short, and std::length_error when 4,096 rows
+/// come to more than 4 GB.
 class RowStore {
 public:
-    /// Throws OutOfMemoryException when memory gets short, and std::length_error for a row of 4 GB.
-    void append(std::string_view text);
+    RowStore() = default;
+    /// What was moved from is empty.
+    RowStore(RowStore&& other) noexcept;
+    RowStore& operator=(RowStore&& other) noexcept;
+
+    void append(std::string_view text)
+    {
+        const std::size_t index = m_size % rowsPerChunk;
+        if (index == 0 || text.size() > m_room)
+            makeRoomIfMemoryAllows(text.size());
+        Chunk& chunk = *m_chunks.back();
+        const std::uint32_t begin = chunk.ends[index];
+        text.copy(chunk.text() + begin, text.size());
+        chunk.ends[index + 1] = begin + static_cast<std::uint32_t>(text.size());
+        m_room -= text.size();
+        ++m_size;
+    }
+
+    /// Adds copies of the rows of `other`, another store, from row `first` on.
+    void append(const RowStore& other, std::size_t first);
+
+    /// Adds the rows of `other` and leaves it empty. Its memory goes as its rows come over.
+    void take(RowStore&& other);
 
     std::size_t size() const { return m_size; }
+    bool empty() const { return m_size == 0; }
 
     /// Valid until rows are removed or the store goes. `row` must be below size().
-    std::string_view operator[](std::size_t row) const;
+    std::string_view operator[](std::size_t row) const
+    {
+        return m_chunks[row / rowsPerChunk]->rows(row % rowsPerChunk, row % rowsPerChunk + 1);
+    }
 
-    /// The rows in which `expression` is found, the last one first. Calls `meanwhile` now and then, which may
-    /// append rows; they are not searched. Throws what RegEx::matches() throws.
-    std::vector<std::size_t> matching(RegEx& expression, const std::function<void()>& meanwhile) const;
+    /// Appends to `found` the numbers of those rows of [first, end) in which `expression` is found, the last
+    /// one first. Throws what RegEx::matches() throws.
+    void appendMatching(
+        RegEx& expression, std::size_t first, std::size_t end, std::vector<std::size_t>& found) const;
 
+    /// Gives the memory back to the system.
     void clear();
 
-    /// Keeps row i where keep[i] is not 0, in one pass and in the same order. `keep` has size() elements.
-    void retain(std::span<const unsigned char> keep);
+    /// Removes all rows but the first `count`, which is at most size().
+    void truncate(std::size_t count);
 
-    /// Makes row i what was row rows[i] before; rows that stand there several times are repeated, others go.
-    void arrange(std::span<const std::size_t> rows);
+    /// Of the rows from `first` on keeps row i where stays[i - first] is not 0, in the same order. `stays`
+    /// has size() - first elements. Rows before `first` are not touched and cost nothing.
+    void retain(std::size_t first, std::span<const unsigned char> stays);
 
 private:
     static constexpr std::size_t rowsPerChunk = 4096;
 
-    /// append() without a look at the memory: what is moved from one store to another needs no more than it
-    /// had.
-    void appendUnchecked(std::string_view text);
-
+    /// What a block of memory begins with; the texts of the rows follow it.
     struct Chunk {
-        std::string text;
-        std::vector<std::uint32_t> ends; // byte behind each row's text
+        std::uint32_t ends[rowsPerChunk + 1]; // of row i: the byte after its text is ends[i + 1]
+
+        char* text() { return reinterpret_cast<char*>(this + 1); }
+        const char* text() const { return reinterpret_cast<const char*>(this + 1); }
+        /// The texts of rows [begin, end).
+        std::string_view rows(std::size_t begin, std::size_t end) const
+        {
+            return { text() + ends[begin], ends[end] - ends[begin] };
+        }
     };
 
-    std::vector<Chunk> m_chunks; // all but the last are full
+    struct Free {
+        void operator()(Chunk* chunk) const { std::free(chunk); }
+    };
+    using ChunkPointer = std::unique_ptr<Chunk, Free>;
+
+    /// Makes room for one more row, or for several that fit into the last chunk, of `bytes` bytes together.
+    void makeRoom(std::size_t bytes);
+    void makeRoomIfMemoryAllows(std::size_t bytes);
+    /// Gives a chunk, or a null one, room for that many bytes of text.
+    static void resize(ChunkPointer& chunk, std::size_t textSize);
+    /// Adds the rows [begin, end) of a chunk that stays as it is.
+    void appendRows(const Chunk& chunk, std::size_t begin, std::size_t end);
+
+    std::vector<ChunkPointer> m_chunks; // all but the last are full
     std::size_t m_size = 0;
+    std::size_t m_room = 0; // bytes of text that the last chunk can still take
 };
 
 } // namespace quilvane

@@ -120,10 +120,13 @@ TextOutputStream::~TextOutputStream()
 
 void TextOutputStream::WriteLine(std::string_view text)
 {
-    int failure = writeAll(m_target.temporary.number(), text);
-    if (failure == 0)
-        failure = writeAll(m_target.temporary.number(), endOfLine);
-    if (failure != 0) {
+    Write(text);
+    Write(endOfLine);
+}
+
+void TextOutputStream::Write(std::string_view text)
+{
+    if (const int failure = writeAll(m_target.temporary.number(), text); failure != 0) {
         giveUp();
         throw IOException(m_target.shownPath, "written", failure);
     }

@@ -36,7 +36,9 @@ public:
     TextOutputStream& operator=(const TextOutputStream&) = delete;
     ~TextOutputStream();
 
-    /// Writes `text` and one line end. Throws IOException; the stream is then closed, the target untouched.
+    /// Throws IOException; the stream is then closed, the target untouched.
+    void Write(std::string_view text);
+    /// Writes `text` and one line end.
     void WriteLine(std::string_view text);
 
     /// Throws IOException if the file can't be brought to its place; the target is then untouched. Does
