@@ -61,6 +61,7 @@ private:
     class Model;
 
     void makeWidget(Native& native) override;
+    void selectionMoved();
 
     std::unique_ptr<Model> m_model;
     std::string m_columnWidths;
