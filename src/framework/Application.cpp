@@ -5,6 +5,7 @@
 #include "framework/EventGuard.h"
 #include "framework/controls/MenuBar.h"
 #include "framework/controls/Window.h"
+#include "framework/internal/QuitSignals.h"
 #include "framework/internal/editCommands.h"
 #include "framework/internal/qtText.h"
 
@@ -24,28 +25,43 @@ Application* theApplication = nullptr;
 /// The desktop's own request to end, as at the end of a session, takes the way of the menu item.
 class QuitFilter : public QObject {
 public:
-    using QObject::QObject;
+    explicit QuitFilter(std::function<void()> quit)
+        : m_quit(std::move(quit))
+    {
+    }
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override
     {
         if (event->type() != QEvent::Quit)
             return false;
-        Application::instance().Quit();
+        m_quit();
         return true;
     }
+
+private:
+    std::function<void()> m_quit;
 };
 
 } // namespace
+
+struct Application::Native {
+    QuitFilter filter;
+    QuitSignals signals_; // "signals" is a macro of Qt's
+};
 
 Application::Application()
 {
     assert(!theApplication);
     theApplication = this;
+    const auto asked = [this] { askedToQuit(); };
+    m_native.reset(new Native{ QuitFilter(asked), QuitSignals(asked) });
+    qApp->installEventFilter(&m_native->filter);
 }
 
 Application::~Application()
 {
+    forgetPutOff(this);
     WindowList::instance().deleteClosed();
     theApplication = nullptr;
 }
@@ -69,7 +85,6 @@ void Application::addMenuHandler(std::string_view itemName, MenuHandler handler)
 
 int Application::Run(const std::function<void()>& lateStartUp)
 {
-    qApp->installEventFilter(new QuitFilter(qApp));
     lateStartUp();
     runGuarded("Event_Open", [this] { Event_Open(); });
     return QApplication::exec();
@@ -78,8 +93,19 @@ int Application::Run(const std::function<void()>& lateStartUp)
 void Application::Quit()
 {
     m_quitting = true;
+    m_closingWindows = true;
     WindowList::instance().closeAll();
+    m_closingWindows = false;
     QApplication::exit();
+}
+
+void Application::askedToQuit()
+{
+    // Put off as well as noted: the handler at work may end before it looks.
+    if (putOff(this, [this] { Quit(); }))
+        m_mustQuit = true;
+    else
+        Quit();
 }
 
 void Application::DoEvents(int milliseconds)
@@ -89,9 +115,18 @@ void Application::DoEvents(int milliseconds)
     bool somethingDone = true;
     while (somethingDone && elapsed.elapsed() <= milliseconds)
         somethingDone = QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents);
-    // The windows have gone, so what the handler goes on to do would be seen by nobody and keep the process
-    // busy.
-    if (instance().m_quitting && handlerDepth() > 0)
+    endHandlerIfQuitting();
+}
+
+void Application::endHandlerIfQuitting()
+{
+    if (!theApplication)
+        return;
+    Application& self = *theApplication;
+    if (std::exchange(self.m_mustQuit, false))
+        self.Quit();
+    // The windows' own closing events run to their end.
+    if (self.m_quitting && !self.m_closingWindows && handlerDepth() > 0)
         throw QuitUnwinding();
 }
 
@@ -108,7 +143,7 @@ void Application::chosen(MenuItem& item)
 void Application::updateMenus()
 {
     // A handler that the quitting has overtaken may end in this; there is no window left to bring up to date.
-    if (m_quitting)
+    if (m_quitting || putOff(this, [this] { updateMenus(); }))
         return;
     for (const auto& menu : menuBar().menus()) {
         for (const auto& item : menu->children())

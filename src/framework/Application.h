@@ -66,19 +66,28 @@ public:
     void chosen(MenuItem& item);
     void updateMenus();
     void windowClosed();
+    /// Quits if the program was asked to while its windows were only being painted. After Quit() ends the
+    /// handler that has called it: its windows have gone, so what it goes on to do would be seen by nobody.
+    static void endHandlerIfQuitting();
 
 protected:
     virtual void Event_Open() { }
     virtual void Event_EnableMenuItems() { }
 
 private:
+    struct Native;
+
+    void askedToQuit();
     void autoEnable(MenuItem& item) const;
     const MenuHandler* handlerFor(std::string_view itemName) const;
 
     VersionData m_versionData;
     quilvane::MenuBar* m_menuBar = nullptr;
     std::vector<std::pair<std::string, MenuHandler>> m_menuHandlers;
+    std::unique_ptr<Native> m_native;
+    bool m_mustQuit = false; // asked to while the windows were only being painted
     bool m_quitting = false;
+    bool m_closingWindows = false;
 };
 
 /// Brings menu items and buttons up to date: an item is enabled if something handles it, then the

@@ -2,21 +2,40 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/EventGuard.h"
 
+#include "framework/System.h"
 #include "framework/controls/Window.h"
 #include "framework/dialogs/Desktop.h"
+#include "framework/keepWindowPainted.h"
 
+#include <QTimer>
+
+#include <deque>
 #include <exception>
 #include <new>
+#include <utility>
 
 namespace quilvane {
 
 namespace {
 
+struct PutOffEvent {
+    const void* owner;
+    std::function<void()> deliver;
+};
+
 int depth = 0;
+bool painting = false;
+std::deque<PutOffEvent> putOffEvents;
+std::function<std::string(const std::string&)> failureHook;
 
 class DepthCount {
 public:
-    DepthCount() { ++depth; }
+    DepthCount()
+    {
+        if (depth == 0)
+            internal::eventLoopTurned();
+        ++depth;
+    }
     ~DepthCount()
     {
         --depth;
@@ -24,6 +43,20 @@ public:
             WindowList::instance().deleteClosedSoon();
     }
 };
+
+/// Each in a turn of its own: a handler may run the event loop, and the others are to come in there.
+void deliverPutOffSoon()
+{
+    QTimer::singleShot(0, [] {
+        if (painting || putOffEvents.empty())
+            return;
+        const PutOffEvent event = std::move(putOffEvents.front());
+        putOffEvents.pop_front();
+        if (!putOffEvents.empty())
+            deliverPutOffSoon();
+        event.deliver();
+    });
+}
 
 /// What happened, in words for the user.
 std::string describeCurrentException()
@@ -38,15 +71,36 @@ std::string describeCurrentException()
     }
 }
 
+void report(const std::string& handlerName, const std::string& outcome)
+{
+    const std::string where = "This happened in " + handlerName + ", which has ended there.";
+    Desktop::current().showError(describeCurrentException(), outcome.empty() ? where : where + ' ' + outcome);
+}
+
+/// What has become of the failed handler's work.
+std::string runFailureHook(const std::string& handlerName)
+{
+    try {
+        return failureHook ? failureHook(handlerName) : std::string();
+    } catch (const std::exception& error) {
+        System::DebugLog("The report of " + handlerName + " is incomplete: " + error.what());
+        return {};
+    }
+}
+
 } // namespace
 
 void runGuarded(const std::string& name, const std::function<void()>& handler)
 {
+    if (painting)
+        return;
     const DepthCount counted;
     try {
-        handler();
-    } catch (const std::exception&) {
-        reportCurrentException(name);
+        try {
+            handler();
+        } catch (const std::exception&) {
+            report(name, runFailureHook(name));
+        }
     } catch (const QuitUnwinding&) {
     }
 }
@@ -56,11 +110,43 @@ int handlerDepth()
     return depth;
 }
 
+bool isOnlyPainting()
+{
+    return painting;
+}
+
+bool putOff(const void* owner, std::function<void()> event)
+{
+    if (painting)
+        putOffEvents.push_back({ owner, std::move(event) });
+    return painting;
+}
+
+void forgetPutOff(const void* owner)
+{
+    std::erase_if(putOffEvents, [owner](const PutOffEvent& event) { return event.owner == owner; });
+}
+
+OnlyPainting::OnlyPainting()
+{
+    painting = true;
+}
+
+OnlyPainting::~OnlyPainting()
+{
+    painting = false;
+    if (!putOffEvents.empty())
+        deliverPutOffSoon();
+}
+
 void reportCurrentException(const std::string& handlerName)
 {
-    Desktop::current().showError(describeCurrentException(),
-        "This happened in " + handlerName
-            + ", which has ended there. What it had done before stands; otherwise the list is untouched.");
+    report(handlerName, {});
+}
+
+void setFailureHook(std::function<std::string(const std::string& handlerName)> hook)
+{
+    failureHook = std::move(hook);
 }
 
 } // namespace quilvane

@@ -10,7 +10,8 @@ namespace quilvane {
 /// Runs `handler`, through which one event enters the program. What it throws ends this handler alone and is
 /// reported to the user in one dialog that names `name`; the caller goes on as if the handler had returned.
 ///
-/// Handlers nest (a dialog or DoEvents runs the event loop inside of one); each ends on its own.
+/// Handlers nest (a dialog or DoEvents runs the event loop inside of one); each ends on its own. While the
+/// windows are only being painted nothing is run: an event that must not be lost is put off first.
 void runGuarded(const std::string& name, const std::function<void()>& handler);
 
 /// Thrown through a handler that the quitting of the program has overtaken; runGuarded ends it without a
@@ -20,7 +21,30 @@ struct QuitUnwinding { };
 /// How many handlers are on the stack now; 0 in the bare event loop.
 int handlerDepth();
 
-/// Reports the exception in flight the way runGuarded does. To be called inside of a catch block.
+/// Whether the windows are only being painted while a handler works, so that no event may reach the program.
+bool isOnlyPainting();
+
+/// While the windows are only being painted: keeps `event` for the next turn of the event loop and returns
+/// true. Else returns false. What an event is put off for, `owner`, forgets it when it goes itself.
+bool putOff(const void* owner, std::function<void()> event);
+void forgetPutOff(const void* owner);
+
+/// The windows are only being painted while it lives.
+class OnlyPainting {
+public:
+    OnlyPainting();
+    ~OnlyPainting();
+    OnlyPainting(const OnlyPainting&) = delete;
+    OnlyPainting& operator=(const OnlyPainting&) = delete;
+};
+
+/// Reports the exception in flight as runGuarded does, without the failure hook. To be called inside of a
+/// catch block.
 void reportCurrentException(const std::string& handlerName);
+
+/// What the program does about a failed handler before the report of it is shown. The result, what has become
+/// of the handler's work, is added to the report as a sentence of its own; empty for none. What the hook
+/// throws goes to the log.
+void setFailureHook(std::function<std::string(const std::string& handlerName)> hook);
 
 } // namespace quilvane

@@ -3,6 +3,7 @@
 #include "framework/Runtime.h"
 
 #include "framework/internal/ColorScheme.h"
+#include "framework/internal/WindowPainter.h"
 #include "framework/internal/qtText.h"
 
 #include <QApplication>
@@ -49,6 +50,7 @@ struct Runtime::Native {
 
     QApplication application;
     ColorScheme colorScheme{ QDBusConnection::sessionBus() };
+    WindowPainter painter;
 };
 
 Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)

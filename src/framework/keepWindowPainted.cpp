@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/keepWindowPainted.h"
 
-#include <cstdint>
 #include <ctime>
 
 namespace quilvane {
@@ -11,13 +10,14 @@ namespace {
 
 using Painter = void (*)();
 
-constexpr std::int64_t paintEvery = 100; // ms
+constexpr long paintEvery = 100; // ms
 
 constinit thread_local Painter painter = nullptr; // set on the main thread only
-constinit std::int64_t lastPainting = 0;
+constinit long lastTurn = 0;
+constinit long lastPainting = 0;
 
 /// In milliseconds, as exact as the kernel's tick, and so a few nanoseconds' work.
-std::int64_t now()
+long now()
 {
     timespec time{};
     ::clock_gettime(CLOCK_MONOTONIC_COARSE, &time);
@@ -37,9 +37,19 @@ void internal::setWindowPainter(void (*paint)())
     painter = paint;
 }
 
+void internal::eventLoopTurned()
+{
+    lastTurn = lastPainting = now();
+}
+
 void internal::windowsWerePainted()
 {
     lastPainting = now();
+}
+
+long internal::timeSinceTurn()
+{
+    return now() - lastTurn;
 }
 
 } // namespace quilvane

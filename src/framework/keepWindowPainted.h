@@ -16,8 +16,11 @@ void keepWindowPainted();
 namespace internal {
 /// For the toolkit itself: what to call when it is time, on this thread; nullptr for nothing.
 void setWindowPainter(void (*paint)());
-/// The time to the next painting starts now.
+/// The time to the next painting starts now, of either; the first is for the event loop itself.
+void eventLoopTurned();
 void windowsWerePainted();
+/// In milliseconds, since the event loop turned last.
+long timeSinceTurn();
 } // namespace internal
 
 } // namespace quilvane

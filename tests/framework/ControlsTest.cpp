@@ -94,6 +94,10 @@ protected:
 TEST_F(ControlsTest, aHandlerThatThrowsEndsAloneAndIsNamed)
 {
     std::string order;
+    setFailureHook([&](const std::string& handler) {
+        order += handler + ' ';
+        return std::string("The list is untouched.");
+    });
     window->box.Action = [&] {
         order += "inner ";
         throw IOException("the reason");
@@ -102,10 +106,20 @@ TEST_F(ControlsTest, aHandlerThatThrowsEndsAloneAndIsNamed)
         window->box.setValue(true);
         order += "outer";
     };
-    desktop.willReport({ "the reason", "box_Action", "untouched" });
+    desktop.willReport({ "the reason", "box_Action, which has ended there. The list is untouched." });
     window->parked.Push();
-    EXPECT_EQ(order, "inner outer");
+    EXPECT_EQ(order, "inner box_Action outer");
     EXPECT_EQ(handlerDepth(), 0);
+
+    setFailureHook([](const std::string&) -> std::string { throw IOException("the hook's own"); });
+    desktop.willReport({ "the reason", "box_Action" });
+    testing::internal::CaptureStderr();
+    window->box.setValue(false);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("the hook's own"), std::string::npos);
+
+    setFailureHook([](const std::string&) -> std::string { throw QuitUnwinding(); });
+    window->box.setValue(true); // no report where nobody is left to read it
+    setFailureHook({});
 }
 
 TEST_F(ControlsTest, changesByCodeFireTheUsersEvents)

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/threads/Thread.h"
+
 #include "framework/EventGuard.h"
 #include "framework/exceptions.h"
 #include "framework/files/FolderItem.h"

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/Canvas.h"
 
+#include "framework/EventGuard.h"
 #include "framework/files/FileType.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/PictureNative.h"
@@ -49,8 +50,15 @@ protected:
             event->acceptProposedAction();
     }
 
+    void dragMoveEvent(QDragMoveEvent* event) override { event->setAccepted(!isOnlyPainting()); }
+
     void dropEvent(QDropEvent* event) override
     {
+        // Refused: who drops shall see at once that nothing comes of it.
+        if (isOnlyPainting()) {
+            event->ignore();
+            return;
+        }
         std::vector<std::optional<std::string>> paths;
         for (const QUrl& url : event->mimeData()->urls())
             paths.push_back(localPath(url));
@@ -82,6 +90,8 @@ private:
 
     void press()
     {
+        if (putOff(&m_canvas, [this] { press(); }))
+            return;
         if (m_canvas.MouseDown)
             m_canvas.fire("MouseDown", [this] { m_canvas.MouseDown(); });
     }
@@ -148,6 +158,9 @@ Canvas::~Canvas()
 
 void Canvas::Drop(DragItem item)
 {
+    // It was taken before the handler at work began.
+    if (putOff(this, [this, item] { Drop(item); }))
+        return;
     if (DropObject)
         fire("DropObject", [&] { DropObject(item); });
 }

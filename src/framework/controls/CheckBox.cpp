@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/CheckBox.h"
 
+#include "framework/EventGuard.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/fitText.h"
 #include "framework/internal/qtText.h"
@@ -28,8 +29,14 @@ void CheckBox::setValue(bool value)
 void CheckBox::makeWidget(Native& native)
 {
     auto* box = new QCheckBox(native.content);
-    QObject::connect(box, &QCheckBox::toggled, [this](bool checked) { setValue(checked); });
+    QObject::connect(box, &QCheckBox::toggled, [this] { toggled(); });
     native.widget = box;
+}
+
+void CheckBox::toggled()
+{
+    if (!putOff(this, [this] { toggled(); }))
+        setValue(qobject_cast<QCheckBox*>(native().widget)->isChecked());
 }
 
 void CheckBox::setTableCaption(std::string_view caption)

@@ -20,6 +20,7 @@ public:
 private:
     void makeWidget(Native& native) override;
     void setTableCaption(std::string_view caption) override;
+    void toggled();
 
     bool m_value = false;
 };

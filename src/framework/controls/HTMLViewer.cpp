@@ -3,6 +3,7 @@
 #include "framework/controls/HTMLViewer.h"
 
 #include "documents/html/htmlText.h"
+#include "framework/EventGuard.h"
 #include "framework/net/fetch.h"
 
 #include <QTimer>
@@ -61,8 +62,12 @@ void HTMLViewer::startLoading()
     FetchOptions options = FetchOptions::standard();
     options.largestBody = std::min(options.largestBody, largestPage);
     QObject* const mainThread = &m_loader->settling;
-    const auto handOver = [mainThread](auto event) {
-        QMetaObject::invokeMethod(mainThread, std::move(event), Qt::QueuedConnection);
+    const auto handOver = [this, mainThread](std::function<void()> event) {
+        const auto deliver = [this, event = std::move(event)] {
+            if (!putOff(this, event))
+                event();
+        };
+        QMetaObject::invokeMethod(mainThread, deliver, Qt::QueuedConnection);
     };
     options.progress = [this, handOver, load = m_load, url = m_url](int percentage) {
         handOver([this, load, url, percentage] { progressed(load, url, percentage); });

@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/Listbox.h"
 
+#include "framework/EventGuard.h"
 #include "framework/controls/RowStore.h"
 #include "framework/exceptions.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/RowView.h"
 #include "framework/internal/qtText.h"
+#include "framework/keepWindowPainted.h"
 
 #include <QAbstractListModel>
 
@@ -99,7 +101,10 @@ Listbox::~Listbox()
 
 void Listbox::AddRow(std::string_view text)
 {
+    constexpr std::size_t lookAtClockEvery = 4096; // rows
     m_model->rowsToAddTo().append(text);
+    if (ListCount() % lookAtClockEvery == 0)
+        keepWindowPainted();
 }
 
 void Listbox::AddRows(const RowStore& rows, std::size_t first)
@@ -175,10 +180,16 @@ void Listbox::makeWidget(Native& native)
 {
     auto* view = new RowView(native.content);
     view->setModel(m_model.get());
-    view->selectionMoved = [this] { fire("Change", Change); };
+    view->selectionMoved = [this] { selectionMoved(); };
     m_model->hasSelection = [view] { return view->selectionModel()->hasSelection(); };
     m_model->selectionLost = view->selectionMoved;
     native.widget = view;
+}
+
+void Listbox::selectionMoved()
+{
+    if (!putOff(this, [this] { selectionMoved(); }))
+        fire("Change", Change);
 }
 
 } // namespace quilvane

@@ -79,6 +79,7 @@ private:
     class Model;
 
     void makeWidget(Native& native) override;
+    void selectionMoved();
 
     std::unique_ptr<Model> m_model;
     std::uint64_t m_arrangement = 0;

@@ -3,6 +3,7 @@
 #include "framework/controls/MenuItem.h"
 
 #include "framework/Application.h"
+#include "framework/EventGuard.h"
 #include "framework/internal/MenuItemNative.h"
 #include "framework/internal/qtText.h"
 
@@ -25,7 +26,10 @@ MenuItem::MenuItem(std::string_view name, std::string_view text, std::string_vie
     QObject::connect(&action, &QAction::triggered, [this] { Choose(); });
 }
 
-MenuItem::~MenuItem() = default;
+MenuItem::~MenuItem()
+{
+    forgetPutOff(this);
+}
 
 MenuItem& MenuItem::append(std::unique_ptr<MenuItem> child)
 {
@@ -41,6 +45,8 @@ void MenuItem::setEnabled(bool enabled)
 
 void MenuItem::Choose()
 {
+    if (putOff(this, [this] { Choose(); }))
+        return;
     if (m_enabled)
         Application::instance().chosen(*this);
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/PushButton.h"
 
+#include "framework/EventGuard.h"
 #include "framework/controls/Window.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/fitText.h"
@@ -18,6 +19,8 @@ PushButton::PushButton(Window& window, std::string_view name)
 
 void PushButton::Push()
 {
+    if (putOff(this, [this] { Push(); }))
+        return;
     if (Enabled())
         fire("Action", Action);
 }

@@ -20,6 +20,7 @@ RectControl::RectControl(Window& window, std::string_view name, ControlKind kind
 
 RectControl::~RectControl()
 {
+    forgetPutOff(this);
     deleteWidget();
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/controls/TextField.h"
 
+#include "framework/EventGuard.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/qtText.h"
 #include "framework/strings.h"
@@ -63,9 +64,14 @@ void TextField::makeWidget(Native& native)
 {
     auto* edit = new Edit(native.content, *this);
     edit->setMaxLength(std::numeric_limits<int>::max());
-    QObject::connect(
-        edit, &QLineEdit::textChanged, [this](const QString& text) { changeText(fromQt(text)); });
+    QObject::connect(edit, &QLineEdit::textChanged, [this] { edited(); });
     native.widget = edit;
+}
+
+void TextField::edited()
+{
+    if (!putOff(this, [this] { edited(); }))
+        changeText(fromQt(qobject_cast<QLineEdit*>(native().widget)->text()));
 }
 
 void TextField::changeText(std::string text)

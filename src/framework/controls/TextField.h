@@ -25,6 +25,7 @@ public:
 
 private:
     void makeWidget(Native& native) override;
+    void edited();
     void changeText(std::string text);
 
     class Edit;

@@ -34,8 +34,10 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override
     {
-        event->accept();
-        m_window.Close();
+        const bool later = putOff(&m_window, [this] { m_window.Close(); });
+        event->setAccepted(!later);
+        if (!later)
+            m_window.Close();
     }
 
     void keyPressEvent(QKeyEvent* event) override
@@ -65,7 +67,10 @@ Window::Window()
     m_native->frame->setCentralWidget(m_native->content);
 }
 
-Window::~Window() = default;
+Window::~Window()
+{
+    forgetPutOff(this);
+}
 
 void Window::Show()
 {
@@ -83,6 +88,8 @@ void Window::Close()
     if (m_closed)
         return;
     m_closed = true;
+    for (const RectControl* each : m_controls)
+        forgetPutOff(each);
     m_native->frame->hide();
     runGuarded("Event_Close of " + Title(), [this] { Event_Close(); });
     WindowList::instance().closed(*this);
@@ -264,7 +271,7 @@ void WindowList::deleteClosedSoon()
     if (m_closed.empty())
         return;
     QTimer::singleShot(0, [this] {
-        if (handlerDepth() == 0)
+        if (handlerDepth() == 0 && !isOnlyPainting())
             deleteClosed();
     });
 }

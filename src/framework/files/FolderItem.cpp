@@ -5,6 +5,7 @@
 #include "framework/files/TextInputStream.h"
 #include "framework/files/TextOutputStream.h"
 #include "framework/files/displayName.h"
+#include "framework/keepWindowPainted.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -81,6 +82,7 @@ int FolderItem::Count() const
 
 Ref<FolderItem> FolderItem::Item(int index) const
 {
+    keepWindowPainted(); // whoever goes through a folder asks each item what it is
     const std::vector<std::string>& names = children();
     const auto position = static_cast<std::size_t>(index) - 1;
     if (index < 1 || position >= names.size())
@@ -114,8 +116,10 @@ const std::vector<std::string>& FolderItem::children() const
     if (!std::exchange(m_listed, true)) {
         std::error_code failure;
         std::filesystem::directory_iterator entries(m_path, failure);
-        for (; !failure && entries != std::filesystem::directory_iterator(); entries.increment(failure))
+        for (; !failure && entries != std::filesystem::directory_iterator(); entries.increment(failure)) {
             m_children.push_back(entries->path().filename().native());
+            keepWindowPainted();
+        }
     }
     return m_children;
 }

@@ -5,6 +5,7 @@
 #include "framework/exceptions.h"
 #include "framework/files/availableMemory.h"
 #include "framework/files/displayName.h"
+#include "framework/keepWindowPainted.h"
 
 #include <algorithm>
 #include <array>
@@ -18,8 +19,16 @@
 
 namespace quilvane {
 
+namespace {
+
+constexpr std::size_t largestRead = std::size_t(1)
+    << 20; // bytes; a slow disk gives them in the blink of an eye
+
+} // namespace
+
 InputFile InputFile::open(const std::string& path, Access access, std::string& whyNot)
 {
+    keepWindowPainted();
     InputFile file;
     file.m_path = path;
     // O_NONBLOCK: the open of a pipe that nobody writes to would wait for a writer.
@@ -53,9 +62,10 @@ std::uint64_t InputFile::rest() const
 
 std::size_t InputFile::read(std::span<char> into)
 {
+    keepWindowPainted();
     ssize_t got = 0;
     do
-        got = ::read(m_descriptor.number(), into.data(), into.size());
+        got = ::read(m_descriptor.number(), into.data(), std::min(into.size(), largestRead));
     while (got < 0 && errno == EINTR);
     if (got < 0)
         throw IOException(m_path, "read", errno);

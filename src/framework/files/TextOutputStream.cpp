@@ -2,14 +2,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/files/TextOutputStream.h"
 
+#include "framework/EventGuard.h"
 #include "framework/files/FolderItem.h"
 #include "framework/files/displayName.h"
+#include "framework/keepWindowPainted.h"
 #include "framework/strings.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <future>
 #include <system_error>
 #include <utility>
 
@@ -52,10 +57,27 @@ FileDescriptor makeTemporary(const std::string& target, mode_t mode, std::string
     return file;
 }
 
+/// fsync, which may take as long as the disk has to write. Returns the errno value.
+int syncToDisk(int file)
+{
+    const auto sync = [file] { return ::fsync(file) == 0 ? 0 : errno; };
+    std::future<int> result;
+    try {
+        result = std::async(std::launch::async, sync);
+    } catch (const std::system_error&) {
+        return sync(); // the system gives no thread
+    }
+    while (result.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready)
+        keepWindowPainted();
+    return result.get();
+}
+
 int writeAll(int file, std::string_view text)
 {
+    constexpr std::size_t largestWrite = std::size_t(1) << 20; // bytes
     while (!text.empty()) {
-        const ssize_t written = ::write(file, text.data(), text.size());
+        keepWindowPainted();
+        const ssize_t written = ::write(file, text.data(), std::min(text.size(), largestWrite));
         if (written >= 0)
             text.remove_prefix(static_cast<std::size_t>(written));
         else if (errno != EINTR)
@@ -115,6 +137,8 @@ TextOutputStream::~TextOutputStream()
     try {
         Close();
     } catch (const IOException&) { // the target is untouched, and a destructor has nobody to tell
+    } catch (const QuitUnwinding&) {
+        giveUp(); // the handler ends at its next look at the clock
     }
 }
 
@@ -141,7 +165,9 @@ void TextOutputStream::Close()
 void TextOutputStream::bringToPlace()
 {
     // Some file systems know no fsync; there is then nothing to wait for.
-    int failure = ::fsync(m_target.temporary.number()) == 0 || errno == EINVAL ? 0 : errno;
+    int failure = syncToDisk(m_target.temporary.number());
+    if (failure == EINVAL)
+        failure = 0;
     if (const int closing = m_target.temporary.close(); failure == 0)
         failure = closing;
     if (failure == 0 && std::rename(m_target.temporaryPath.c_str(), m_target.path.c_str()) != 0)

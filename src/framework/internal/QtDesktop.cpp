@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/internal/QtDesktop.h"
 
+#include "framework/internal/WindowPainter.h"
 #include "framework/internal/qtText.h"
 
 #include <QApplication>
@@ -26,6 +27,7 @@ QWidget* parentWindow()
 
 std::optional<std::string> chosen(const QString& path)
 {
+    WindowPainter::clearAfterDialog();
     if (path.isEmpty())
         return std::nullopt;
     return QFile::encodeName(path).toStdString();
@@ -37,6 +39,7 @@ void show(QMessageBox::Icon icon, std::string_view text, std::string_view more)
     box.setTextFormat(Qt::PlainText);
     box.setInformativeText(toQt(more));
     box.exec();
+    WindowPainter::clearAfterDialog();
 }
 
 } // namespace
@@ -89,6 +92,7 @@ MessageDialog::Button QtDesktop::showDialog(const MessageDialog& dialog)
     box.setDefaultButton(action);
     box.setEscapeButton(cancel ? cancel : action);
     box.exec();
+    WindowPainter::clearAfterDialog();
     if (box.clickedButton() == alternate && alternate)
         return MessageDialog::Button::AlternateAction;
     return box.clickedButton() == action ? MessageDialog::Button::Action : MessageDialog::Button::Cancel;

@@ -3,6 +3,7 @@
 #include "framework/documents/internal/PdfChild.h"
 
 #include "framework/exceptions.h"
+#include "framework/keepWindowPainted.h"
 
 #include <array>
 #include <cerrno>
@@ -12,6 +13,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -118,6 +120,14 @@ void setLimits(pid_t process, [[maybe_unused]] std::uint64_t memory)
     limit(process, RLIMIT_FSIZE, 0);
 }
 
+/// Waits a little for it.
+bool hasAnswer(int socket)
+{
+    constexpr int little = 20; // ms
+    pollfd answer{ socket, POLLIN, 0 };
+    return ::poll(&answer, 1, little) != 0;
+}
+
 std::string inSeconds(std::chrono::milliseconds time)
 {
     return std::to_string(std::chrono::round<std::chrono::seconds>(time).count()) + " seconds";
@@ -172,6 +182,8 @@ Transfer PdfChild::exchange(const PdfRequest& request, std::optional<PdfReply>& 
     const Deadline deadline = Deadline::clock::now() + m_limits.time;
     std::string bytes = encode(request);
     Transfer transfer = sendFrame(m_socket.number(), bytes, deadline);
+    while (Deadline::clock::now() < deadline && !hasAnswer(m_socket.number()))
+        keepWindowPainted();
     if (transfer == Transfer::Done)
         transfer = receiveFrame(m_socket.number(), bytes, largestPdfReply, deadline);
     if (transfer == Transfer::Done)

@@ -1,0 +1,91 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/internal/WindowPainter.h"
+
+#include "framework/Application.h"
+#include "framework/EventGuard.h"
+#include "framework/keepWindowPainted.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCursor>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QThread>
+
+#include <exception>
+
+namespace quilvane {
+
+namespace {
+
+constexpr int longestPainting = 20; // ms; the handler waits for it
+constexpr int waitCursorAfter = 300; // ms without a turn of the event loop
+constexpr int dialogGoesWithin = 60; // ms, for the window manager to take its frame away, too
+
+bool waitCursorShows = false;
+
+/// Delivers what is for the toolkit alone: to be painted, or asked by the window manager or over the
+/// accessibility bus. False if there was nothing.
+bool deliverToToolkit()
+{
+    return QAbstractEventDispatcher::instance()->processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+} // namespace
+
+WindowPainter::WindowPainter()
+{
+    const auto* dispatcher = QAbstractEventDispatcher::instance();
+    connect(dispatcher, &QAbstractEventDispatcher::awake, this, &WindowPainter::loopTurned);
+    connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, &WindowPainter::loopTurned);
+    internal::eventLoopTurned();
+    internal::setWindowPainter(&WindowPainter::paint);
+}
+
+WindowPainter::~WindowPainter()
+{
+    internal::setWindowPainter(nullptr);
+}
+
+void WindowPainter::paint()
+{
+    // What the destructors of a failed handler call must not throw, and need not paint.
+    if (isOnlyPainting() || std::uncaught_exceptions() > 0)
+        return;
+    {
+        const OnlyPainting painting;
+        if (!waitCursorShows && internal::timeSinceTurn() >= waitCursorAfter) {
+            QGuiApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
+            waitCursorShows = true;
+        }
+        QElapsedTimer spent;
+        spent.start();
+        while (deliverToToolkit() && spent.elapsed() < longestPainting) { }
+    }
+    internal::windowsWerePainted();
+    Application::endHandlerIfQuitting();
+}
+
+void WindowPainter::clearAfterDialog()
+{
+    const OnlyPainting painting;
+    QElapsedTimer spent;
+    spent.start();
+    while (spent.elapsed() < dialogGoesWithin) {
+        if (!deliverToToolkit())
+            QThread::msleep(1);
+    }
+}
+
+void WindowPainter::loopTurned()
+{
+    if (isOnlyPainting())
+        return;
+    internal::eventLoopTurned();
+    if (waitCursorShows) {
+        QGuiApplication::restoreOverrideCursor();
+        waitCursorShows = false;
+    }
+}
+
+} // namespace quilvane
