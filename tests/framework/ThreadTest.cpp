@@ -118,7 +118,7 @@ TEST_F(Threads, KillUnwindsTheBodyFromItsYield)
     Thread thread;
     thread.RunEvent = [&] {
         const Witness witness(log, "unwound");
-        const auto stream = GetFolderItem(folder / "export")->CreateTextFile();
+        const auto stream = itemAt(folder / "export")->CreateTextFile();
         stream->WriteLine("half");
         try {
             yieldToThreads();
