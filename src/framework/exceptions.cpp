@@ -65,6 +65,11 @@ IOException IOException::folderNotCreated(std::string_view path, int errorNumber
         "The folder \"" + displayPath(path) + "\" could not be created" + because(errorNumber));
 }
 
+IOException IOException::folderNotListed(std::string_view path, int errorNumber)
+{
+    return IOException("The folder \"" + displayPath(path) + "\" could not be listed" + because(errorNumber));
+}
+
 ConnectionException::ConnectionException(std::string_view address, std::string_view reason)
     : RuntimeException(
         "The web page " + quote(address) + " could not be loaded: " + std::string(reason) + '.')

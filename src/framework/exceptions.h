@@ -52,6 +52,9 @@ public:
 
     /// "The folder "x" could not be created: <text of errorNumber>."
     static IOException folderNotCreated(std::string_view path, int errorNumber);
+
+    /// "The folder "x" could not be listed: <text of errorNumber>."
+    static IOException folderNotListed(std::string_view path, int errorNumber);
 };
 
 /// A page of the web could not be loaded.

@@ -11,6 +11,7 @@
 #include "framework/files/availableMemory.h"
 #include "framework/files/displayName.h"
 
+#include "framework/files/FileDescriptor.h"
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -23,7 +24,9 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace quilvane {
@@ -54,9 +57,24 @@ mode_t permissionsOf(const std::string& path)
     return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
 }
 
+/// A socket in the file system.
+class Socket {
+public:
+    explicit Socket(const std::string& path)
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(::bind(m_socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    }
+
+private:
+    FileDescriptor m_socket{ ::socket(AF_UNIX, SOCK_STREAM, 0) };
+};
+
 class Files : public testing::Test {
 protected:
-    Ref<FolderItem> item(std::string_view name) const { return GetFolderItem(folder / name); }
+    Ref<FolderItem> item(std::string_view name) const { return itemAt(folder / name); }
 
     TempFolder folder;
 };
@@ -65,12 +83,25 @@ TEST_F(Files, PathsBecomeAbsoluteAndLoseTrailingSlashes)
 {
     const std::string current = std::filesystem::current_path().native();
     EXPECT_EQ(GetFolderItem("")->NativePath(), current);
-    EXPECT_EQ(GetFolderItem("a b")->NativePath(), (std::filesystem::path(current) / "a b").native());
-    EXPECT_EQ(GetFolderItem("/a/b//")->NativePath(), "/a/b");
-    EXPECT_EQ(GetFolderItem("/a/b/")->Name(), "b");
+    EXPECT_EQ(itemAt("a b")->NativePath(), (std::filesystem::path(current) / "a b").native());
+    EXPECT_EQ(itemAt("/a/b//")->NativePath(), "/a/b");
+    EXPECT_EQ(itemAt("/a/b/")->Name(), "b");
     EXPECT_EQ(GetFolderItem("/")->Name(), "/");
     EXPECT_EQ(GetFolderItem("/")->Child("x")->NativePath(), "/x");
     EXPECT_FALSE(GetFolderItem(std::string_view("/a\0b", 4)));
+}
+
+TEST_F(Files, GetFolderItemIsNilForAPathThatIsGone)
+{
+    folder.write("file", "");
+    std::filesystem::create_symlink("nowhere", folder / "toNothing");
+    for (const char* name : { "", "file", "toNothing" })
+        EXPECT_TRUE(GetFolderItem(folder / name)) << name;
+    for (const auto& [name, reason] :
+        { std::pair("none", "\" could not be opened: No such file or directory."),
+            std::pair("none/below", "\" could not be opened: No such file or directory."),
+            std::pair("file/below", "\" could not be opened: Not a directory.") })
+        EXPECT_EQ(whyNil(GetFolderItem(folder / name)), "The file \"" + folder / name + reason);
 }
 
 TEST_F(Files, ChildRefusesWhatIsNoName)
@@ -131,17 +162,44 @@ TEST_F(Files, CreateAsFolderIsContentWithAFolderThatIsThere)
     EXPECT_THROW(item("a/b")->CreateAsFolder(), IOException);
 }
 
-TEST_F(Files, OnlyRegularFilesOpen)
+TEST_F(Files, WhatIsNoRegularFileIsNoTextAndAnEmptyDocument)
 {
-    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-    for (const auto& [path, reason] : { std::pair(folder.path(), "is not a regular file"),
-             std::pair(folder / "pipe", "is not a regular file"),
-             std::pair(folder / "none", "No such file") }) {
-        const std::string whyNoText = whyNil(GetFolderItem(path)->OpenAsTextFile());
-        EXPECT_NE(whyNoText.find(reason), std::string::npos) << whyNoText;
-        EXPECT_EQ(whyNil(BinaryStream::Open(*GetFolderItem(path))), whyNoText);
+    folder.makeFolder("folder.docx");
+    ASSERT_EQ(::mkfifo((folder / "pipe.docx").c_str(), 0), 0);
+    const Socket socket(folder / "socket.docx");
+    for (const char* name : { "folder.docx", "pipe.docx", "socket.docx" }) {
+        EXPECT_NE(whyNil(item(name)->OpenAsTextFile()).find("is not a regular file"), std::string::npos)
+            << name;
+        const auto document = BinaryStream::Open(*item(name));
+        EXPECT_EQ(document->Length(), 0u) << name;
+        EXPECT_EQ(document->Read(10), "") << name;
     }
-    EXPECT_NE(whyNil(item("pipe")->CreateTextFile()).find("is not a regular file"), std::string::npos);
+    EXPECT_NE(whyNil(item("none")->OpenAsTextFile()).find("No such file"), std::string::npos);
+    EXPECT_EQ(whyNil(BinaryStream::Open(*item("none"))), whyNil(item("none")->OpenAsTextFile()));
+    EXPECT_NE(whyNil(item("pipe.docx")->CreateTextFile()).find("is not a regular file"), std::string::npos);
+}
+
+TEST_F(Files, AnEndIsFoundInFilesThatTellNoSizeOrGrowOrShrink)
+{
+    EXPECT_NE(GetFolderItem("/proc/self/status")->OpenAsTextFile()->ReadAll().find("\nThreads:"),
+        std::string::npos);
+    const std::string longText(10'000, 'x');
+    for (const auto& [before, after] : { std::pair(std::string("short"), longText),
+             std::pair(longText, std::string("short")), std::pair(std::string(), longText) }) {
+        folder.write("file", before);
+        const auto text = item("file")->OpenAsTextFile();
+        const auto bytes = BinaryStream::Open(*item("file"));
+        folder.write("file", after);
+        EXPECT_EQ(text->ReadAll(), after);
+        EXPECT_EQ(bytes->Read(bytes->Length()), after);
+    }
+}
+
+TEST_F(Files, AFolderThatCannotBeListedSaysWhy)
+{
+    EXPECT_EQ(item("")->whyNotListed(), "");
+    EXPECT_EQ(item("none")->whyNotListed(),
+        "The folder \"" + folder / "none" + "\" could not be listed: No such file or directory.");
 }
 
 TEST_F(Files, WhatTheUserHasNoPermissionForDoesNotOpen)
@@ -155,8 +213,9 @@ TEST_F(Files, WhatTheUserHasNoPermissionForDoesNotOpen)
     const uid_t user = ::geteuid();
     constexpr uid_t nobody = 65534;
     ASSERT_EQ(::seteuid(user == 0 ? nobody : user), 0);
-    const std::string reasons[] = { whyNil(item("secret")->OpenAsTextFile()),
-        whyNil(item("protected")->CreateTextFile()), whyNil(item("sub/new")->CreateTextFile()) };
+    const std::string reasons[] = { whyNil(GetFolderItem(folder / "secret")->OpenAsTextFile()),
+        whyNil(BinaryStream::Open(*item("secret"))), whyNil(item("protected")->CreateTextFile()),
+        whyNil(item("sub/new")->CreateTextFile()) };
     ASSERT_EQ(::seteuid(user), 0);
     for (const std::string& reason : reasons)
         EXPECT_NE(reason.find("Permission denied"), std::string::npos) << reason;

@@ -57,7 +57,7 @@ public:
     {
         CreateNewPDF();
         SetImportFlags(0x80000000);
-        const int result = OpenImportFile(*GetFolderItem(path), 0, password);
+        const int result = OpenImportFile(*itemAt(path), 0, password);
         ImportPDFFile(1);
         return result;
     }

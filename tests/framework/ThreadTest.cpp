@@ -46,7 +46,7 @@ TEST(ThreadTest, killUnwindsTheBodyAndClosesItsStreams)
         }
     };
     thread.RunEvent = [&] {
-        const auto stream = GetFolderItem(folder / "export")->CreateTextFile();
+        const auto stream = itemAt(folder / "export")->CreateTextFile();
         stream->WriteLine("half");
         EXPECT_EQ(folder.count(), 1);
         insideOfACall();

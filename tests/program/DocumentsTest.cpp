@@ -95,7 +95,7 @@ TEST_F(DocumentsTest, unreadableWordFilesOfAFolderGiveTheSampleAddress)
 TEST_F(DocumentsTest, aPdfInADroppedFolderFindsWhatTheFileBeforeHasLeft)
 {
     window().searchText = std::make_shared<const std::string>("left@y.org");
-    window().itemArrayZ = { "/any/where.pdf" };
+    window().itemArrayZ = { folder.write("not read.pdf", "") };
     window().Thread1.Run();
     EXPECT_EQ(window().resultArray, std::vector<std::string>{ "left@y.org" });
     window().searchText = std::make_shared<const std::string>();

@@ -25,10 +25,10 @@ public:
 
     bool FolderItemAvailable() const { return m_current < m_paths.size() && m_paths[m_current]; }
 
-    /// The file or folder in hand; nil if the item is none.
+    /// The file or folder in hand, which may be gone; nil if the item is none.
     Ref<quilvane::FolderItem> FolderItem() const
     {
-        return FolderItemAvailable() ? GetFolderItem(*m_paths[m_current]) : Ref<quilvane::FolderItem>();
+        return FolderItemAvailable() ? itemAt(*m_paths[m_current]) : Ref<quilvane::FolderItem>();
     }
 
     /// False, and the last item stays in hand, when there is no further one.

@@ -11,9 +11,11 @@ namespace quilvane {
 
 namespace {
 
+/// Nil only for a dialog that was cancelled: the answer may be a file that is still to be made, and of one
+/// that has vanished the user is to read that it can't be opened.
 Ref<FolderItem> itemFor(const std::optional<std::string>& path)
 {
-    return path ? GetFolderItem(*path) : Ref<FolderItem>();
+    return path ? itemAt(*path) : Ref<FolderItem>();
 }
 
 } // namespace

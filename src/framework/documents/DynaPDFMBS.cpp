@@ -54,7 +54,7 @@ int DynaPDFMBS::OpenImportFile(const FolderItem& file, int, const std::string& p
     closeDocument();
     m_fileName = displayPath(file.Name());
     std::string whyNot;
-    const InputFile document = InputFile::open(file.NativePath(), InputFile::Access::Read, whyNot);
+    const InputFile document = InputFile::open(file, InputFile::Access::Read, InputFile::NotRegular::Refused, whyNot);
     if (!document.isOpen()) {
         fail(fileNotOpened, whyNot);
         return failed;

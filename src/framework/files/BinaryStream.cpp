@@ -11,8 +11,8 @@ namespace quilvane {
 Ref<BinaryStream> BinaryStream::Open(const FolderItem& item, bool readWrite)
 {
     std::string whyNot;
-    InputFile file = InputFile::open(
-        item.NativePath(), readWrite ? InputFile::Access::ReadWrite : InputFile::Access::Read, whyNot);
+    InputFile file = InputFile::open(item, readWrite ? InputFile::Access::ReadWrite : InputFile::Access::Read,
+        InputFile::NotRegular::ReadAsEmpty, whyNot);
     if (!file.isOpen())
         return Ref<BinaryStream>::nil(std::move(whyNot));
     return Ref<BinaryStream>::make(std::move(file));

@@ -12,13 +12,14 @@ namespace quilvane {
 
 class FolderItem;
 
-/// A regular file, read as bytes.
+/// A file, read as bytes.
 ///
 /// Closed by Close() or when its last reference goes.
 class BinaryStream {
 public:
-    /// Nil, with the reason, if the file can't be opened (with `readWrite`, for writing too) or is anything
-    /// but a regular file; never waits.
+    /// Nil, with the reason, if the file can't be opened (with `readWrite`, for writing too); never waits. A
+    /// folder, a pipe, a socket and a device are like an empty file: a run meets them under the name of a
+    /// document, and is to go on as after a document that can't be read.
     static Ref<BinaryStream> Open(const FolderItem& item, bool readWrite = false);
 
     explicit BinaryStream(InputFile file);

@@ -9,9 +9,11 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 #include <utility>
 
+#include <dirent.h>
 #include <sys/stat.h>
 
 namespace quilvane {
@@ -26,6 +28,24 @@ std::string joined(const std::string& folder, std::string_view name)
     return path += name;
 }
 
+FolderItem::Kind kindOf(const dirent& entry)
+{
+    switch (entry.d_type) {
+    case DT_DIR:
+        return FolderItem::Kind::Folder;
+    case DT_LNK:
+        return FolderItem::Kind::Link;
+    case DT_UNKNOWN: // some file systems never tell
+        return FolderItem::Kind::Unknown;
+    default:
+        return FolderItem::Kind::Other;
+    }
+}
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
 } // namespace
 
 FolderItem::FolderItem(std::string path)
@@ -33,6 +53,18 @@ FolderItem::FolderItem(std::string path)
 {
     while (m_path.size() > 1 && m_path.ends_with('/'))
         m_path.pop_back();
+}
+
+FolderItem::FolderItem(std::string path, OpenedFile opened)
+    : FolderItem(std::move(path))
+{
+    m_opened = std::move(opened);
+}
+
+FolderItem::FolderItem(std::string path, Kind kind)
+    : FolderItem(std::move(path))
+{
+    m_kind = kind;
 }
 
 Ref<FolderItem> FolderItem::Child(std::string_view name) const
@@ -52,12 +84,16 @@ bool FolderItem::Exists() const
 
 bool FolderItem::Directory() const
 {
+    if (m_kind == Kind::Folder || m_kind == Kind::Other)
+        return m_kind == Kind::Folder;
     std::error_code ignored;
     return std::filesystem::is_directory(m_path, ignored);
 }
 
 bool FolderItem::Alias() const
 {
+    if (m_kind != Kind::Unknown)
+        return m_kind == Kind::Link;
     std::error_code ignored;
     return std::filesystem::is_symlink(m_path, ignored);
 }
@@ -83,12 +119,18 @@ int FolderItem::Count() const
 Ref<FolderItem> FolderItem::Item(int index) const
 {
     keepWindowPainted(); // whoever goes through a folder asks each item what it is
-    const std::vector<std::string>& names = children();
+    const std::vector<ListedChild>& all = children();
     const auto position = static_cast<std::size_t>(index) - 1;
-    if (index < 1 || position >= names.size())
+    if (index < 1 || position >= all.size())
         return Ref<FolderItem>::nil(
             "The folder \"" + displayPath(m_path) + "\" has no item number " + std::to_string(index) + ".");
-    return Ref<FolderItem>::make(joined(m_path, names[position]));
+    return Ref<FolderItem>::make(joined(m_path, all[position].name), all[position].kind);
+}
+
+const std::string& FolderItem::whyNotListed() const
+{
+    children();
+    return m_whyNotListed;
 }
 
 void FolderItem::CreateAsFolder() const
@@ -111,20 +153,34 @@ Ref<TextInputStream> FolderItem::OpenAsTextFile() const
     return TextInputStream::Open(*this);
 }
 
-const std::vector<std::string>& FolderItem::children() const
+OpenedFile FolderItem::openToRead() const
 {
-    if (!std::exchange(m_listed, true)) {
-        std::error_code failure;
-        std::filesystem::directory_iterator entries(m_path, failure);
-        for (; !failure && entries != std::filesystem::directory_iterator(); entries.increment(failure)) {
-            m_children.push_back(entries->path().filename().native());
-            keepWindowPainted();
-        }
+    if (!m_opened)
+        return OpenedFile::open(m_path);
+    OpenedFile opened = std::move(*m_opened);
+    m_opened.reset();
+    return opened;
+}
+
+const std::vector<FolderItem::ListedChild>& FolderItem::children() const
+{
+    if (std::exchange(m_listed, true))
+        return m_children;
+    errno = 0;
+    const std::unique_ptr<DIR, CloseFolder> folder(::opendir(m_path.c_str()));
+    // readdir tells its failures by errno alone, so it is 0 before each call.
+    for (const dirent* entry = nullptr; folder && (entry = ::readdir(folder.get())) != nullptr; errno = 0) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            m_children.push_back({ std::string(name), kindOf(*entry) });
+        keepWindowPainted();
     }
+    if (errno != 0)
+        m_whyNotListed = IOException::folderNotListed(m_path, errno).what();
     return m_children;
 }
 
-Ref<FolderItem> GetFolderItem(std::string_view path)
+Ref<FolderItem> itemAt(std::string_view path)
 {
     if (path.find('\0') != std::string_view::npos)
         return Ref<FolderItem>::nil('"' + displayPath(path) + "\" can't be the path of a file.");
@@ -135,6 +191,15 @@ Ref<FolderItem> GetFolderItem(std::string_view path)
     std::error_code ignored;
     const std::string current = std::filesystem::current_path(ignored).native();
     return Ref<FolderItem>::make(path.empty() ? current : joined(current, path));
+}
+
+Ref<FolderItem> GetFolderItem(std::string_view path)
+{
+    Ref<FolderItem> item = itemAt(path);
+    struct stat status { };
+    if (item && ::lstat(item->NativePath().c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR))
+        return Ref<FolderItem>::nil(IOException(item->NativePath(), "opened", errno).what());
+    return item;
 }
 
 } // namespace quilvane

@@ -3,8 +3,10 @@
 #pragma once
 
 #include "framework/Ref.h"
+#include "framework/files/OpenedFile.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,14 +16,20 @@ namespace quilvane {
 class TextInputStream;
 class TextOutputStream;
 
-/// A reference to a file or folder that may not exist. Nothing is held open.
+/// A reference to a file or folder that may not exist. Nothing is held open, but in an item of ReadAhead.
 ///
-/// Got from GetFolderItem, a dialog, or another item's Child and Item. Paths and names are bytes as the file
-/// system has them, not always UTF-8: show them through displayPath.
+/// Got from itemAt and GetFolderItem, a dialog, or another item's Child and Item. Paths and names are bytes
+/// as the file system has them, not always UTF-8: show them through displayPath.
 class FolderItem {
 public:
-    /// `path` must be absolute; GetFolderItem takes any.
+    /// `path` must be absolute; itemAt takes any.
     explicit FolderItem(std::string path);
+    /// A file that was opened before its turn.
+    FolderItem(std::string path, OpenedFile opened);
+
+    /// What a folder tells of a child when it is listed.
+    enum class Kind { Unknown, Folder, Link, Other };
+    FolderItem(std::string path, Kind kind);
 
     /// The item of that name in this folder, there or not. Nil for a name that no file can have: an empty
     /// one, "." and "..", one with a slash or a NUL in it.
@@ -29,9 +37,10 @@ public:
 
     /// Links are followed: false for a link that leads nowhere.
     bool Exists() const;
-    /// Whether this is a folder or a link to one.
+    /// Whether this is a folder or a link to one. A child got by Item is what it was when its folder was
+    /// listed.
     bool Directory() const;
-    /// Whether this is a symbolic link, to whatever and even to nothing.
+    /// Whether this is a symbolic link, to whatever and even to nothing. A child got by Item as above.
     bool Alias() const;
 
     /// What the file system itself knows the file or folder by, links followed; all 0 where there is none.
@@ -49,6 +58,8 @@ public:
     /// The number of the folder's children, hidden ones included; 0 for what is no folder or can't be read.
     /// The folder is listed once, when Count or Item is first called: a new item sees what has changed.
     int Count() const;
+    /// Why Count lacks children, as a sentence for the user; empty if the folder was listed to its end.
+    const std::string& whyNotListed() const;
     /// The child at `index`, from 1 to Count, in the order that the file system gives; nil outside.
     Ref<FolderItem> Item(int index) const;
 
@@ -60,16 +71,29 @@ public:
     /// TextInputStream::Open on this item.
     Ref<TextInputStream> OpenAsTextFile() const;
 
+    /// What the streams read: the first time the file that was opened before its turn, if there is one.
+    OpenedFile openToRead() const;
+
 private:
-    const std::vector<std::string>& children() const;
+    struct ListedChild {
+        std::string name;
+        Kind kind;
+    };
+    const std::vector<ListedChild>& children() const;
 
     std::string m_path;
-    mutable std::vector<std::string> m_children;
+    Kind m_kind = Kind::Unknown;
+    mutable std::optional<OpenedFile> m_opened;
+    mutable std::vector<ListedChild> m_children;
+    mutable std::string m_whyNotListed;
     mutable bool m_listed = false;
 };
 
-/// The item for a path; a relative one is taken from the current folder, and an empty one is that folder. Nil
-/// only for a path with a NUL in it.
+/// The item for a path, there or not; a relative one is taken from the current folder, and an empty one is
+/// that folder. Nil only for a path with a NUL in it.
+Ref<FolderItem> itemAt(std::string_view path);
+
+/// As itemAt, but nil, with the reason, for a path that leads to nothing, not even to a link.
 Ref<FolderItem> GetFolderItem(std::string_view path);
 
 } // namespace quilvane

@@ -3,6 +3,8 @@
 #include "framework/files/InputFile.h"
 
 #include "framework/exceptions.h"
+#include "framework/files/FolderItem.h"
+#include "framework/files/OpenedFile.h"
 #include "framework/files/availableMemory.h"
 #include "framework/files/displayName.h"
 #include "framework/keepWindowPainted.h"
@@ -12,6 +14,7 @@
 #include <cerrno>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -21,29 +24,37 @@ namespace quilvane {
 
 namespace {
 
-constexpr std::size_t largestRead = std::size_t(1)
-    << 20; // bytes; a slow disk gives them in the blink of an eye
+/// In bytes. A slow disk gives them in the blink of an eye.
+constexpr std::size_t largestRead = std::size_t(1) << 20;
 
 } // namespace
 
-InputFile InputFile::open(const std::string& path, Access access, std::string& whyNot)
+InputFile InputFile::open(const FolderItem& item, Access access, NotRegular notRegular, std::string& whyNot)
 {
     keepWindowPainted();
     InputFile file;
-    file.m_path = path;
-    // O_NONBLOCK: the open of a pipe that nobody writes to would wait for a writer.
-    const int mode = access == Access::Read ? O_RDONLY : O_RDWR;
-    FileDescriptor opened(::open(path.c_str(), mode | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
-    struct stat status { };
-    if (!opened.isOpen() || ::fstat(opened.number(), &status) != 0) {
-        whyNot = IOException(path, "opened", errno).what();
-    } else if (!S_ISREG(status.st_mode)) {
-        whyNot = '"' + displayPath(path) + "\" is not a regular file.";
+    file.m_path = item.NativePath();
+    OpenedFile opened
+        = access == Access::Read ? item.openToRead() : OpenedFile::open(file.m_path, /*readWrite=*/true);
+    if (opened.isNotRegular() && notRegular == NotRegular::ReadAsEmpty) {
+        opened.descriptor = FileDescriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+        opened.failure = errno;
+    }
+    if (opened.isNotRegular()) {
+        whyNot = '"' + displayPath(file.m_path) + "\" is not a regular file.";
+    } else if (!opened.descriptor.isOpen()) {
+        whyNot = IOException(file.m_path, "opened", opened.failure).what();
     } else {
-        ::posix_fadvise(opened.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
-        file.m_descriptor = std::move(opened);
+        file.m_sizeAtOpening = opened.size;
+        file.m_descriptor = std::move(opened.descriptor);
     }
     return file;
+}
+
+void InputFile::close()
+{
+    m_descriptor.close();
+    m_atEnd = false; // reading on throws
 }
 
 std::uint64_t InputFile::size() const
@@ -56,33 +67,40 @@ std::uint64_t InputFile::size() const
 
 std::uint64_t InputFile::rest() const
 {
-    const std::uint64_t all = size();
-    return all - std::min(all, m_position);
+    return m_sizeAtOpening - std::min(m_sizeAtOpening, m_position);
 }
 
 std::size_t InputFile::read(std::span<char> into)
 {
     keepWindowPainted();
+    if (m_atEnd || into.empty())
+        return 0;
+    const std::size_t wanted = std::min(into.size(), largestRead);
     ssize_t got = 0;
     do
-        got = ::read(m_descriptor.number(), into.data(), std::min(into.size(), largestRead));
+        got = ::read(m_descriptor.number(), into.data(), wanted);
     while (got < 0 && errno == EINTR);
     if (got < 0)
         throw IOException(m_path, "read", errno);
-    m_position += static_cast<std::size_t>(got);
-    return static_cast<std::size_t>(got);
+    const auto count = static_cast<std::size_t>(got);
+    m_position += count;
+    // A regular file gives less than was asked for at its end only, which saves the call that would give
+    // nothing. Those of /proc say that they are empty and give their text in parts of any length.
+    m_atEnd = count == 0 || (count < wanted && m_sizeAtOpening > 0 && m_position >= m_sizeAtOpening);
+    return count;
 }
 
 void InputFile::appendTo(std::string& text, std::uint64_t count)
 {
-    const std::uint64_t expected = std::min(rest(), count);
+    std::uint64_t expected = std::min(rest(), count);
     requireMemory(expected, tooLarge());
+    if (expected > 0 && expected < count)
+        ++expected; // one byte more than there is, so that one read finds the end
     std::size_t filled = text.size();
     const std::size_t begin = filled;
     try {
         text.resize(begin + expected);
-        // A file may be shorter by now, or longer, and those of /proc say that they are empty: only a read
-        // that gives nothing tells the end.
+        // A file may be shorter by now, or longer, and those of /proc say that they are empty.
         while (filled - begin < count) {
             if (filled == text.size()) {
                 std::array<char, 4096> more;

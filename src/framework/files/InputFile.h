@@ -11,22 +11,26 @@
 
 namespace quilvane {
 
+class FolderItem;
+
 /// An open regular file that is read from front to back; what the input streams have in common.
 class InputFile {
 public:
     enum class Access { Read, ReadWrite };
+    /// What becomes of a folder, a pipe, a socket or a device.
+    enum class NotRegular { Refused, ReadAsEmpty };
 
-    /// Opens what `path` names. If that fails or is no regular file, the result is not open and `whyNot`
-    /// holds a sentence for the user. Never waits for the other end of a pipe or for a device.
-    static InputFile open(const std::string& path, Access access, std::string& whyNot);
+    /// Opens `item`. If that fails, the result is not open and `whyNot` holds a sentence for the user. Never
+    /// waits for the other end of a pipe or for a device.
+    static InputFile open(const FolderItem& item, Access access, NotRegular notRegular, std::string& whyNot);
 
     bool isOpen() const { return m_descriptor.isOpen(); }
-    void close() { m_descriptor.close(); }
+    void close();
 
     /// For another process that is to read the file, from its front; -1 if none is open.
     int descriptor() const { return m_descriptor.number(); }
 
-    /// In bytes. Throws IOException.
+    /// In bytes, now. Throws IOException.
     std::uint64_t size() const;
 
     /// Reads up to `into.size()` bytes; 0 at the end of the file. Throws IOException.
@@ -46,7 +50,9 @@ private:
 
     FileDescriptor m_descriptor;
     std::string m_path;
+    std::uint64_t m_sizeAtOpening = 0;
     std::uint64_t m_position = 0;
+    bool m_atEnd = false;
 };
 
 } // namespace quilvane

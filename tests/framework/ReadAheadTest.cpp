@@ -1,0 +1,162 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/files/ReadAhead.h"
+
+#include "support/TempFolder.h"
+
+#include "framework/exceptions.h"
+#include "framework/files/BinaryStream.h"
+#include "framework/files/TextInputStream.h"
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <semaphore>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace quilvane {
+
+namespace {
+
+class ReadAheadTest : public testing::Test {
+protected:
+    /// Files whose content is their own path.
+    std::vector<std::string> writeFiles(int count) const
+    {
+        std::vector<std::string> paths;
+        for (int i = 0; i < count; ++i) {
+            const std::string name = "file" + std::to_string(i);
+            paths.push_back(folder.write(name, folder / name));
+        }
+        return paths;
+    }
+
+    TempFolder folder;
+};
+
+std::ptrdiff_t openDescriptors()
+{
+    return std::distance(
+        std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+}
+
+TEST_F(ReadAheadTest, GivesAllFilesInTheirOrder)
+{
+    for (const int count : { 0, 1, 2, 500 }) {
+        const std::vector<std::string> paths = writeFiles(count);
+        ReadAhead ahead(paths);
+        for (const std::string& path : paths) {
+            const Ref<FolderItem> item = ahead.next();
+            ASSERT_EQ(item->NativePath(), path);
+            ASSERT_EQ(item->OpenAsTextFile()->ReadAll(), path);
+        }
+        EXPECT_FALSE(ahead.next());
+    }
+}
+
+TEST_F(ReadAheadTest, WhatIsNoFileToBeReadComesAsWithoutIt)
+{
+    folder.makeFolder("folder");
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    std::filesystem::create_symlink("nowhere", folder / "toNothing");
+    std::filesystem::create_symlink("loop", folder / "loop");
+    const std::vector<std::string> paths
+        = { folder / "none", folder / "folder", folder / "pipe", folder / "toNothing", folder / "loop" };
+    ReadAhead ahead(paths);
+    for (const std::string& path : paths) {
+        const Ref<FolderItem> item = ahead.next();
+        const Ref<FolderItem> expected = GetFolderItem(path);
+        ASSERT_EQ(bool(item), bool(expected)) << path;
+        EXPECT_EQ(item.whyNil(), expected.whyNil());
+        if (!item)
+            continue;
+        EXPECT_EQ(item->Directory(), expected->Directory()) << path;
+        const Ref<TextInputStream> stream = item->OpenAsTextFile();
+        EXPECT_FALSE(stream) << path;
+        EXPECT_EQ(stream.whyNil(), expected->OpenAsTextFile().whyNil());
+    }
+}
+
+TEST_F(ReadAheadTest, TheFirstStreamTakesTheOpenedFileAndTheNextOpensAnew)
+{
+    const std::vector<std::string> paths = writeFiles(2);
+    ReadAhead ahead(paths);
+    const Ref<FolderItem> text = ahead.next();
+    const Ref<FolderItem> document = ahead.next();
+    for (const std::string& path : paths)
+        std::filesystem::remove(path);
+    EXPECT_EQ(text->OpenAsTextFile()->ReadAll(), paths[0]);
+    EXPECT_EQ(BinaryStream::Open(*document)->Read(1000), paths[1]);
+    EXPECT_FALSE(text->OpenAsTextFile());
+    folder.write("file1", "new");
+    EXPECT_EQ(document->OpenAsTextFile()->ReadAll(), "new");
+}
+
+TEST_F(ReadAheadTest, AFailureIsThatOfTheHelper)
+{
+    const auto denied = [](const std::string&) {
+        OpenedFile result;
+        result.failure = EACCES;
+        return result;
+    };
+    const std::vector<std::string> paths = writeFiles(2);
+    ReadAhead ahead(paths, denied);
+    const Ref<FolderItem> item = ahead.next();
+    EXPECT_EQ(item->OpenAsTextFile().whyNil(),
+        "The file \"" + paths[0] + "\" could not be opened: Permission denied.");
+    EXPECT_TRUE(item->OpenAsTextFile());
+}
+
+TEST_F(ReadAheadTest, AnOpeningThatHangsHoldsUpNobodyWhoLeaves)
+{
+    struct Shared {
+        std::atomic<int> opened = 0;
+        std::binary_semaphore reached{ 0 };
+        std::binary_semaphore goOn{ 0 };
+        std::binary_semaphore gone{ 0 };
+    };
+    const auto shared = std::make_shared<Shared>();
+    const std::vector<std::string> paths = writeFiles(100);
+    const std::ptrdiff_t before = openDescriptors();
+    {
+        // What the opener holds goes with the last helper: the end of the test waits for that.
+        const std::shared_ptr<void> lastHelper(nullptr, [shared](void*) { shared->gone.release(); });
+        ReadAhead ahead(paths, [shared, lastHelper, hangs = paths[5]](const std::string& path) {
+            if (path == hangs) {
+                shared->reached.release();
+                shared->goOn.acquire();
+            }
+            ++shared->opened;
+            return OpenedFile::open(path);
+        });
+        for (int i = 0; i < 5; ++i)
+            EXPECT_EQ(ahead.next()->OpenAsTextFile()->ReadAll(), paths[std::size_t(i)]);
+        shared->reached.acquire();
+    } // and this returns while the file is still being opened
+    shared->goOn.release();
+    shared->gone.acquire();
+    EXPECT_LE(shared->opened, 5 + 32 + 1);
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(ReadAheadTest, DescriptorsAreFewAndGoWithTheirItems)
+{
+    const std::vector<std::string> paths = writeFiles(500);
+    const std::ptrdiff_t before = openDescriptors();
+    ReadAhead ahead(paths);
+    std::ptrdiff_t most = 0;
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        ahead.next(); // and never opened
+        most = std::max(most, openDescriptors());
+    }
+    EXPECT_LE(most, before + 40);
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+} // namespace
+
+} // namespace quilvane
