@@ -118,12 +118,11 @@ void Window1::stageMatches()
 {
     // A hold on the text: at a yield another reader may put its own into searchText.
     const std::shared_ptr<const std::string> text = searchText;
-    AddressScanner scanner(*text);
-    while (const auto address = scanner.next()) {
-        resultArray.emplace_back(*address);
+    forEachAddress(*text, [this](std::string_view address) {
+        resultArray.emplace_back(address);
         ++rCounter;
         yieldToThreads();
-    }
+    });
 }
 
 void Window1::setSearchText(std::string text)
