@@ -21,9 +21,7 @@ using namespace quilvane;
 
 void addMatches(std::string_view text, RowStore& rows)
 {
-    AddressScanner scanner(text);
-    while (const auto address = scanner.next())
-        rows.append(*address);
+    forEachAddress(text, [&rows](std::string_view address) { rows.append(address); });
 }
 
 } // namespace

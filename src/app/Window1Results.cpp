@@ -27,12 +27,10 @@ void Window1::scanToList(TextInputStream& stream, Counting counting)
 
 void Window1::addMatchesToList(std::string_view text, Counting counting)
 {
-    AddressScanner scanner(text);
-    while (const auto address = scanner.next()) {
-        Listbox1.AddRow(*address);
-        if (counting == Counting::On)
-            ++rCounter;
-    }
+    const std::size_t rowsBefore = Listbox1.ListCount();
+    forEachAddress(text, [this](std::string_view address) { Listbox1.AddRow(address); });
+    if (counting == Counting::On)
+        rCounter += std::int64_t(Listbox1.ListCount() - rowsBefore);
 }
 
 void Window1::flushResultArray()

@@ -114,11 +114,12 @@ void Window1::doWordFolderThread(const Ref<FolderItem>& f)
 
 void Window1::stageMatches()
 {
-    AddressScanner scanner(*searchText);
-    while (const auto address = scanner.next()) {
-        resultArray.emplace_back(*address);
+    // A hold on the text: at a yield another reader may put its own into searchText.
+    const std::shared_ptr<const std::string> text = searchText;
+    forEachAddress(*text, [this](std::string_view address) {
+        resultArray.emplace_back(address);
         ++rCounter;
-    }
+    });
 }
 
 void Window1::setSearchText(std::string text)

@@ -19,9 +19,67 @@ namespace quilvane {
 
 namespace {
 
+/// What a match may reach over.
+struct Surroundings {
+    const char* begin; // of the text
+    const char* end;
+    const char* previousMatchEnd; // `begin` if there was none
+};
+
 std::string_view viewOf(const char* begin, const char* end)
 {
     return { begin, static_cast<std::size_t>(end - begin) };
+}
+
+/// Where the match around the '@' at `at` begins: at the leftmost word boundary of the run before it. Null if
+/// the run has no boundary.
+const char* localPartBegin(Surroundings text, const char* at)
+{
+    // What follows a match is no word character, so its end is a boundary and a match may begin there on any
+    // byte. Everywhere else a run begins after a byte that is no word character.
+    const char* firstWordByte = nullptr;
+    const char* begin = at;
+    while (begin != text.previousMatchEnd && isOf(begin[-1], ByteClass::localPart)) {
+        --begin;
+        if (isOf(*begin, ByteClass::word))
+            firstWordByte = begin;
+    }
+    if (begin == text.previousMatchEnd && begin != text.begin && begin != at)
+        return begin;
+    return firstWordByte;
+}
+
+/// Where the domain that begins at `domain` ends: after the last of its dots that two letters or more and
+/// then no word character follow. Null if there is no such dot after the domain's first byte.
+const char* domainEnd(Surroundings text, const char* domain)
+{
+    const char* runEnd = domain;
+    while (runEnd != text.end && isOf(*runEnd, ByteClass::domain))
+        ++runEnd;
+
+    const char* labelEnd = runEnd;
+    for (const char* byte = runEnd; byte - 1 > domain;) {
+        --byte;
+        if (isOf(*byte, ByteClass::letter))
+            continue;
+        const bool isBoundary = labelEnd == text.end || !isOf(*labelEnd, ByteClass::word);
+        if (*byte == '.' && labelEnd - byte > 2 && isBoundary)
+            return labelEnd;
+        labelEnd = byte;
+    }
+    return nullptr;
+}
+
+/// The match whose '@' is at `at`; empty if there is none.
+std::string_view matchAround(Surroundings text, const char* at)
+{
+    const char* begin = localPartBegin(text, at);
+    if (!begin)
+        return {};
+    const char* end = domainEnd(text, at + 1);
+    if (!end)
+        return {};
+    return viewOf(begin, end);
 }
 
 } // namespace
@@ -29,7 +87,9 @@ std::string_view viewOf(const char* begin, const char* end)
 bool AddressScanner::isSupported(Kernel kernel)
 {
 #if QUILVANE_HAS_AVX2_KERNEL
-    return kernel == Kernel::Scalar || (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi"));
+    return kernel == Kernel::Scalar
+        || (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi")
+            && __builtin_cpu_supports("popcnt"));
 #else
     return kernel == Kernel::Scalar;
 #endif
@@ -50,14 +110,17 @@ AddressScanner::AddressScanner(std::string_view text, Kernel kernel)
 {
 }
 
-std::optional<std::string_view> AddressScanner::next()
+std::span<const std::string_view> AddressScanner::next()
 {
-    return m_kernel == Kernel::Avx2 ? nextAvx2() : nextScalar();
+    const std::size_t count = m_kernel == Kernel::Avx2 ? searchAvx2() : searchScalar();
+    return std::span(m_matches).first(count);
 }
 
-std::optional<std::string_view> AddressScanner::nextScalar()
+std::size_t AddressScanner::searchScalar()
 {
-    while (m_unsearched != m_end) {
+    Surroundings text{ m_begin, m_end, m_previousMatchEnd };
+    std::size_t count = 0;
+    while (m_unsearched != m_end && count < m_matches.size()) {
         const auto remaining = static_cast<std::size_t>(m_end - m_unsearched);
         const auto* at = static_cast<const char*>(std::memchr(m_unsearched, '@', remaining));
         if (!at) {
@@ -65,68 +128,18 @@ std::optional<std::string_view> AddressScanner::nextScalar()
             break;
         }
         m_unsearched = at + 1;
-        if (const std::string_view match = matchAround(at); !match.empty()) {
-            m_previousMatchEnd = match.data() + match.size();
-            return match;
+        if (const std::string_view match = matchAround(text, at); !match.empty()) {
+            text.previousMatchEnd = match.data() + match.size();
+            m_matches[count++] = match;
         }
     }
-    return std::nullopt;
-}
-
-/// The match whose '@' is at `at`; empty if there is none.
-std::string_view AddressScanner::matchAround(const char* at) const
-{
-    const char* begin = localPartBegin(at);
-    if (!begin)
-        return {};
-    const char* end = domainEnd(at + 1);
-    if (!end)
-        return {};
-    return viewOf(begin, end);
-}
-
-/// Where the match around the '@' at `at` begins: at the leftmost word boundary of the run before it. Null if
-/// the run has no boundary.
-const char* AddressScanner::localPartBegin(const char* at) const
-{
-    // What follows a match is no word character, so its end is a boundary and a match may begin there on any
-    // byte. Everywhere else a run begins behind a byte that is no word character.
-    const char* firstWordByte = nullptr;
-    const char* begin = at;
-    while (begin != m_previousMatchEnd && isOf(begin[-1], ByteClass::localPart)) {
-        --begin;
-        if (isOf(*begin, ByteClass::word))
-            firstWordByte = begin;
-    }
-    if (begin == m_previousMatchEnd && begin != m_begin && begin != at)
-        return begin;
-    return firstWordByte;
-}
-
-/// Where the domain that begins at `domain` ends: behind the last of its dots that two letters or more and
-/// then no word character follow. Null if there is no such dot behind the domain's first byte.
-const char* AddressScanner::domainEnd(const char* domain) const
-{
-    const char* runEnd = domain;
-    while (runEnd != m_end && isOf(*runEnd, ByteClass::domain))
-        ++runEnd;
-
-    const char* labelEnd = runEnd;
-    for (const char* byte = runEnd; byte - 1 > domain;) {
-        --byte;
-        if (isOf(*byte, ByteClass::letter))
-            continue;
-        const bool isBoundary = labelEnd == m_end || !isOf(*labelEnd, ByteClass::word);
-        if (*byte == '.' && labelEnd - byte > 2 && isBoundary)
-            return labelEnd;
-        labelEnd = byte;
-    }
-    return nullptr;
+    m_previousMatchEnd = text.previousMatchEnd;
+    return count;
 }
 
 #if QUILVANE_HAS_AVX2_KERNEL
 
-#define QUILVANE_AVX2 [[gnu::target("avx2,bmi")]]
+#define QUILVANE_AVX2 [[gnu::target("avx2,bmi,popcnt")]]
 
 namespace {
 
@@ -225,21 +238,19 @@ QUILVANE_AVX2 inline const char* domainEndInWindow(const char* domain, __m256i c
     return nullptr;
 }
 
-} // namespace
-
 /// matchAround() with the 32 bytes on either side of the '@' looked at together. What reaches out of them is
 /// left to matchAround(). In line, as that doubles the speed where every other byte is an '@'.
-QUILVANE_AVX2 [[gnu::always_inline]] inline std::string_view AddressScanner::matchAroundAvx2(
-    const char* at) const
+QUILVANE_AVX2 [[gnu::always_inline]] inline std::string_view matchAroundAvx2(
+    const Surroundings& text, const char* at)
 {
-    if (at - m_begin < windowSize || m_end - at <= windowSize)
-        return matchAround(at);
+    if (at - text.begin < windowSize || text.end - at <= windowSize)
+        return matchAround(text, at);
 
     const char* domain = at + 1;
     const __m256i right = classify(load(domain));
     const std::uint32_t rightStops = noneOf(right, HalfClass::domain);
     if (rightStops == 0)
-        return matchAround(at);
+        return matchAround(text, at);
     const char* end = domainEndInWindow(domain, right, rightStops);
     if (!end)
         return {};
@@ -247,12 +258,12 @@ QUILVANE_AVX2 [[gnu::always_inline]] inline std::string_view AddressScanner::mat
     const __m256i left = classify(load(at - windowSize));
     const std::uint32_t leftStops = equalTo(left, 0);
     if (leftStops == 0)
-        return matchAround(at);
+        return matchAround(text, at);
     // Bit 31 stands for the byte before the '@'.
     const std::ptrdiff_t runSize = std::countl_zero(leftStops);
     // A run that comes up to the previous match begins there, on whatever byte. One that comes up to the
     // begin of the text does not fit into the window.
-    const char* begin = m_previousMatchEnd;
+    const char* begin = text.previousMatchEnd;
     if (at - begin > runSize) {
         const std::uint32_t inRun = ~(0xffffffffU >> runSize);
         const std::uint32_t wordBytes = ~noneOf(left, HalfClass::word) & inRun;
@@ -265,39 +276,66 @@ QUILVANE_AVX2 [[gnu::always_inline]] inline std::string_view AddressScanner::mat
     return viewOf(begin, end);
 }
 
-QUILVANE_AVX2 std::optional<std::string_view> AddressScanner::nextAvx2()
+/// Writes where each '@' of a block stands to `ats` and gives their number. `found` is what atsIn() gave.
+QUILVANE_AVX2 [[gnu::always_inline]] inline std::size_t noteAts(
+    const char* block, std::uint64_t found, const char** ats)
 {
-    // Copies, as the members might lie in the text for all that the compiler knows.
-    const char* unsearched = m_unsearched;
-    std::uint64_t pendingAts = m_pendingAts;
-    for (;;) {
-        while (pendingAts != 0) {
-            const char* at = unsearched - blockSize + std::countr_zero(pendingAts);
-            pendingAts &= pendingAts - 1;
-            if (const std::string_view match = matchAroundAvx2(at); !match.empty()) {
-                m_previousMatchEnd = match.data() + match.size();
-                m_unsearched = unsearched;
-                m_pendingAts = pendingAts;
-                return match;
+    const auto count = static_cast<std::size_t>(std::popcount(found));
+    // Two are written whether they are there or not: which of the few it is can't be predicted.
+    for (std::size_t i = 0; i < 2; ++i) {
+        ats[i] = block + _tzcnt_u64(found);
+        found &= found - 1;
+    }
+    for (std::size_t i = 2; i < count; ++i) {
+        ats[i] = block + _tzcnt_u64(found);
+        found &= found - 1;
+    }
+    return count;
+}
+
+} // namespace
+
+QUILVANE_AVX2 std::size_t AddressScanner::searchAvx2()
+{
+    // First where each '@' stands, then the matches around them, by turns so short that the text comes in
+    // from memory all the while.
+    constexpr std::size_t enough = 24;
+    std::array<const char*, enough + 2 * blockSize> ats;
+    static_assert(ats.size() <= decltype(m_matches)().size());
+    std::size_t count = 0;
+    while (count == 0 && m_end - m_unsearched >= 2 * blockSize) {
+        const char* unsearched = m_unsearched;
+        std::size_t atCount = 0;
+        while (atCount < enough && m_end - unsearched >= 2 * blockSize) {
+            const std::uint64_t first = atsIn(unsearched);
+            const std::uint64_t second = atsIn(unsearched + blockSize);
+            if ((first | second) == 0) {
+                unsearched = skipBlocksWithoutAt(unsearched + 2 * blockSize, m_end);
+                continue;
+            }
+            atCount += noteAts(unsearched, first, ats.data() + atCount);
+            atCount += noteAts(unsearched + blockSize, second, ats.data() + atCount);
+            unsearched += 2 * blockSize;
+        }
+        m_unsearched = unsearched;
+
+        Surroundings text{ m_begin, m_end, m_previousMatchEnd };
+        for (std::size_t i = 0; i < atCount; ++i) {
+            if (const std::string_view match = matchAroundAvx2(text, ats[i]); !match.empty()) {
+                text.previousMatchEnd = match.data() + match.size();
+                m_matches[count++] = match;
             }
         }
-        if (m_end - unsearched < blockSize)
-            break;
-        pendingAts = atsIn(unsearched);
-        unsearched += blockSize;
-        if (pendingAts == 0)
-            unsearched = skipBlocksWithoutAt(unsearched, m_end);
+        m_previousMatchEnd = text.previousMatchEnd;
     }
-    m_unsearched = unsearched;
-    m_pendingAts = 0;
-    return nextScalar();
+    return count != 0 ? count : searchScalar();
 }
 
 #else
 
-std::optional<std::string_view> AddressScanner::nextAvx2()
+std::size_t AddressScanner::searchAvx2()
 {
-    return nextScalar();
+    return searchScalar();
 }
 
 #endif

@@ -2,13 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <cstdint>
-#include <optional>
+#include <array>
+#include <cstddef>
+#include <span>
 #include <string_view>
 
 namespace quilvane {
 
-/// Finds the e-mail addresses of one text: construct it on the text, call next() until it gives nothing.
+/// Finds the e-mail addresses of one text: construct it on the text, call next() until it gives nothing. Who
+/// has no use for less than all of them calls forEachAddress().
 ///
 /// The matches are those of the pattern \b[A-Z0-9._%+-]+@[A-Z0-9.-]+\.[A-Z]{2,}\b, ignoring ASCII case,
 /// searched for again and again from the end of the match before. Bytes are taken as they are; one above 127
@@ -28,26 +30,34 @@ public:
     /// `text` must outlive the scanner and the matches. `kernel` must be supported.
     explicit AddressScanner(std::string_view text, Kernel kernel = fastestKernel());
 
-    /// The next match from the left, as a view into the text; nothing at the end, and ever after.
-    std::optional<std::string_view> next();
+    /// The next matches from the left, as views into the text; none at the end, and ever after. Many at a
+    /// time, as a call for each would take as long as the search. Valid until the next call.
+    std::span<const std::string_view> next();
 
 private:
-    std::optional<std::string_view> nextScalar();
-    std::optional<std::string_view> nextAvx2();
-
-    std::string_view matchAround(const char* at) const;
-    const char* localPartBegin(const char* at) const;
-    const char* domainEnd(const char* domain) const;
-    std::string_view matchAroundAvx2(const char* at) const;
+    // Both give the number of matches that are in m_matches then; none at the end only.
+    std::size_t searchScalar();
+    std::size_t searchAvx2();
 
     const char* m_begin;
     const char* m_end;
     const char* m_previousMatchEnd;
     /// The first byte that has not been searched for an '@'.
     const char* m_unsearched;
-    /// The 64 bytes before m_unsearched: bit i is set if byte i is an '@' that has not been looked at.
-    std::uint64_t m_pendingAts = 0;
     Kernel m_kernel;
+    std::array<std::string_view, 152> m_matches;
 };
+
+/// Calls visit(address) for each address of the text, from the left, as a view into it.
+template <typename Visit>
+void forEachAddress(
+    std::string_view text, Visit visit, AddressScanner::Kernel kernel = AddressScanner::fastestKernel())
+{
+    AddressScanner scanner(text, kernel);
+    for (auto addresses = scanner.next(); !addresses.empty(); addresses = scanner.next()) {
+        for (const std::string_view address : addresses)
+            visit(address);
+    }
+}
 
 } // namespace quilvane

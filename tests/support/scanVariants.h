@@ -25,9 +25,8 @@ inline std::vector<AddressScanner::Kernel> supportedKernels()
 inline std::vector<std::string_view> scanWhole(std::string_view text, AddressScanner::Kernel kernel)
 {
     std::vector<std::string_view> matches;
-    AddressScanner scanner(text, kernel);
-    while (const auto match = scanner.next())
-        matches.push_back(*match);
+    forEachAddress(
+        text, [&matches](std::string_view match) { matches.push_back(match); }, kernel);
     return matches;
 }
 
