@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "batch/SearchRun.h"
 #include "framework/controls/Canvas.h"
 #include "framework/controls/CheckBox.h"
 #include "framework/controls/HTMLViewer.h"
@@ -16,9 +17,9 @@
 #include "framework/files/TextInputStream.h"
 #include "framework/threads/Thread.h"
 #include "framework/threads/Timer.h"
+#include "scan/DuplicateIndex.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -32,7 +33,7 @@ struct RunRules;
 ///
 /// One class, grouped by concern; each room defines the methods that belong to it. The rows of Listbox1 are
 /// the program's data: other windows read and write them here, and they are gone when the window closes.
-class Window1 : public Window {
+class Window1 : public Window, public SearchRun {
 public:
     // The controls, in the order of their creation.
     Listbox Listbox1{ *this, "Listbox1" };
@@ -61,21 +62,6 @@ public:
 
     Ref<MyDynaPDFMBS> pdf; // the engine of the last PDF document
 
-    // The state of a run. Thread1 and the handlers share it without a lock: one calls the other.
-    std::int64_t nextOne = 0; // how far the run is, in 65536ths and a little more; nobody looks at it
-    std::string myProgressText; // what Timer1 copies to ProgressText, since Thread1 touches no control
-    std::vector<std::string> itemArrayZ; // native paths of the files that Thread1 reads
-    std::vector<std::string> subFolderArrayZ; // native paths of the folders in the searched one
-    /// The text that a staged reader scans. What one has left stays here: see doPDFCheckThread.
-    std::shared_ptr<const std::string> searchText = std::make_shared<const std::string>();
-    std::string searchText2; // the PDF page loaded last
-    std::vector<std::string> resultArray; // addresses found that are not yet rows
-    bool stopSwitch = false; // the user asked to stop
-    Ref<FolderItem> myFile; // the dropped item in hand; stays from drop to drop
-    std::int64_t counter = 0; // the index in itemArrayZ of the file in hand
-    std::string currentFile; // its path, or, once doTextThread reads it, its name
-    std::int64_t rCounter = 0; // matches of the run, duplicates included
-
     // readers
     void importBtn1_Action();
     void doCSV();
@@ -96,10 +82,7 @@ public:
     void HTMLViewer1_DocumentProgressChanged(const std::string& url, int percentage);
     /// Nothing calls it, like doCSVFolder.
     void doWordFolder(const Ref<FolderItem>& f);
-    /// Stages the addresses of the text that stands in searchText, whoever has left it there; nothing if it
-    /// is empty.
-    void doPDFCheckThread();
-    /// Another form of it that nothing calls, for the text in TextField1 and with an end of its own.
+    /// A form of doPDFCheckThread that nothing calls, for the text in TextField1 and with an end of its own.
     void doPDFCheck();
 
     // batch
@@ -112,11 +95,8 @@ public:
     /// Reads the files of a folder, then those of the folders below it.
     void doSubfolder(const Ref<FolderItem>& folder);
     void Thread1_Run();
-    /// The worker's loop with turns of the event loop, which nothing calls.
+    /// The worker's loop for the handler itself, which nothing calls.
     void noThread();
-    void doTextThread(const Ref<FolderItem>& f);
-    void doCSVFolderThread(const Ref<FolderItem>& f);
-    void doWordFolderThread(const Ref<FolderItem>& f);
 
     // the list, and the end of a run
     void Listbox1_Change();
@@ -124,6 +104,13 @@ public:
     /// Removes the rows that look like names of pictures, and of rows that differ in case at most all but the
     /// first.
     void checkDuplicates();
+
+    /// Puts what a failed search of folders or dropped items has staged into the list, and brings buttons and
+    /// menus up to date. Returns how many rows that added. For the report of the failure.
+    std::size_t keepStagedFinds();
+
+    /// Adds the staged addresses that this run has not added yet to the list and leaves them staged.
+    void flushStagedRows();
 
     // export
     void exportBtn_Action();
@@ -144,37 +131,41 @@ private:
     void Event_Open() override;
     void Event_Close() override;
 
-    // Each scan loop gives other threads their turn behind every match.
-    /// Adds the addresses of the rest of `stream` to the list. The file is read in pieces: whole in memory it
-    /// would take longer to page in than to scan.
+    /// Adds the addresses of the rest of `stream` to the list; none of them, nor their count, if it can't be
+    /// read to its end.
     void scanToList(TextInputStream& stream, Counting counting);
     void addMatchesToList(std::string_view text, Counting counting);
-    /// Adds the staged addresses to the list and leaves them staged.
-    void flushResultArray();
-
-    /// Adds the addresses in searchText to resultArray and counts them.
-    void stageMatches();
-    void setSearchText(std::string text);
+    /// Adds all staged addresses to the list at the end of a run, where nothing needs to stay staged.
+    void moveStagedRowsToList();
+    /// Looks whether anything but checkDuplicates() has removed rows since this was called last: then all of
+    /// the list is to be looked at, and all that is staged is to come again.
+    void noteRemovedRows();
 
     /// Lists the files and folders in `folder`. `current` is the last child looked at. False if one vanished
     /// meanwhile, which ends the handler.
     bool classifyChildren(const FolderItem& folder, const RunRules& rules, Ref<FolderItem>& current);
     void startWorker();
-    /// The path in itemArrayZ that the run has come to, with all that is told of it.
-    Ref<FolderItem> takeItem(std::size_t i);
+    /// Forgets what earlier runs have read, and what the finish line tells of it.
+    void beginAccount();
     /// The folders in subFolderArrayZ one by one, until the user stops the run.
     void walkSubfolders(const RunRules& rules, Ref<FolderItem>& current);
     struct WalkedFolder;
-    void walkFolder(const Ref<FolderItem>& folder, const WalkedFolder* above);
+    class EmptyFolders;
+    struct WalkResult;
+    WalkResult walkFolder(
+        const Ref<FolderItem>& folder, const WalkedFolder* above, EmptyFolders& emptyFolders);
     void listFolder(
         const FolderItem& folder, std::vector<std::string>& files, std::vector<std::string>& subfolders);
-    void readFiles(const std::vector<std::string>& files);
+    void readFiles(const std::vector<std::string>& paths);
     void endRun();
 
-    void enableButtonsBehindScan();
+    void enableButtonsAfterScan();
     void setFinishMessage(Label& label);
     /// On an empty list the label keeps its old text.
     void setTotalLabel();
+
+    DuplicateIndex m_knownRows; // those that checkDuplicates() has looked at
+    std::uint64_t m_arrangement = 0; // Listbox1's when it had done so
 };
 
 } // namespace quilvane

@@ -5,24 +5,25 @@
 #include "app/Window1.h"
 
 #include "framework/Application.h"
-#include "framework/files/availableMemory.h"
 #include "framework/keepWindowPainted.h"
 #include "scan/AddressScanner.h"
-#include "scan/TextPieces.h"
 #include "scan/endTexts.h"
-#include "scan/survivors.h"
+
+#include <algorithm>
 
 namespace quilvane {
 
 void Window1::scanToList(TextInputStream& stream, Counting counting)
 {
-    TextPieces pieces;
-    while (const std::size_t count = stream.Read(pieces.room())) {
-        addMatchesToList(pieces.take(count), counting);
-        // A text in which nothing can be cut is kept whole, in a buffer that may double at the next read.
-        requireMemory(2 * pieces.rest().size(), "A word in this file is too long");
+    const std::size_t rowsBefore = Listbox1.ListCount();
+    const std::int64_t countBefore = rCounter;
+    try {
+        readInPieces(stream, [&](std::string_view piece) { addMatchesToList(piece, counting); });
+    } catch (...) {
+        Listbox1.TruncateRows(rowsBefore);
+        rCounter = countBefore;
+        throw;
     }
-    addMatchesToList(pieces.rest(), counting);
 }
 
 void Window1::addMatchesToList(std::string_view text, Counting counting)
@@ -33,14 +34,40 @@ void Window1::addMatchesToList(std::string_view text, Counting counting)
         rCounter += std::int64_t(Listbox1.ListCount() - rowsBefore);
 }
 
-void Window1::flushResultArray()
+void Window1::flushStagedRows()
 {
-    for (std::size_t i = 0; i < resultArray.size(); ++i) {
-        Listbox1.AddRow(resultArray[i]);
-    }
+    noteRemovedRows();
+    const std::size_t first = resultArray.beginFlush();
+    Listbox1.AddRows(resultArray.rows(), first);
 }
 
-void Window1::enableButtonsBehindScan()
+void Window1::moveStagedRowsToList()
+{
+    // What was flushed before comes again; the removal of duplicates makes up for it.
+    Listbox1.TakeRows(resultArray.release());
+}
+
+std::size_t Window1::keepStagedFinds()
+{
+    const std::size_t rowsBefore = Listbox1.ListCount();
+    if (resultArray.empty())
+        return 0;
+    moveStagedRowsToList();
+    checkDuplicates();
+    EnableMenuItems();
+    return Listbox1.ListCount() - std::min(rowsBefore, Listbox1.ListCount());
+}
+
+void Window1::noteRemovedRows()
+{
+    if (Listbox1.Arrangement() == m_arrangement)
+        return;
+    m_arrangement = Listbox1.Arrangement();
+    m_knownRows.forget();
+    resultArray.unmark();
+}
+
+void Window1::enableButtonsAfterScan()
 {
     exportBtn.setEnabled(true);
     clearBtn.setEnabled(true);
@@ -48,9 +75,16 @@ void Window1::enableButtonsBehindScan()
     TextField1.setText({});
 }
 
+void Window1::beginAccount()
+{
+    account.clear();
+    ProgressText.setHelpText({});
+}
+
 void Window1::setFinishMessage(Label& label)
 {
     label.setText(finishMessage(rCounter));
+    ProgressText.setHelpText(account.text());
     // Off when this run has found nothing, whatever earlier runs have left in the list.
     filterBtn.setEnabled(rCounter > 0);
     clearBtn.setEnabled(rCounter > 0);
@@ -70,8 +104,13 @@ void Window1::setTotalLabel()
 
 void Window1::checkDuplicates()
 {
-    const auto rowText = [this](std::size_t row) { return Listbox1.Row(row); };
-    Listbox1.RetainRows(0, findSurvivors(Listbox1.ListCount(), rowText, keepWindowPainted));
+    noteRemovedRows();
+    DuplicateIndex::Pass pass(
+        m_knownRows, Listbox1.ListCount(), [this](std::size_t row) { return Listbox1.Row(row); });
+    while (pass.step())
+        keepWindowPainted();
+    Listbox1.RetainRows(pass.firstRow(), pass.stays());
+    m_arrangement = Listbox1.Arrangement();
 }
 
 void Window1::Listbox1_Change()
@@ -82,6 +121,7 @@ void Window1::Listbox1_Change()
 void Window1::clearBtn_Action()
 {
     Listbox1.DeleteAllRows();
+    noteRemovedRows(); // what was known of the rows needs memory, too
     clearBtn.setEnabled(false);
     exportBtn.setEnabled(false);
     results.setVisible(true);

@@ -6,6 +6,7 @@
 #include "app/FileTypes2.h"
 #include "app/MainMenuBar.h"
 #include "app/Window1.h"
+#include "app/failureWords.h"
 #include "framework/EventGuard.h"
 #include "framework/Runtime.h"
 
@@ -24,13 +25,11 @@ std::unique_ptr<App> makeApp()
         .shortVersion = "1.04",
         .description = "Extracts emails from comma or tab-delimited files.",
         .legalNotice = "Quilvane. Free software, GPL-3.0-or-later." });
-    setFailureHook([](const std::string&) -> std::string {
-        return "What it had done before stands; otherwise the list is untouched.";
-    });
     app.setMenuBar(MainMenuBar::instance());
     app.addMenuHandler("FileAboutTamsrel", [&app] { return app._FileAboutTamsrel_Action(); });
     app.addMenuHandler("FileNewWindow", [&app] { return app._FileNewWindow_Action(); });
     app.addMenuHandler("FiltersApplyFilters", [&app] { return app._FiltersApplyFilters_Action(); });
+    setFailureWords(failureWords);
     return made;
 }
 

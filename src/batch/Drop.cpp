@@ -4,6 +4,7 @@
 
 #include "app/Window1.h"
 
+#include "batch/readerRules.h"
 #include "batch/runRules.h"
 
 namespace quilvane {
@@ -20,6 +21,7 @@ void Window1::Canvas1_Open()
 void Window1::Canvas1_DropObject(DragItem& obj)
 {
     ProgressText.setText("");
+    beginAccount();
     searchStop.setValue(false);
     searchStop.setEnabled(true);
     resultArray.clear();
@@ -27,7 +29,7 @@ void Window1::Canvas1_DropObject(DragItem& obj)
     itemArrayZ.clear();
     myProgressText.clear();
     nextOne = 0;
-    setSearchText({});
+    forgetText();
     rCounter = 0;
     if (obj.FolderItemAvailable()) {
         // Nothing is emptied between the items: a later folder's run reads the files of the earlier ones
@@ -44,7 +46,7 @@ void Window1::Canvas1_DropObject(DragItem& obj)
                 doCSVDrop(myFile);
             }
             walkSubfolders(droppedFolderRules, current);
-            flushResultArray();
+            flushStagedRows();
             Thread1.Kill();
             checkDuplicates();
             setFinishMessage(ProgressText);
@@ -59,27 +61,31 @@ void Window1::doCSVDrop(const Ref<FolderItem>& f)
 {
     Timer1.setEnabled(true);
     rCounter = 0;
-    const std::string name = f->Name();
-    // Of these patterns the dots are wildcards: mytxt.rtf is read as text.
-    if (nameHas(".csv", name)) {
-        doCSVFile(f);
-        return;
+    const std::vector<FileReader> readers = readersFor(droppedFileReaders, f->Name());
+    accountForSingle(*f, readers);
+    for (const FileReader reader : readers) {
+        switch (reader) {
+        case FileReader::Delimited:
+            doCSVFile(f);
+            break;
+        case FileReader::PDF:
+            doPDF(f);
+            break;
+        case FileReader::Word:
+            doWord(f);
+            break;
+        case FileReader::Text:
+            const Ref<TextInputStream> stream = f->OpenAsTextFile();
+            scanToList(*stream, Counting::On);
+            account.read(f->NativePath(), reader);
+            enableButtonsAfterScan();
+            setFinishMessage(ProgressText);
+            stream->Close();
+            checkDuplicates();
+            setTotalLabel();
+            break;
+        }
     }
-    if (nameHas(".pdf", name)) {
-        doPDF(f);
-        return;
-    }
-    if (nameHas(".doc", name))
-        doWord(f); // and goes on: a name that hits both is read both ways
-    if (!nameHas(".txt", name))
-        return;
-    const Ref<TextInputStream> stream = f->OpenAsTextFile();
-    scanToList(*stream, Counting::On);
-    enableButtonsBehindScan();
-    setFinishMessage(ProgressText);
-    stream->Close();
-    checkDuplicates();
-    setTotalLabel();
 }
 
 } // namespace quilvane

@@ -4,6 +4,7 @@
 
 #include "app/Window1.h"
 
+#include "batch/readerRules.h"
 #include "batch/runRules.h"
 #include "framework/Application.h"
 #include "framework/dialogs/dialogs.h"
@@ -14,6 +15,7 @@ void Window1::importFolderBtn_Action()
 {
     searchStop.setValue(false);
     ProgressText.setText("");
+    beginAccount();
     searchStop.setEnabled(true); // and never off again
     itemArrayZ.clear();
     resultArray.clear();
@@ -25,9 +27,9 @@ void Window1::importFolderBtn_Action()
             return;
         startWorker();
     }
-    // Behind a cancelled dialog as well.
+    // After a cancelled dialog as well.
     walkSubfolders(searchFolderRules, current);
-    flushResultArray();
+    moveStagedRowsToList();
     checkDuplicates();
     setFinishMessage(ProgressText);
     setTotalLabel();
@@ -44,7 +46,7 @@ void Window1::PushButton1_Action()
         startWorker();
     }
     walkSubfolders(secondEntryRules, current);
-    flushResultArray();
+    flushStagedRows();
     Thread1.Kill();
     checkDuplicates();
     setTotalLabel();
@@ -65,11 +67,15 @@ bool Window1::classifyChildren(const FolderItem& folder, const RunRules& rules, 
         // A folder's name is looked at like a file's: old.txt is listed, and not read.
         const std::string name = current->Name();
         const bool isLeftOut = rules.leftOut && nameHas(rules.leftOut, name);
+        const std::size_t listedBefore = itemArrayZ.size();
         for (const char* pattern : rules.listedNames) {
             if (!isLeftOut && nameHas(pattern, name))
                 itemArrayZ.push_back(current->NativePath());
         }
+        if (!current->Directory())
+            accountFor(*current, itemArrayZ.size() > listedBefore, workerReaders);
     }
+    accountForFolder(folder);
     return true;
 }
 

@@ -1,13 +1,19 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The folders below a searched folder, read while the event loop gets its turns.
+// The folders below a searched folder, read by the handler itself while the event loop gets its turns.
 
 #include "app/Window1.h"
 
+#include "batch/FilesToRead.h"
+#include "batch/readerRules.h"
 #include "batch/runRules.h"
 #include "framework/Application.h"
 #include "framework/dialogs/dialogs.h"
 #include "framework/strings.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
 
 namespace quilvane {
 
@@ -17,14 +23,40 @@ struct Window1::WalkedFolder {
     FolderItem::Identity identity;
     const WalkedFolder* above;
 
-    bool isBelowItself() const
+    bool has(const FolderItem::Identity& wanted) const
     {
-        for (const WalkedFolder* each = above; each; each = each->above) {
-            if (each->identity == identity)
-                return true;
-        }
-        return false;
+        return identity == wanted || (above && above->has(wanted));
     }
+};
+
+/// What was found under a folder.
+struct Window1::WalkResult {
+    bool anyFile = false;
+    /// Folders above it to which links lead. They were not entered from here, so that no file was listed here
+    /// holds only for as long as they stand above.
+    std::set<FolderItem::Identity> notEntered;
+};
+
+/// The folders under which no file was listed. Links may lead to one in many ways; it is not entered again,
+/// which changes no count and keeps an archive of nothing but links from being walked for ever.
+class Window1::EmptyFolders {
+public:
+    /// Null if the folder is to be entered.
+    const WalkResult* find(const FolderItem::Identity& folder, const WalkedFolder* above) const
+    {
+        const auto known = m_known.find(folder);
+        if (known == m_known.end())
+            return nullptr;
+        const auto& notEntered = known->second.notEntered;
+        const bool holds = std::all_of(notEntered.begin(), notEntered.end(),
+            [above](const FolderItem::Identity& each) { return above && above->has(each); });
+        return holds ? &known->second : nullptr;
+    }
+
+    void add(const FolderItem::Identity& folder, const WalkResult& result) { m_known[folder] = result; }
+
+private:
+    std::map<FolderItem::Identity, WalkResult> m_known;
 };
 
 void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
@@ -34,7 +66,7 @@ void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
             Thread1.Kill();
             MsgBox("Search was stopped.");
             searchStop.setValue(false);
-            flushResultArray();
+            flushStagedRows();
             break;
         }
         // The name is that of the item before: at first of the last child looked at, which need not be a
@@ -50,28 +82,44 @@ void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
 
 void Window1::doSubfolder(const Ref<FolderItem>& folder)
 {
-    walkFolder(folder, nullptr);
+    EmptyFolders emptyFolders;
+    walkFolder(folder, nullptr, emptyFolders);
 }
 
-void Window1::walkFolder(const Ref<FolderItem>& folder, const WalkedFolder* above)
+Window1::WalkResult Window1::walkFolder(
+    const Ref<FolderItem>& folder, const WalkedFolder* above, EmptyFolders& emptyFolders)
 {
+    const WalkedFolder here{ folder ? folder->identity() : FolderItem::Identity{}, above };
+    const bool isBelowItself = above && above->has(here.identity);
+    const WalkResult* known = emptyFolders.find(here.identity, above);
+    const bool isEntered = folder && folder->Directory() && !isBelowItself && !known;
     std::vector<std::string> files;
     std::vector<std::string> subfolders;
-    WalkedFolder here{ {}, above };
+    if (isEntered)
+        listFolder(*folder, files, subfolders);
     if (folder) {
-        here.identity = folder->identity();
-        if (folder->Directory() && !here.isBelowItself())
-            listFolder(*folder, files, subfolders);
         ProgressText.setVisible(true);
         readFiles(files);
         ProgressText.setVisible(false);
     }
+    WalkResult result{ .anyFile = !files.empty(), .notEntered = {} };
     for (std::size_t i = 0; i < subfolders.size(); ++i) {
         // Both numbers are one short, on purpose.
         myProgressText = "Checking folder " + Str(i) + " of " + Str(subfolders.size() - 1) + ".";
-        walkFolder(GetFolderItem(subfolders[i]), &here);
+        const WalkResult below = walkFolder(GetFolderItem(subfolders[i]), &here, emptyFolders);
+        result.anyFile |= below.anyFile;
+        result.notEntered.insert(below.notEntered.begin(), below.notEntered.end());
     }
     myProgressText = "Finished searching subfolders.";
+
+    if (isBelowItself)
+        return { .anyFile = false, .notEntered = { here.identity } };
+    if (known)
+        return *known;
+    result.notEntered.erase(here.identity);
+    if (isEntered && !result.anyFile)
+        emptyFolders.add(here.identity, result);
+    return result;
 }
 
 void Window1::listFolder(
@@ -82,28 +130,35 @@ void Window1::listFolder(
         if (child->Directory()) // links to folders as well, unlike in the folder that was chosen
             subfolders.push_back(child->NativePath());
         const std::string name = child->Name();
+        const std::size_t listedBefore = files.size();
         for (const char* pattern : { ".txt", ".csv", ".docx" }) { // old .doc files are not read down here
             if (nameHas(pattern, name))
                 files.push_back(child->NativePath());
         }
+        if (!child->Directory())
+            accountFor(*child, files.size() > listedBefore, walkReaders);
     }
+    accountForFolder(folder);
 }
 
-void Window1::readFiles(const std::vector<std::string>& files)
+void Window1::readFiles(const std::vector<std::string>& paths)
 {
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        const Ref<FolderItem> f = GetFolderItem(files[i]);
-        myProgressText = searchingText(i + 1, files.size(), f->Name());
-        nextOne = progressValue(i, files.size());
-        Application::DoEvents(eventLoopSpell);
-        const std::string extension = lastExtension(f->Name());
-        if (nameHas(".txt", extension))
-            doTextThread(f);
-        if (nameHas(".docx", extension)) {
-            doWordFolderThread(f);
-            Application::DoEvents(eventLoopSpell);
-        } else if (nameHas(".csv", extension) && f->OpenAsTextFile()) {
-            doCSVFolderThread(f);
+    FilesToRead files(paths, walkReaders);
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        const FilesToRead::File f = files.next();
+        myProgressText = searchingText(i + 1, paths.size(), f.item->Name());
+        nextOne = progressValue(i, paths.size());
+        Application::DoEvents(eventLoopMilliseconds);
+        if (!f.item) {
+            // Never seen: the name of a file that is gone has ended the handler before.
+            MsgBox("No file was opened.");
+            ProgressText.setText("");
+            return;
+        }
+        for (const FileReader reader : f.readers) {
+            readStaged(reader, f.item);
+            if (reader == FileReader::Word)
+                Application::DoEvents(eventLoopMilliseconds);
         }
     }
 }

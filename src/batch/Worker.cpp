@@ -1,130 +1,50 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The worker: its body, and the readers that both it and the walk use. They touch no control.
+// The worker's body, and its form for the handler itself.
 
 #include "app/Window1.h"
 
+#include "batch/FilesToRead.h"
+#include "batch/readerRules.h"
 #include "batch/runRules.h"
 #include "framework/Application.h"
-#include "framework/documents/WordFileMBS.h"
-#include "framework/files/BinaryStream.h"
-#include "framework/files/TextInputStream.h"
-#include "scan/AddressScanner.h"
 
 namespace quilvane {
 
-namespace {
-
-/// What is found in a Word file that can't be read, once for each.
-constexpr const char* sampleAddress = "sample@example.com";
-
-} // namespace
-
 void Window1::Thread1_Run()
 {
+    // The last extension counts, not the whole name: notes.txt.bak was listed and is not read.
+    FilesToRead files(itemArrayZ, workerReaders);
     for (std::size_t i = 0; i < itemArrayZ.size(); ++i) {
-        if (stopSwitch) {
-            Thread1.Kill();
-            break;
-        }
-        const Ref<FolderItem> f = takeItem(i);
-        // The last extension counts, not the whole name: notes.txt.bak was listed and is not read.
-        const std::string extension = lastExtension(f->Name());
-        if (nameHas("\\.doc", extension))
-            doWordFolderThread(f);
-        else if (nameHas("\\.pdf", extension))
-            doPDFCheckThread(); // reads no file: it finds what the file before has left once more
-        else if (nameHas("\\.txt", extension))
-            doTextThread(f);
-        else if (nameHas("\\.csv", extension) && f->OpenAsTextFile())
-            doCSVFolderThread(f);
+        currentFile = itemArrayZ[i];
+        if (stopSwitch)
+            Thread1.Kill(); // ends this body, so it does not return
+        const FilesToRead::File file = files.next();
+        tellItem(i, *file.item);
+        for (const FileReader reader : file.readers)
+            readStaged(reader, file.item);
     }
 }
 
 void Window1::noThread()
 {
+    FilesToRead files(itemArrayZ, noThreadReaders);
     for (std::size_t i = 0; i < itemArrayZ.size(); ++i) {
+        currentFile = itemArrayZ[i];
         if (stopSwitch) {
             Thread1.Kill();
             break;
         }
-        const Ref<FolderItem> f = takeItem(i);
-        Application::DoEvents(eventLoopSpell);
-        const std::string extension = lastExtension(f->Name());
-        if (nameHas(".doc", extension)) {
-            doWordFolderThread(f);
-            Application::DoEvents(eventLoopSpell);
-        } else if (nameHas(".txt", extension)) {
-            doTextThread(f);
-            Application::DoEvents(eventLoopSpell);
-        } else if (nameHas(".csv", extension) && f->OpenAsTextFile()) {
-            doCSVFolderThread(f);
-            Application::DoEvents(eventLoopSpell);
+        const FilesToRead::File file = files.next();
+        tellItem(i, *file.item);
+        Application::DoEvents(eventLoopMilliseconds);
+        for (const FileReader reader : file.readers) {
+            readStaged(reader, file.item);
+            Application::DoEvents(eventLoopMilliseconds);
         }
     }
-    Application::DoEvents(eventLoopSpell);
+    Application::DoEvents(eventLoopMilliseconds);
     myProgressText = "Searching subfolders.";
-}
-
-Ref<FolderItem> Window1::takeItem(std::size_t i)
-{
-    currentFile = itemArrayZ[i];
-    Ref<FolderItem> f = GetFolderItem(itemArrayZ[i]);
-    myProgressText = searchingText(i + 1, itemArrayZ.size(), f->Name());
-    counter = std::int64_t(i);
-    nextOne = progressValue(i, itemArrayZ.size());
-    return f;
-}
-
-void Window1::doTextThread(const Ref<FolderItem>& f)
-{
-    setSearchText({});
-    currentFile = f->Name();
-    const Ref<TextInputStream> stream = f->OpenAsTextFile();
-    if (!stream)
-        return;
-    setSearchText(stream->ReadAll());
-    stageMatches();
-    stream->Close();
-}
-
-void Window1::doCSVFolderThread(const Ref<FolderItem>& f)
-{
-    const Ref<FolderItem> file = GetFolderItem(f->NativePath());
-    if (!file)
-        return;
-    setSearchText({});
-    const Ref<TextInputStream> stream = file->OpenAsTextFile();
-    setSearchText(stream->ReadAll());
-    stageMatches();
-    stream->Close();
-}
-
-void Window1::doWordFolderThread(const Ref<FolderItem>& f)
-{
-    if (nameHas(lockFilePattern, f->Name()))
-        return;
-    const Ref<FolderItem> file = GetFolderItem(f->NativePath());
-    const Ref<BinaryStream> stream = BinaryStream::Open(*file);
-    const Ref<WordFileMBS> document = WordFileMBS::OpenData(stream->Read(stream->Length()));
-    setSearchText(document ? document->Text() : sampleAddress);
-    stageMatches();
-    stream->Close();
-}
-
-void Window1::stageMatches()
-{
-    // A hold on the text: at a yield another reader may put its own into searchText.
-    const std::shared_ptr<const std::string> text = searchText;
-    forEachAddress(*text, [this](std::string_view address) {
-        resultArray.emplace_back(address);
-        ++rCounter;
-    });
-}
-
-void Window1::setSearchText(std::string text)
-{
-    searchText = std::make_shared<const std::string>(std::move(text));
 }
 
 } // namespace quilvane

@@ -10,8 +10,8 @@
 
 namespace quilvane {
 
-/// How long the event loop may run at a time, in milliseconds. It returns as soon as nothing is left to do.
-inline constexpr int eventLoopSpell = 30;
+/// How long the event loop may run before a file is read. It returns as soon as nothing is left to do.
+inline constexpr int eventLoopMilliseconds = 30;
 
 /// Of the names of the files that a word processor leaves beside an open document.
 inline constexpr const char* lockFilePattern = "~\\$";
@@ -26,7 +26,7 @@ struct RunRules {
     /// Whether every folder is walked, links to folders as well, or only those that are no links, and only
     /// while Search Subfolders is ticked.
     bool walksEveryFolder;
-    /// Whether the walk looks at Search Subfolders again ahead of each folder.
+    /// Whether the walk looks at Search Subfolders again before each folder.
     bool asksAgain;
     /// The number of the first folder in the progress text.
     int firstNumber;
@@ -43,7 +43,7 @@ extern const RunRules droppedFolderRules;
 /// Whether `pattern`, a regular expression, is found anywhere in `name`, in any case.
 bool nameHas(const char* pattern, std::string_view name);
 
-/// A dot and what stands behind the last dot of the name; behind the dot the whole name if it has none.
+/// The last dot of the name and what follows it; a dot and the whole name if it has no dot.
 std::string lastExtension(std::string_view name);
 
 /// (index + 1) / upperBound * 65536 without its fraction; the smallest number where that is infinite, as for

@@ -40,7 +40,7 @@ void writeRows(TextOutputStream& stream, const RowStore& rows, ExportFormat form
 void exportList(const Listbox& list, ExportFormat format, OnCancel onCancel)
 {
     if (list.ListCount() == 0)
-        throw OutOfBoundsException("list row", 0, 0);
+        throw OutOfBoundsException("There is nothing to export: the list is empty.");
     const Ref<FolderItem> file
         = GetSaveFolderItem("TEXT", format == ExportFormat::CSV ? "email_list.csv" : "email_list.txt");
     if (!file) {

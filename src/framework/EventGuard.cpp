@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/EventGuard.h"
 
-#include "framework/System.h"
 #include "framework/controls/Window.h"
 #include "framework/dialogs/Desktop.h"
 #include "framework/keepWindowPainted.h"
+#include "framework/logLine.h"
 
 #include <QTimer>
 
@@ -26,7 +26,7 @@ struct PutOffEvent {
 int depth = 0;
 bool painting = false;
 std::deque<PutOffEvent> putOffEvents;
-std::function<std::string(const std::string&)> failureHook;
+std::function<std::string(const std::string&)> failureWords;
 
 class DepthCount {
 public:
@@ -71,19 +71,13 @@ std::string describeCurrentException()
     }
 }
 
-void report(const std::string& handlerName, const std::string& outcome)
-{
-    const std::string where = "This happened in " + handlerName + ", which has ended there.";
-    Desktop::current().showError(describeCurrentException(), outcome.empty() ? where : where + ' ' + outcome);
-}
-
-/// What has become of the failed handler's work.
-std::string runFailureHook(const std::string& handlerName)
+/// What the program says of the failed handler.
+std::string wordsFor(const std::string& handlerName)
 {
     try {
-        return failureHook ? failureHook(handlerName) : std::string();
+        return failureWords ? failureWords(handlerName) : std::string();
     } catch (const std::exception& error) {
-        System::DebugLog("The report of " + handlerName + " is incomplete: " + error.what());
+        logLine("The report of " + handlerName + " is incomplete: " + error.what());
         return {};
     }
 }
@@ -99,7 +93,7 @@ void runGuarded(const std::string& name, const std::function<void()>& handler)
         try {
             handler();
         } catch (const std::exception&) {
-            report(name, runFailureHook(name));
+            reportCurrentException(name);
         }
     } catch (const QuitUnwinding&) {
     }
@@ -141,12 +135,14 @@ OnlyPainting::~OnlyPainting()
 
 void reportCurrentException(const std::string& handlerName)
 {
-    report(handlerName, {});
+    const std::string what = describeCurrentException();
+    logLine(handlerName + ": " + what);
+    Desktop::current().showError(what, wordsFor(handlerName));
 }
 
-void setFailureHook(std::function<std::string(const std::string& handlerName)> hook)
+void setFailureWords(std::function<std::string(const std::string& handlerName)> words)
 {
-    failureHook = std::move(hook);
+    failureWords = std::move(words);
 }
 
 } // namespace quilvane

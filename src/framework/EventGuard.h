@@ -38,13 +38,12 @@ public:
     OnlyPainting& operator=(const OnlyPainting&) = delete;
 };
 
-/// Reports the exception in flight as runGuarded does, without the failure hook. To be called inside of a
-/// catch block.
+/// Reports the exception in flight as runGuarded does. To be called inside of a catch block.
 void reportCurrentException(const std::string& handlerName);
 
-/// What the program does about a failed handler before the report of it is shown. The result, what has become
-/// of the handler's work, is added to the report as a sentence of its own; empty for none. What the hook
-/// throws goes to the log.
-void setFailureHook(std::function<std::string(const std::string& handlerName)> hook);
+/// What the program does about a failed handler, and then tells of it: `words` gives the second part of the
+/// report, what has ended and what became of its work. The name of the handler itself goes to the log alone.
+/// So does what `words` throws.
+void setFailureWords(std::function<std::string(const std::string& handlerName)> words);
 
 } // namespace quilvane

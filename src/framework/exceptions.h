@@ -25,6 +25,7 @@ public:
 /// An index lay outside a list or an array.
 class OutOfBoundsException : public RuntimeException {
 public:
+    using RuntimeException::RuntimeException;
     /// `what` names the thing indexed, as in "list row".
     OutOfBoundsException(std::string_view what, std::size_t index, std::size_t count);
 };

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Window1.h"
 
+#include "batch/readerRules.h"
 #include "framework/dialogs/dialogs.h"
 #include "framework/files/displayName.h"
 #include "framework/strings.h"
@@ -29,9 +30,13 @@ void Window1::doPDF(const Ref<FolderItem>& f)
     Load(1);
     for (int index = 0; index <= engine->GetPageCount() - 1; ++index) {
         Slider1.setValue(index); // loads the page, unless the slider stands there already
-        setSearchText(*searchText + " " + searchText2);
+        searchText = searchText + " " + searchText2;
     }
     doPDFCheckThread();
+    if (engine->GetPageCount() > 0)
+        account.read(f->NativePath(), FileReader::PDF);
+    else
+        account.left(f->NativePath(), RunAccount::Left::NotOpened);
     setFinishMessage(ProgressText);
 }
 
@@ -39,7 +44,7 @@ void Window1::Load(int pageNumber)
 {
     // So each page drops those before it, and of a document its last page alone is scanned. It has always
     // been so.
-    setSearchText({});
+    forgetText();
     const Ref<MyDynaPDFMBS> engine = pdf;
     if (!engine->EditPage(pageNumber)) {
         MsgBox("Failed to edit page " + Str(pageNumber));
@@ -54,19 +59,13 @@ void Window1::Slider1_ValueChanged()
     Load(int(Slider1.Value()) + 1);
 }
 
-void Window1::doPDFCheckThread()
-{
-    if (!searchText->empty())
-        stageMatches();
-}
-
 void Window1::doPDFCheck()
 {
+    rCounter = 0;
     if (TextField1.Text().empty())
         return;
-    rCounter = 0;
     addMatchesToList(TextField1.Text(), Counting::On);
-    enableButtonsBehindScan();
+    enableButtonsAfterScan();
     setFinishMessage(ProgressText);
     checkDuplicates();
     setTotalLabel();

@@ -4,9 +4,10 @@
 
 #include "app/Window1.h"
 
+#include "batch/readerRules.h"
 #include "framework/Application.h"
 #include "framework/dialogs/dialogs.h"
-#include "readers/fileKind.h"
+#include "framework/files/displayName.h"
 
 namespace quilvane {
 
@@ -16,9 +17,10 @@ void Window1::importBtn1_Action()
     itemArrayZ.clear();
     searchStop.setValue(false);
     ProgressText.setText("");
+    beginAccount();
     doCSV();
-    // Behind a cancelled dialog and a file of no known kind as well.
-    flushResultArray();
+    // After a cancelled dialog and a file of no known kind as well.
+    moveStagedRowsToList();
     checkDuplicates();
     setTotalLabel();
     Thread1.Kill();
@@ -34,26 +36,28 @@ void Window1::doCSV()
     const Ref<FolderItem> f = GetOpenFolderItem("text/csv;text/pdf;text/docx");
     if (!f)
         return;
-    switch (fileKind(f->Name())) {
-    case FileKind::PDF:
-        doPDF(f);
-        return;
-    case FileKind::Word:
-        doWord(f);
-        return;
-    case FileKind::Delimited:
-        doCSVFile(f);
-        return;
-    case FileKind::Text: {
-        const Ref<TextInputStream> stream = f->OpenAsTextFile();
-        scanToList(*stream, Counting::On);
-        enableButtonsBehindScan();
-        stream->Close();
-        break;
-    }
-    case FileKind::Other:
-        // Not even opened; it ends like a text file in which there are no addresses.
-        break;
+    // A file of no known kind is not even opened; it ends like a text file in which there are no addresses.
+    const std::vector<FileReader> readers = readersFor(searchFileReaders, f->Name());
+    accountForSingle(*f, readers);
+    for (const FileReader reader : readers) {
+        switch (reader) {
+        case FileReader::PDF:
+            doPDF(f);
+            return;
+        case FileReader::Word:
+            doWord(f);
+            return;
+        case FileReader::Delimited:
+            doCSVFile(f);
+            return;
+        case FileReader::Text:
+            const Ref<TextInputStream> stream = f->OpenAsTextFile();
+            scanToList(*stream, Counting::On);
+            account.read(f->NativePath(), reader);
+            enableButtonsAfterScan();
+            stream->Close();
+            break;
+        }
     }
     checkDuplicates();
     setFinishMessage(ProgressText);
@@ -66,9 +70,10 @@ void Window1::doCSVFile(const Ref<FolderItem>& f)
     rCounter = 0;
     const Ref<TextInputStream> stream = f->OpenAsTextFile();
     scanToList(*stream, Counting::On);
-    enableButtonsBehindScan();
+    enableButtonsAfterScan();
     results.setVisible(true);
-    // That nothing was found stands where the total would stand, unlike behind a text file.
+    account.read(f->NativePath(), FileReader::Delimited);
+    // That nothing was found stands where the total would stand, unlike after a text file.
     setFinishMessage(rCounter > 0 ? ProgressText : results);
     stream->Close();
     checkDuplicates();
@@ -83,8 +88,13 @@ void Window1::doCSVFolder(const Ref<FolderItem>& f)
         return;
     const Ref<TextInputStream> stream = file->OpenAsTextFile();
     scanToList(*stream, Counting::Off);
-    enableButtonsBehindScan();
-    // Ahead of the removal, so this total counts the duplicates, too.
+    if (!stream) {
+        // Never seen: reading from no stream has ended the handler before.
+        MsgBox("Could not open " + displayPath(f->Name()) + ".");
+        return;
+    }
+    enableButtonsAfterScan();
+    // Before the removal, so this total counts the duplicates, too.
     setTotalLabel();
     stream->Close();
     checkDuplicates();

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Window1.h"
 
+#include "batch/readerRules.h"
 #include "framework/documents/WordFileMBS.h"
 #include "framework/files/BinaryStream.h"
 #include "framework/files/displayName.h"
@@ -32,7 +33,8 @@ void Window1::doWord(const Ref<FolderItem>& f)
     const Ref<WordFileMBS> document = openDocument(*file, *stream);
     TextField1.setText(document->Text());
     addMatchesToList(TextField1.Text(), Counting::On);
-    enableButtonsBehindScan();
+    account.read(f->NativePath(), FileReader::Word);
+    enableButtonsAfterScan();
     setFinishMessage(ProgressText);
     stream->Close();
     checkDuplicates();
@@ -46,11 +48,12 @@ void Window1::doWordFolder(const Ref<FolderItem>& f)
     const Ref<WordFileMBS> document = openDocument(*file, *stream);
     TextField1.setText(document->Text());
     addMatchesToList(TextField1.Text(), Counting::Off);
-    enableButtonsBehindScan();
-    // Told by the rows, ahead of the removal, and in words of its own.
+    enableButtonsAfterScan();
+    // Told by the rows, before the removal, and in words of its own.
     const std::size_t rows = Listbox1.ListCount();
     results.setText(rows > 0 ? Str(rows) + " Entries" : "No email addresses detected.");
-    results.setVisible(true);
+    if (rows > 0)
+        results.setVisible(true);
     filterBtn.setEnabled(rows > 0);
     clearBtn.setEnabled(rows > 0);
     stream->Close();

@@ -9,8 +9,8 @@ cmake_minimum_required(VERSION 3.25)
 # headers, "std" (the C++ library), "system" (POSIX), "libraries" (all else). Own headers are always open.
 set(arrows
     "main:      app framework std"
-    "app:       readers batch filter search export scan framework std"
-    "readers:   app scan framework std"
+    "app:       batch/SearchRun.h filter/filterWIn.h search/searchWin.h scan framework std"
+    "readers:   app scan framework std batch/readerRules.h"
     "batch:     app scan framework std"
     "filter:    app scan framework std"
     "search:    app scan framework std filter/filterWIn.h"

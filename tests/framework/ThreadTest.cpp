@@ -81,7 +81,7 @@ TEST(ThreadTest, whatTheBodyThrowsEndsTheBodyAlone)
                     throw std::bad_alloc();
                 throw IOException("the reason");
             };
-            desktop.willReport({ ofMemory ? "memory" : "the reason", "Worker_Run" });
+            desktop.willReport({ ofMemory ? "memory" : "the reason" });
             thread.Run();
             log += thread.isRunning() ? "still running" : "goes on,";
         }

@@ -2,10 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
+#include "batch/readerRules.h"
+#include "framework/controls/RowStore.h"
+#include "support/FailingReads.h"
+
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <random>
 
 namespace quilvane {
 
@@ -76,6 +81,37 @@ TEST_F(BatchTest, whichFilesAreReadDependsOnWhereTheyLie)
         searchFolder(above.path());
         EXPECT_EQ(window().rCounter, c.matchesBelow) << "below";
     }
+}
+
+TEST_F(BatchTest, whatReadsAFileIsToldByItsName)
+{
+    using enum FileReader;
+    using Readers = std::vector<FileReader>;
+    struct Case {
+        const char* name;
+        Readers picked; // by the whole name
+        Readers dropped; // by the whole name, and a dot stands for any character
+    };
+    const Case cases[] = {
+        { "report.PDF", { PDF }, { PDF } },
+        { "letter.docx", { Word }, { Word } },
+        { "notes.doc.txt", { Word }, { Word, Text } },
+        { "archive.pdf.csv", { PDF }, { Delimited } },
+        { "mydoc.txt", { Text }, { Word, Text } },
+        { "a.txt.csv", { Delimited }, { Delimited } },
+        { "mytxt.rtf", {}, { Text } },
+        { "data.tsv", {}, {} },
+        { "txt", {}, {} },
+    };
+    for (const auto& [name, picked, dropped] : cases) {
+        EXPECT_EQ(readersFor(searchFileReaders, name), picked) << name;
+        EXPECT_EQ(readersFor(droppedFileReaders, name), dropped) << name;
+    }
+    EXPECT_EQ(readersFor(workerReaders, ".pdf"), Readers{ PDF });
+    EXPECT_EQ(readersFor(walkReaders, ".pdf"), Readers{});
+    EXPECT_EQ(readersFor(workerReaders, ".doc"), Readers{ Word });
+    EXPECT_EQ(readersFor(walkReaders, ".doc"), Readers{}) << "the dot of .docx stands for one character";
+    EXPECT_EQ(readersFor(walkReaders, ".txtdocx"), (Readers{ Text, Word }));
 }
 
 TEST_F(BatchTest, searchFolderReadsTheWholeTree)
@@ -229,6 +265,177 @@ TEST_F(BatchTest, dropsOfFilesAndFolders)
     EXPECT_EQ(window().rCounter, 4) << "the second folder's run reads the first one's file again";
     EXPECT_FALSE(window().Timer1.Enabled());
     EXPECT_TRUE(window().searchStop.Enabled());
+}
+
+TEST_F(BatchTest, whatAFailedSearchHasFoundStands)
+{
+    const TempFolder tree;
+    tree.write("one.txt", "a@y.org A@y.org logo@2x.png");
+    tree.write("below/broken.csv", std::string(300'000, ' ') + "b@y.org " + std::string(300'000, ' '));
+    const FailingReads broken("broken", 400'000);
+    const std::vector<std::string> reason{ "broken.csv", "Input/output error" };
+    const Rows expected{ "a@y.org" };
+    const auto willReport = [&](const char* words) { desktop.willReport({ reason[0], reason[1], words }); };
+
+    desktop.willSelect(tree.path());
+    willReport("The search of the folder has ended here. What it had found is in the list: 1 new address.");
+    window().importFolderBtn.Push();
+    EXPECT_EQ(rows(), expected);
+    EXPECT_TRUE(window().exportBtn.Enabled());
+    EXPECT_TRUE(window().resultArray.empty());
+    EXPECT_EQ(window().rCounter, 3) << "of a file that can't be read to its end nothing is counted";
+    willReport(
+        "The search of what you dropped has ended here. All that it had found was in the list already.");
+    drop({ tree.path() });
+    EXPECT_EQ(rows(), expected);
+
+    desktop.willOpen(tree / "below/broken.csv");
+    willReport("The search of this file has ended here.");
+    window().importBtn1.Push();
+    EXPECT_EQ(rows(), expected);
+    EXPECT_EQ(window().rCounter, 0);
+
+    // What ends the worker does not end the walk.
+    tree.write("below/deeper/c.txt", "c@y.org");
+    desktop.willSelect(tree / "below");
+    willReport("The search of the folders below goes on.");
+    window().importFolderBtn.Push();
+    EXPECT_EQ(rows(), (Rows{ "a@y.org", "c@y.org" }));
+}
+
+TEST_F(BatchTest, foldersWithoutFilesAreEnteredOnce)
+{
+    // Two links to the next folder in each of forty: a walk that enters all of them takes a lifetime.
+    const TempFolder tree;
+    const std::filesystem::path root = tree.path();
+    for (int i = 0; i < 40; ++i) {
+        const std::string name = "chain/" + std::to_string(i);
+        tree.makeFolder(name);
+        tree.makeFolder("chain/" + std::to_string(i + 1));
+        for (const char* link : { "one", "two" })
+            std::filesystem::create_directory_symlink(
+                root / "chain" / std::to_string(i + 1), root / name / link);
+    }
+    // Every folder has links to all others: each way through them is a different one.
+    for (int i = 0; i < 12; ++i) {
+        for (int j = 0; j < 12; ++j) {
+            tree.makeFolder("web/" + std::to_string(i));
+            if (i != j)
+                std::filesystem::create_directory_symlink(
+                    root / "web" / std::to_string(j), root / "web" / std::to_string(i) / std::to_string(j));
+        }
+    }
+    // A folder that has no file for as long as it is entered from the one to which its link leads.
+    tree.write("sub/with/a.txt", "a@y.org");
+    tree.makeFolder("sub/with/empty");
+    std::filesystem::create_directory_symlink(root / "sub/with", root / "sub/with/empty/up");
+    std::filesystem::create_directory_symlink(root / "sub/with/empty", root / "sub/side");
+    searchFolder(tree.path());
+    EXPECT_EQ(rows(), Rows{ "a@y.org" });
+    EXPECT_EQ(window().rCounter, 2) << "once by its folder, once by the link in the other one";
+}
+
+TEST_F(BatchTest, theFinishLineTellsWhatWasNotRead)
+{
+    const TempFolder tree;
+    tree.write("a.txt", "a@y.org");
+    tree.write("a.txt.csv", "a@y.org"); // listed twice, and one file
+    tree.write("b.pdf", "");
+    for (const char* name : { "c.png", "d.jpg", "e.zip", "f.odt" })
+        tree.write(name, "");
+    tree.write("bad.docx", "no document");
+    tree.write("below/old.doc", "");
+    tree.write("below/g.txt", "");
+    searchFolder(tree.path());
+    const std::string account = window().account.text();
+    for (const char* part :
+        { "Of 10 files 3 were read: 1 delimited, 2 text.", "4 of a kind that is not read (", " and others)",
+            "1 PDF", "(b.pdf)", "(bad.docx)", "(old.doc)" })
+        EXPECT_NE(account.find(part), std::string::npos) << part << " is missing in: " << account;
+    EXPECT_EQ(account.find("reached"), std::string::npos);
+    drop({ tree / "c.png" });
+    EXPECT_NE(window().account.text().find("Of 1 file 0 were read."), std::string::npos)
+        << window().account.text();
+}
+
+/// The rules written out: every row is compared with every other one.
+TEST_F(BatchTest, anyOrderOfOperationsLeavesWhatTheRulesSay)
+{
+    std::mt19937 random(1);
+    const auto below = [&random](std::size_t count) { return random() % count; };
+    const auto anyAddress = [&] {
+        static const char* const names[] = { "a", "A", "b", "B", "c", "xpng" };
+        return std::string(names[below(6)]) + std::to_string(below(30)) + "@Y.org";
+    };
+    const auto equal = [](const std::string& a, const std::string& b) {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+            [](char x, char y) { return std::tolower(x) == std::tolower(y); });
+    };
+    Rows model;
+    Rows staged;
+    const auto check = [&] {
+        Rows left;
+        for (const std::string& row : model) {
+            const bool isKnown = std::any_of(
+                left.begin(), left.end(), [&](const std::string& other) { return equal(row, other); });
+            if (!isKnown && row.find("png") == std::string::npos)
+                left.push_back(row);
+        }
+        model = left;
+    };
+    Window1& w = window();
+    for (int step = 0; step < 3000; ++step) {
+        switch (below(7)) {
+        case 0:
+        case 1:
+            for (std::size_t count = below(20); count > 0; --count) {
+                model.push_back(anyAddress());
+                w.Listbox1.AddRow(model.back());
+            }
+            break;
+        case 2:
+            for (std::size_t count = below(20); count > 0; --count) {
+                staged.push_back(anyAddress());
+                w.resultArray.append(staged.back());
+            }
+            break;
+        case 3: // as the end of a dropped item
+            model.insert(model.end(), staged.begin(), staged.end());
+            w.flushStagedRows();
+            w.checkDuplicates();
+            check();
+            break;
+        case 4:
+            w.checkDuplicates();
+            check();
+            break;
+        case 5: { // as Keep and Remove
+            if (model.empty() || below(3) > 0)
+                break;
+            Rows arranged;
+            for (std::size_t row = model.size(); row-- > 0;) {
+                for (std::size_t times = below(3); times > 0; --times)
+                    arranged.push_back(model[row]);
+            }
+            RowStore rearranged;
+            for (const std::string& row : arranged)
+                rearranged.append(row);
+            w.Listbox1.ReplaceRows(std::move(rearranged));
+            model = arranged;
+            break;
+        }
+        case 6:
+            if (below(4) == 0) {
+                w.clearBtn_Action();
+                model.clear();
+            } else if (below(4) == 0) {
+                w.resultArray.clear();
+                staged.clear();
+            }
+            break;
+        }
+        ASSERT_EQ(rows(), model) << step;
+    }
 }
 
 } // namespace quilvane

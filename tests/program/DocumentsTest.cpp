@@ -34,7 +34,7 @@ TEST_F(DocumentsTest, onlyTheLastPageOfAPdfCounts)
     EXPECT_EQ(rows(), first);
 
     window().Load(1);
-    EXPECT_EQ(*window().searchText, "") << "a page that is loaded drops what was there";
+    EXPECT_EQ(window().searchText, "") << "a page that is loaded drops what was there";
     EXPECT_NE(window().searchText2.find('@'), std::string::npos) << "the first page has addresses, too";
 }
 
@@ -75,7 +75,7 @@ TEST_F(DocumentsTest, wordDocuments)
 
     const std::string path = folder.write("notes.doc.txt", "x@y.org in a text that is no document");
     desktop.willOpen(path);
-    desktop.willReport({ "notes.doc.txt", "no Word document", "importBtn1_Action" });
+    desktop.willReport({ "notes.doc.txt", "no Word document", "The search of this file has ended here." });
     const std::size_t before = rows().size();
     window().importBtn1.Push();
     EXPECT_EQ(rows().size(), before);
@@ -94,13 +94,29 @@ TEST_F(DocumentsTest, unreadableWordFilesOfAFolderGiveTheSampleAddress)
 
 TEST_F(DocumentsTest, aPdfInADroppedFolderFindsWhatTheFileBeforeHasLeft)
 {
-    window().searchText = std::make_shared<const std::string>("left@y.org");
-    window().itemArrayZ = { folder.write("not read.pdf", "") };
-    window().Thread1.Run();
-    EXPECT_EQ(window().resultArray, std::vector<std::string>{ "left@y.org" });
-    window().searchText = std::make_shared<const std::string>();
-    window().Thread1.Run();
-    EXPECT_EQ(window().resultArray.size(), 1U);
+    const TempFolder tree;
+    const std::string pdf = tree.write("where.pdf", "other@y.org");
+    const auto matchesAgain = [&] {
+        window().itemArrayZ = { pdf };
+        const std::int64_t before = window().rCounter;
+        window().resultArray.clear();
+        window().Thread1.Run();
+        return std::pair(window().rCounter - before, window().resultArray.size());
+    };
+    using Matches = std::pair<std::int64_t, std::size_t>;
+    window().searchText = "left@y.org";
+    EXPECT_EQ(matchesAgain(), Matches(1, 1)) << "a page of doPDF's";
+    EXPECT_EQ(window().resultArray[0], "left@y.org");
+    EXPECT_EQ(matchesAgain(), Matches(1, 1)) << "and once more";
+
+    window().doTextThread(GetFolderItem(tree.write("two.txt", "a@y.org a@y.org b@y.org")));
+    EXPECT_EQ(matchesAgain(), Matches(3, 3));
+    window().doTextThread(GetFolderItem(tree.makeFolder("folder.txt")));
+    EXPECT_EQ(matchesAgain(), Matches(0, 0)) << "a text file that can't be opened leaves nothing";
+    window().doWordFolderThread(GetFolderItem(tree.write("bad.docx", "no document")));
+    EXPECT_EQ(matchesAgain(), Matches(1, 1));
+    window().Canvas1.Drop(DragItem({}));
+    EXPECT_EQ(matchesAgain(), Matches(0, 0)) << "a drop begins anew";
 }
 
 } // namespace quilvane

@@ -53,7 +53,7 @@ TEST_F(ExportTest, cancelIsSilentInOneFormatOnly)
 TEST_F(ExportTest, emptyListFailsBeforeTheDialog)
 {
     window().exportBtn.setEnabled(true);
-    desktop.willReport({ "list row", "exportBtn_Action" });
+    desktop.willReport({ "nothing to export", "The export has ended here." });
     window().exportBtn.Push();
 }
 

@@ -78,7 +78,7 @@ TEST_F(FilterTest, keepAndRemoveByTheirOwnRules)
         EXPECT_EQ(press(&F::removeBtn, c.rows, c.boxes, c.text), c.left);
     }
     EXPECT_EQ(press(&F::keepBtn, { "no domain.gov" }, { &F::checkGov }), Rows{ "no domain.gov" });
-    desktop.willReport({ "part of a row", "keepBtn_Action" });
+    desktop.willReport({ "part of a row", "The list is as it was." });
     EXPECT_EQ(press(&F::keepBtn, { "no domain" }, { &F::checkCom }), Rows{ "no domain" });
 }
 
@@ -129,14 +129,14 @@ TEST_F(FilterTest, badPatternsAreReportedAndTheListStandsAsFarAsTheFiltersGot)
     filterWIn& dialog = implicit<filterWIn>();
     for (const char* bad : { "[", "(a+)+$(" }) {
         dialog.check1Field.setText(bad);
-        desktop.willReport({ bad, "keepBtn_Action" });
+        desktop.willReport({ bad, "The list is as it was." });
         dialog.keepBtn.Push();
     }
     EXPECT_EQ(rows(), all);
     EXPECT_TRUE(isOpen<filterWIn>());
 
     dialog.checkOrg.setValue(true);
-    desktop.willReport({ "removeBtn_Action" });
+    desktop.willReport({ "What the boxes before it have removed is gone." });
     dialog.removeBtn.Push();
     EXPECT_EQ(rows(), Rows{ "a@x.com" }) << "the filter before the bad one had removed its row";
 

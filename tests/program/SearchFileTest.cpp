@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
-#include "readers/fileKind.h"
-
 namespace quilvane {
 
 namespace {
@@ -18,23 +16,6 @@ using Rows = std::vector<std::string>;
 } // namespace
 
 using SearchFileTest = ProgramTest;
-
-TEST_F(SearchFileTest, kindsOfFilesByName)
-{
-    const std::pair<const char*, FileKind> cases[] = {
-        { "report.PDF", FileKind::PDF },
-        { "letter.docx", FileKind::Word },
-        { "notes.doc.txt", FileKind::Word },
-        { "archive.pdf.csv", FileKind::PDF },
-        { "mydoc.txt", FileKind::Text },
-        { "a.txt.csv", FileKind::Delimited },
-        { "notes.txt.bak", FileKind::Text },
-        { "data.tsv", FileKind::Other },
-        { "txt", FileKind::Other },
-    };
-    for (const auto& [name, kind] : cases)
-        EXPECT_EQ(fileKind(name), kind) << name;
-}
 
 TEST_F(SearchFileTest, endStates)
 {
@@ -122,7 +103,8 @@ TEST_F(SearchFileTest, failuresAreReportedAndLoseNothing)
 {
     addRows({ "a@b.co" });
     desktop.willOpen(folder / "gone.txt");
-    desktop.willReport({ "gone.txt", "No such file or directory", "importBtn1_Action" });
+    desktop.willReport(
+        { "gone.txt", "No such file or directory", "The search of this file has ended here." });
     window().importBtn1.Push();
     EXPECT_EQ(rows(), Rows{ "a@b.co" });
     EXPECT_TRUE(window().Timer1.Enabled()) << "the rest of the handler did not run";

@@ -90,7 +90,7 @@ TEST_F(SearchTest, resultsLiveByThemselves)
     EXPECT_TRUE(rowsOf(second.Listbox1).empty());
     EXPECT_FALSE(second.exportBtn.Enabled());
     EXPECT_FALSE(second.results.Visible());
-    desktop.willReport({ "list row", "exportTabDelimited_Action" });
+    desktop.willReport({ "nothing to export", "The export has ended here." });
     second.exportTabDelimited.Push();
     second.searchBtn.Push();
     EXPECT_TRUE(isOpen<searchWin>());
@@ -114,7 +114,7 @@ TEST_F(SearchTest, badKeywordLeavesAnEmptyResultWindow)
 {
     addRows({ "a@x.com" });
     implicit<searchWin>().searchField.setText("[");
-    desktop.willReport({ "[", "searchBtn_Action" });
+    desktop.willReport({ "[", "The search of the list has ended here." });
     implicit<searchWin>().searchBtn.Push();
     ASSERT_EQ(resultWindows().size(), 1U);
     EXPECT_FALSE(resultWindows().front()->results.Visible());

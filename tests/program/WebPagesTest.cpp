@@ -125,7 +125,8 @@ TEST_F(WebPagesTest, failuresLeaveTheAddress)
     for (const std::string url : { "https://127.0.0.1:1/a", " ", "https://" }) {
         w.rCounter = 5;
         w.exportBtn.setEnabled(false);
-        desktop.willReport({ '"' + url + '"', "could not be loaded", "importBtn_Action" });
+        desktop.willReport(
+            { '"' + url + '"', "could not be loaded", "The search of the web page has ended here." });
         search(url);
         EXPECT_EQ(w.urlField.Text(), url);
         EXPECT_EQ(w.results.Text(), "");

@@ -56,6 +56,14 @@ void RectControl::setAccessibleName(std::string_view name)
         m_native->widget->setAccessibleName(toQt(name));
 }
 
+void RectControl::setHelpText(std::string_view text)
+{
+    if (!m_native->widget)
+        return;
+    m_native->widget->setToolTip(toQt(text));
+    m_native->widget->setAccessibleDescription(toQt(text));
+}
+
 void RectControl::place(const ControlRow& row)
 {
     m_left = row.left;

@@ -69,6 +69,9 @@ public:
     /// What a screen reader says for a control that shows no text of its own.
     void setAccessibleName(std::string_view name);
 
+    /// What the control shows under the pointer, and what a screen reader can tell of it besides its name.
+    void setHelpText(std::string_view text);
+
     /// Gives the control its place and its widget. Once, by the window.
     void place(const ControlRow& row);
 

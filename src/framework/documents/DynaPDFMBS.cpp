@@ -54,7 +54,8 @@ int DynaPDFMBS::OpenImportFile(const FolderItem& file, int, const std::string& p
     closeDocument();
     m_fileName = displayPath(file.Name());
     std::string whyNot;
-    const InputFile document = InputFile::open(file, InputFile::Access::Read, InputFile::NotRegular::Refused, whyNot);
+    const InputFile document
+        = InputFile::open(file, InputFile::Access::Read, InputFile::NotRegular::Refused, whyNot);
     if (!document.isOpen()) {
         fail(fileNotOpened, whyNot);
         return failed;

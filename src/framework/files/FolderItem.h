@@ -5,6 +5,7 @@
 #include "framework/Ref.h"
 #include "framework/files/OpenedFile.h"
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -47,7 +48,7 @@ public:
     struct Identity {
         std::uint64_t device = 0;
         std::uint64_t number = 0;
-        bool operator==(const Identity&) const = default;
+        auto operator<=>(const Identity&) const = default;
     };
     Identity identity() const;
 

@@ -1,0 +1,85 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "batch/RunAccount.h"
+#include "batch/StagedRows.h"
+#include "framework/Ref.h"
+#include "framework/controls/RowStore.h"
+#include "framework/files/FolderItem.h"
+#include "framework/files/TextInputStream.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quilvane {
+
+enum class FileReader;
+struct ReaderRule;
+
+/// What a search of folders or dropped items works with, and the readers of its files. The main window is
+/// one; but nothing here can reach a control: the worker runs these readers, and it may touch none.
+///
+/// Its life: a handler empties the arrays, lists files and folders in them, has the files read one by one,
+/// and flushes resultArray into the list. Most fields keep their last values until the next run.
+class SearchRun {
+public:
+    std::int64_t nextOne = 0; // how far the run is, in 65536ths and a little more; nobody looks at it
+    std::string myProgressText; // what Timer1 copies to ProgressText
+    std::vector<std::string> itemArrayZ; // native paths of the files that the worker reads
+    std::vector<std::string> subFolderArrayZ; // native paths of the folders in the searched one
+    std::string searchText; // the text of a PDF page that is still to be scanned
+    std::string searchText2; // the PDF page loaded last
+    StagedRows resultArray; // addresses found that are not yet rows
+    bool stopSwitch = false; // the user asked to stop
+    Ref<FolderItem> myFile; // the dropped item in hand; stays from drop to drop
+    std::int64_t counter = 0; // the index in itemArrayZ of the file in hand
+    std::string currentFile; // its path, or, once doTextThread reads it, its name
+    std::int64_t rCounter = 0; // matches of the run, duplicates included
+    RunAccount account; // what was read and what was not
+
+    /// Reads a text file. One that can't be opened is passed over without a word.
+    void doTextThread(const Ref<FolderItem>& f);
+    /// Reads a delimited file. `opened` is the stream with which the caller has seen that it can be opened.
+    void doCSVFolderThread(const Ref<FolderItem>& f, const Ref<TextInputStream>& opened);
+    /// Reads a Word file; finds a sample address in one that can't be read, so that the user sees that there
+    /// was one. Passes over the lock file of a document that is open elsewhere.
+    void doWordFolderThread(const Ref<FolderItem>& f);
+    /// Stages the addresses of the text that was read last, whoever has read it, and counts them once more.
+    void doPDFCheckThread();
+
+protected:
+    /// Forgets the text that doPDFCheckThread would scan.
+    void forgetText();
+    /// Notes that a folder's listing has met a file; `rules` say what reads it if it is listed to be read.
+    void accountFor(const FolderItem& file, bool isListed, std::span<const ReaderRule> rules);
+    /// Notes a file that is picked or dropped itself.
+    void accountForSingle(const FolderItem& file, std::span<const FileReader> readers);
+    /// Notes a folder of which not all children could be listed.
+    void accountForFolder(const FolderItem& folder);
+    /// Reads `f` with one of the readers above.
+    void readStaged(FileReader reader, const Ref<FolderItem>& f);
+    /// The file in itemArrayZ that the run has come to, with all that is told of it.
+    void tellItem(std::size_t i, const FolderItem& f);
+
+private:
+    class Staging;
+    void stageText(std::string_view text);
+    void stageStream(TextInputStream& stream);
+
+    // What doPDFCheckThread would find in the text that was scanned last.
+    RowStore m_lastMatches;
+    std::int64_t m_lastMatchCount = 0;
+};
+
+/// Hands the rest of a stream over in pieces, each of which may be scanned on its own. The file is read in
+/// pieces since whole in memory it would take longer to page in than to scan. Throws what the stream and
+/// `take` throw, and OutOfMemoryException for a word that does not end.
+void readInPieces(TextInputStream& stream, const std::function<void(std::string_view)>& take);
+
+} // namespace quilvane
