@@ -63,9 +63,8 @@ Window2& searchWin::showMatches()
     expression.setSearchPattern(searchField.Text());
     const std::vector<std::size_t> matches = mainList.RowsMatching(expression, keepWindowPainted);
     // Only now: of a search that fails half-way nothing is shown.
-    for (const std::size_t row : matches) {
+    for (const std::size_t row : matches)
         found.Listbox1.AddRow(mainList.Row(row));
-    }
     return found;
 }
 
