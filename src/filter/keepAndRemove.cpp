@@ -35,16 +35,17 @@ void runFilters(
     }
 }
 
-void finish(Window1& main)
+void disableButtonsOverEmptyList(Window1& main)
 {
-    const std::size_t rows = main.Listbox1.ListCount();
-    main.results.setText(Str(rows) + " Entries");
-    if (rows == 0) {
-        for (PushButton* button :
-            { &main.filterBtn, &main.searchBtn, &main.exportBtn, &main.exportTabDelimited })
-            button->setEnabled(false);
-    }
-    main.ProgressText.setText("");
+    if (main.Listbox1.ListCount() > 0)
+        return;
+    for (PushButton* button : { &main.filterBtn, &main.searchBtn, &main.exportBtn, &main.exportTabDelimited })
+        button->setEnabled(false);
+}
+
+void showCount(Window1& main)
+{
+    main.results.setText(Str(main.Listbox1.ListCount()) + " Entries");
 }
 
 } // namespace
@@ -64,7 +65,9 @@ void filterWIn::keepBtn_Action()
             kept.append(rows[row]);
     });
     main.Listbox1.ReplaceRows(std::move(kept));
-    finish(main);
+    showCount(main);
+    disableButtonsOverEmptyList(main);
+    main.ProgressText.setText("");
     Close();
 }
 
@@ -87,7 +90,9 @@ void filterWIn::removeBtn_Action()
     main.Listbox1.RetainRows(0, stays);
     if (failure)
         std::rethrow_exception(failure);
-    finish(main);
+    disableButtonsOverEmptyList(main);
+    showCount(main);
+    main.ProgressText.setText("");
     Close();
 }
 

@@ -59,10 +59,11 @@ void searchWin::Layout()
 
 Window2& searchWin::showMatches()
 {
-    const RowStore& rows = implicit<Window1>().Listbox1.Rows();
     Window2& found = openWindow<Window2>();
+    const RowStore& rows = implicit<Window1>().Listbox1.Rows();
     RegEx expression;
     expression.setSearchPattern(searchField.Text());
+    expression.matches({}); // so that a keyword that is no pattern is told over an empty list, too
     RowStore matches;
     std::vector<std::size_t> matchesInBlock;
     constexpr std::size_t rowsPerBlock = 1024;
@@ -98,6 +99,8 @@ void searchWin::searchAction()
     Window2& found = showMatches();
     found.results.setText(Str(found.Listbox1.ListCount()) + " Entries"); // no singular here
     found.results.setVisible(true);
+    if (implicit<Window1>().Listbox1.ListCount() == 0)
+        found.filterBtn.setEnabled(false); // and on again below
     Close();
     // The exports as well, over an empty list, too.
     for (PushButton* button : { &found.clearBtn, &found.closeBtn, &found.searchBtn, &found.exportTabDelimited,
