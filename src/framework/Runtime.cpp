@@ -4,6 +4,7 @@
 
 #include "framework/EventGuard.h"
 #include "framework/internal/ColorScheme.h"
+#include "framework/internal/editCommands.h"
 #include "framework/internal/qtText.h"
 #include "framework/threads/Thread.h"
 
@@ -75,6 +76,7 @@ Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
     QFont font = QApplication::font();
     font.setPixelSize(textSize);
     QApplication::setFont(font);
+    followFocus();
     setUncaughtThreadHandler(reportFromThread);
     // A write past the user's limit on file sizes shall fail with a reason and not end the program.
     std::signal(SIGXFSZ, SIG_IGN);
