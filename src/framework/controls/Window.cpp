@@ -17,7 +17,9 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace quilvane {
 
@@ -51,6 +53,9 @@ protected:
 private:
     Window& m_window;
 };
+
+/// Where the last open window stood when it closed, for the one that comes after it.
+std::optional<QPoint> placeOfLastWindow;
 
 constexpr int smallestSide = 64;
 constexpr int largestSide = 32000;
@@ -149,8 +154,8 @@ void Window::setProperties(const WindowProperties& properties)
     flags.setFlag(Qt::WindowMaximizeButtonHint, properties.maximizeButton);
     frame.setWindowFlags(flags);
 
-    if (properties.menuBar)
-        properties.menuBar->attachTo(*this);
+    MenuBar& bar = properties.menuBar ? *properties.menuBar : Application::instance().menuBar();
+    bar.attachTo(*this);
     setSize(properties.width, properties.height);
     if (properties.resizable) {
         frame.setMinimumSize(smallestSide, smallestSide);
@@ -192,11 +197,26 @@ void Window::add(RectControl& control)
 void Window::runOpening()
 {
     Layout();
+    if (const auto place = std::exchange(placeOfLastWindow, std::nullopt))
+        m_native->frame->move(*place);
     if (m_visibleAtStart)
-        Show();
+        showAtStart();
     for (RectControl* each : m_controls)
         each->opened();
     runGuarded("Event_Open of " + Title(), [this] { Event_Open(); });
+}
+
+void Window::showAtStart()
+{
+    if (handlerDepth() == 0) {
+        Show();
+        return;
+    }
+    // Once the event loop runs: a window that the handler closes again never reaches the screen.
+    QTimer::singleShot(0, m_native->frame.get(), [this] {
+        if (!m_closed && !m_native->frame->isVisible())
+            Show();
+    });
 }
 
 WindowList& WindowList::instance()
@@ -249,6 +269,8 @@ void WindowList::closed(Window& window)
         return;
     m_closed.push_back(std::move(entry->window));
     m_open.erase(entry);
+    if (m_open.empty())
+        placeOfLastWindow = window.native().frame->pos();
     deleteClosedSoon();
     Application::instance().windowClosed();
 }

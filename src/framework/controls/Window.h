@@ -20,7 +20,7 @@ class PushButton;
 struct WindowProperties {
     std::string_view title;
     int width, height;
-    MenuBar* menuBar = nullptr;
+    MenuBar* menuBar = nullptr; // none of its own: the application's
     bool minimizeButton = false;
     bool maximizeButton = false;
     bool resizable = false;
@@ -81,6 +81,7 @@ private:
 
     void add(RectControl& control);
     void runOpening();
+    void showAtStart();
 
     std::unique_ptr<Native> m_native;
     std::vector<RectControl*> m_controls; // in the order of their creation; they are members of the window
