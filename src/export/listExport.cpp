@@ -28,8 +28,8 @@ std::string exportText(const Listbox& list, ExportFormat format)
 void exportList(const Listbox& list, ExportFormat format, OnCancel onCancel)
 {
     const std::string text = exportText(list, format);
-    const Ref<FolderItem> file
-        = GetSaveFolderItem("TEXT", format == ExportFormat::CSV ? "email_list.csv" : "email_list.txt");
+    const Ref<FolderItem> file = GetSaveFolderItem(
+        "TEXT", format == ExportFormat::CSV ? "email_list.csv" : "email_list.txt", "Export");
     if (!file) {
         // It blames a write that never began; users know the words.
         if (onCancel == OnCancel::ShowMessage)

@@ -4,6 +4,7 @@
 
 #include "framework/EventGuard.h"
 #include "framework/internal/ColorScheme.h"
+#include "framework/internal/FilePortal.h"
 #include "framework/internal/editCommands.h"
 #include "framework/internal/qtText.h"
 #include "framework/threads/Thread.h"
@@ -13,6 +14,7 @@
 #include <QIcon>
 #include <QPainter>
 #include <QPixmap>
+#include <QSettings>
 #include <QStyleFactory>
 #include <QSvgRenderer>
 
@@ -59,6 +61,7 @@ struct Runtime::Native {
     {
     }
 
+    FilePortal filePortal;
     QApplication application;
     ColorScheme colorScheme{ QDBusConnection::sessionBus() };
 };
@@ -66,6 +69,9 @@ struct Runtime::Native {
 Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
     : m_native(std::make_unique<Native>(argc, argv))
 {
+    FilePortal::applicationIsMade();
+    // The toolkit's file dialog would leave a file of its own, QtProject.conf, in the user's configuration.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null");
     // Not the display name: Qt would append that to the title of every window.
     QApplication::setApplicationName(toQt(applicationName));
     // Closing the last window does not end the program; its File menu does.
