@@ -10,7 +10,6 @@
 #include "framework/threads/Thread.h"
 
 #include <QApplication>
-#include <QFont>
 #include <QIcon>
 #include <QPainter>
 #include <QPixmap>
@@ -23,8 +22,6 @@
 namespace quilvane {
 
 namespace {
-
-constexpr int textSize = 13; // logical pixels
 
 /// In the sizes that title bars and panels show. Drawn here, since a desktop that does not know the program's
 /// entry, as when it is not installed, takes the windows' own icon.
@@ -79,9 +76,6 @@ Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
     // The windows' tables give places in pixels, so every desktop gets the style whose controls fit them.
     // Colours are the desktop's own.
     QApplication::setStyle(QStyleFactory::create("Fusion"));
-    QFont font = QApplication::font();
-    font.setPixelSize(textSize);
-    QApplication::setFont(font);
     followFocus();
     setUncaughtThreadHandler(reportFromThread);
     // A write past the user's limit on file sizes shall fail with a reason and not end the program.

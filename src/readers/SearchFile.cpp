@@ -14,7 +14,7 @@ namespace {
 
 // What fileKind tells from a name, wherever it stands there; .doc as in .docx.
 constexpr std::string_view marks[] = { ".csv", ".txt", ".doc", ".pdf" };
-constexpr OfferedFiles offered{ "Text, comma-delimited, Word and PDF files", marks };
+constexpr OfferedFiles offered{ "Text, CSV, Word and PDF files", marks };
 
 } // namespace
 

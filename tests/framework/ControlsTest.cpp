@@ -332,6 +332,36 @@ TEST_F(ControlsTest, labelStaysReadableOnDark)
     EXPECT_EQ(label->text(), QString::fromUtf8("<b>a</b>\u21b5b"));
 }
 
+TEST_F(ControlsTest, labelFitsItsTextIntoTheRoom)
+{
+    const auto* label = TestWindow::widget<QLabel>("label");
+    const int full = label->font().pixelSize();
+    const QRect place(0, 270, 100, 20);
+
+    window->label.setText("short text");
+    EXPECT_EQ(label->font().pixelSize(), full);
+    window->label.setText("a text of some length");
+    EXPECT_LT(label->font().pixelSize(), full);
+    EXPECT_LE(label->sizeHint().width(), 100);
+    EXPECT_EQ(label->toolTip(), "");
+
+    const std::string longer = "a text much too long <b>";
+    window->label.setText(longer + " for one line");
+    EXPECT_LE(label->sizeHint().width(), 100);
+    EXPECT_TRUE(label->text().contains(QChar(0x2026)));
+    EXPECT_EQ(label->accessibleName(), "a text much too long <b> for one line");
+    EXPECT_TRUE(label->toolTip().contains("&lt;b&gt;")) << label->toolTip().toStdString();
+    EXPECT_EQ(label->geometry(), place);
+
+    window->label.setRoom(90, 30);
+    EXPECT_EQ(label->geometry(), QRect(0, 240, 90, 50));
+    EXPECT_EQ(label->text(), "a text much too long <b> for one line");
+    EXPECT_EQ(label->toolTip(), "");
+    window->label.setText("short");
+    EXPECT_EQ(label->geometry(), QRect(0, 270, 90, 20));
+    EXPECT_EQ(label->font().pixelSize(), full);
+}
+
 TEST_F(ControlsTest, aWindowMayCloseItselfAndGoOn)
 {
     window->parked.Action = [&] {

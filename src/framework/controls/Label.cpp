@@ -3,11 +3,13 @@
 #include "framework/controls/Label.h"
 
 #include "framework/internal/Native.h"
+#include "framework/internal/WindowNative.h"
 #include "framework/internal/fitText.h"
 #include "framework/internal/qtText.h"
 
 #include <QEvent>
 #include <QLabel>
+#include <QTextDocument>
 
 #include <algorithm>
 #include <cmath>
@@ -107,9 +109,10 @@ Label::Label(Window& window, std::string_view name)
 
 void Label::setText(std::string_view text)
 {
+    if (text == m_text)
+        return;
     m_text = text;
-    if (auto* label = widgetOf(*this))
-        label->setText(label->wordWrap() ? toQt(text) : withVisibleLineEnds(text));
+    fit();
 }
 
 void Label::setTextColor(std::uint32_t rgb)
@@ -120,11 +123,15 @@ void Label::setTextColor(std::uint32_t rgb)
 
 void Label::setTextSize(int pixels)
 {
-    if (auto* label = widgetOf(*this)) {
-        QFont font = label->font();
-        font.setPixelSize(pixels);
-        label->setFont(font);
-    }
+    m_textSize = pixels;
+    fit();
+}
+
+void Label::setRoom(int width, int above)
+{
+    m_roomWidth = width;
+    m_roomAbove = above;
+    fit();
 }
 
 void Label::setCentred()
@@ -135,28 +142,62 @@ void Label::setCentred()
 
 void Label::setMultiline()
 {
-    if (auto* label = widgetOf(*this)) {
-        label->setWordWrap(true);
-        label->setFont(label->parentWidget()->font()); // lines are broken instead of set smaller
+    m_multiline = true;
+    if (auto* label = widgetOf(*this))
         label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-        label->setText(toQt(m_text));
-    }
+    fit();
 }
 
 void Label::makeWidget(Native& native)
 {
     auto* label = new LabelWidget(native.content);
     label->setTextFormat(Qt::PlainText);
-    // A label that lies over a picture lets drops and clicks through to it.
-    label->setAttribute(Qt::WA_TransparentForMouseEvents);
     native.widget = label;
 }
 
 void Label::setTableCaption(std::string_view caption)
 {
     setText(caption);
-    if (auto* label = widgetOf(*this))
-        fitText(*label, label->text(), 0);
+}
+
+void Label::fit()
+{
+    auto* label = widgetOf(*this);
+    if (!label)
+        return;
+    const Window::Native& frame = window().native();
+    const int width = m_roomWidth > 0 ? m_roomWidth : Width();
+    const QRect line = frame.scaled(QRect(Left(), Top(), width, Height()));
+    const QRect lines = frame.scaled(QRect(Left(), Top() - m_roomAbove, width, Height() + m_roomAbove));
+    const QString text = m_multiline ? toQt(m_text) : withVisibleLineEnds(m_text);
+    QFont font = label->parentWidget()->font();
+    if (m_textSize > 0)
+        font.setPixelSize(frame.scaled(m_textSize));
+
+    bool broken = m_multiline;
+    const auto fits = [&] {
+        const QFontMetrics metrics(font);
+        broken = m_multiline || (m_roomAbove > 0 && metrics.horizontalAdvance(text) > line.width());
+        if (!broken)
+            return metrics.horizontalAdvance(text) <= line.width();
+        const QRect needed = metrics.boundingRect(QRect(QPoint(), lines.size()), Qt::TextWordWrap, text);
+        return needed.width() <= lines.width() && needed.height() <= lines.height();
+    };
+    while (!fits() && font.pixelSize() > smallestTextSize)
+        font.setPixelSize(font.pixelSize() - 1);
+    const bool cut = !fits();
+    if (cut)
+        broken = m_multiline;
+
+    label->setGeometry(broken ? lines : line);
+    label->setFont(font);
+    label->setWordWrap(broken);
+    label->setText(
+        cut && !broken ? QFontMetrics(font).elidedText(text, Qt::ElideMiddle, line.width()) : text);
+    label->setToolTip(cut ? Qt::convertFromPlainText(text) : QString());
+    label->setAccessibleName(cut ? text : QString());
+    // A label that lies over a picture lets drops and clicks through to it, and would not show a tooltip.
+    label->setAttribute(Qt::WA_TransparentForMouseEvents, !cut);
 }
 
 } // namespace quilvane

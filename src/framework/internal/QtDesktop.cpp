@@ -4,6 +4,7 @@
 
 #include "framework/internal/FilePortal.h"
 #include "framework/internal/qtText.h"
+#include "framework/internal/windowScale.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -13,6 +14,7 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -63,6 +65,7 @@ void useDesktopsOwnIfThere(QFileDialog& dialog, int portalVersion)
 
 std::optional<std::string> choice(QFileDialog& dialog)
 {
+    dialog.resize(dialog.sizeHint().boundedTo(roomOnScreen(*dialog.screen())));
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;
     return QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString();
