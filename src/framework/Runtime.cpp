@@ -5,6 +5,7 @@
 #include "framework/EventGuard.h"
 #include "framework/internal/ColorScheme.h"
 #include "framework/internal/FilePortal.h"
+#include "framework/internal/ProgramStyle.h"
 #include "framework/internal/editCommands.h"
 #include "framework/internal/qtText.h"
 #include "framework/threads/Thread.h"
@@ -14,7 +15,6 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QSettings>
-#include <QStyleFactory>
 #include <QSvgRenderer>
 
 #include <csignal>
@@ -73,9 +73,8 @@ Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
     QApplication::setApplicationName(toQt(applicationName));
     // Closing the last window does not end the program; its File menu does.
     QApplication::setQuitOnLastWindowClosed(false);
-    // The windows' tables give places in pixels, so every desktop gets the style whose controls fit them.
-    // Colours are the desktop's own.
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    // On every desktop; colours are the desktop's own.
+    QApplication::setStyle(new ProgramStyle);
     followFocus();
     setUncaughtThreadHandler(reportFromThread);
     // A write past the user's limit on file sizes shall fail with a reason and not end the program.

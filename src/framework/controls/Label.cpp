@@ -4,6 +4,7 @@
 
 #include "framework/internal/Native.h"
 #include "framework/internal/WindowNative.h"
+#include "framework/internal/contrast.h"
 #include "framework/internal/fitText.h"
 #include "framework/internal/qtText.h"
 
@@ -11,44 +12,11 @@
 #include <QLabel>
 #include <QTextDocument>
 
-#include <algorithm>
-#include <cmath>
 #include <optional>
 
 namespace quilvane {
 
 namespace {
-
-// Relative luminance and contrast ratio as WCAG 2.1 defines them.
-double luminance(const QColor& color)
-{
-    const auto linear = [](float component) {
-        const auto channel = double(component);
-        return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b)
-{
-    const auto [darker, lighter] = std::minmax({ luminance(a), luminance(b) });
-    return (lighter + 0.05) / (darker + 0.05);
-}
-
-/// The shade of `color` nearest to it that can be read on `background`.
-QColor readableOn(const QColor& background, QColor color)
-{
-    constexpr double leastContrast = 4.5; // WCAG 2.1, level AA
-    constexpr int step = 4;
-    const int direction = luminance(background) < 0.18 ? step : -step;
-    while (contrast(background, color) < leastContrast) {
-        const int lightness = std::clamp(color.lightness() + direction, 0, 255);
-        if (lightness == color.lightness())
-            break;
-        color.setHsl(color.hslHue(), color.hslSaturation(), lightness);
-    }
-    return color;
-}
 
 class LabelWidget : public QLabel {
 public:
@@ -73,7 +41,7 @@ private:
     {
         if (!m_designColor)
             return;
-        const QColor color = readableOn(palette().color(QPalette::Window), *m_designColor);
+        const QColor color = readableOn(palette().color(QPalette::Window), *m_designColor, textContrast);
         // Setting the palette comes back here as a palette change; it ends with the colour already set.
         if (palette().color(QPalette::WindowText) == color)
             return;
