@@ -32,9 +32,15 @@ public:
     }
     ~ChoosingDesktop() override { Desktop::use(nullptr); }
 
-    std::optional<std::string> chooseFileToOpen() override { return std::nullopt; }
-    std::optional<std::string> chooseFileToSave(std::string_view) override { return std::nullopt; }
-    std::optional<std::string> chooseFolder() override { return m_folder; }
+    std::optional<std::string> chooseFileToOpen(std::string_view, const OfferedFiles&) override
+    {
+        return std::nullopt;
+    }
+    std::optional<std::string> chooseFileToSave(std::string_view, std::string_view) override
+    {
+        return std::nullopt;
+    }
+    std::optional<std::string> chooseFolder(std::string_view) override { return m_folder; }
     void showMessage(std::string_view text) override { std::printf("%s\n", std::string(text).c_str()); }
     MessageDialog::Button showDialog(const MessageDialog&) override { return MessageDialog::Button::Action; }
     void showError(std::string_view what, std::string_view) override { showMessage(what); }

@@ -36,12 +36,15 @@ public:
     std::string folderToSearch;
     bool failed = false;
 
-    std::optional<std::string> chooseFileToOpen() override { return nextFileToOpen; }
-    std::optional<std::string> chooseFileToSave(std::string_view defaultName) override
+    std::optional<std::string> chooseFileToOpen(std::string_view, const OfferedFiles&) override
+    {
+        return nextFileToOpen;
+    }
+    std::optional<std::string> chooseFileToSave(std::string_view, std::string_view defaultName) override
     {
         return m_outputFolder + '/' + std::string(defaultName);
     }
-    std::optional<std::string> chooseFolder() override { return folderToSearch; }
+    std::optional<std::string> chooseFolder(std::string_view) override { return folderToSearch; }
     void showMessage(std::string_view text) override { std::cout << "Message: " << text << '\n'; }
     MessageDialog::Button showDialog(const MessageDialog& dialog) override
     {

@@ -58,6 +58,7 @@ void Window1::Layout()
 
     Canvas1.setBackdrop(Quilvane_200());
     results.setTextColor(0x803F02);
+    results.setRoom(224, 17); // up to the export button, and up to the list
     Label1.setTextColor(0x434343);
     Label1.setTextSize(10);
     Label1.setCentred();

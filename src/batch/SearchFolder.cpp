@@ -22,7 +22,7 @@ void Window1::importFolderBtn_Action()
     subFolderArrayZ.clear();
     // rCounter is not reset: the count goes on from the run before.
     Ref<FolderItem> current;
-    if (const Ref<FolderItem> folder = SelectFolder()) {
+    if (const Ref<FolderItem> folder = SelectFolder("Search Folder")) {
         if (folder->Directory() && !classifyChildren(*folder, searchFolderRules, current))
             return;
         startWorker();
@@ -40,7 +40,7 @@ void Window1::importFolderBtn_Action()
 void Window1::PushButton1_Action()
 {
     Ref<FolderItem> current;
-    if (const Ref<FolderItem> folder = SelectFolder()) {
+    if (const Ref<FolderItem> folder = SelectFolder("Search Folder")) {
         if (folder->Directory() && !classifyChildren(*folder, secondEntryRules, current))
             return;
         startWorker();

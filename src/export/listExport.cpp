@@ -41,8 +41,8 @@ void exportList(const Listbox& list, ExportFormat format, OnCancel onCancel)
 {
     if (list.ListCount() == 0)
         throw OutOfBoundsException("There is nothing to export: the list is empty.");
-    const Ref<FolderItem> file
-        = GetSaveFolderItem("TEXT", format == ExportFormat::CSV ? "email_list.csv" : "email_list.txt");
+    const Ref<FolderItem> file = GetSaveFolderItem(
+        "TEXT", format == ExportFormat::CSV ? "email_list.csv" : "email_list.txt", "Export");
     if (!file) {
         // It blames a write that never began; users know the words.
         if (onCancel == OnCancel::ShowMessage)

@@ -87,7 +87,8 @@ int Application::Run(const std::function<void()>& lateStartUp)
 {
     lateStartUp();
     runGuarded("Event_Open", [this] { Event_Open(); });
-    return QApplication::exec();
+    // The program may have been told to quit while a dialog of the start was waiting.
+    return m_quitting ? 0 : QApplication::exec();
 }
 
 void Application::Quit()

@@ -3,15 +3,17 @@
 #include "framework/Runtime.h"
 
 #include "framework/internal/ColorScheme.h"
+#include "framework/internal/FilePortal.h"
+#include "framework/internal/ProgramStyle.h"
 #include "framework/internal/WindowPainter.h"
+#include "framework/internal/editCommands.h"
 #include "framework/internal/qtText.h"
 
 #include <QApplication>
-#include <QFont>
 #include <QIcon>
 #include <QPainter>
 #include <QPixmap>
-#include <QStyleFactory>
+#include <QSettings>
 #include <QSvgRenderer>
 
 #include <csignal>
@@ -19,8 +21,6 @@
 namespace quilvane {
 
 namespace {
-
-constexpr int textSize = 13; // logical pixels
 
 /// In the sizes that title bars and panels show. Drawn here, since a desktop that does not know the program's
 /// entry, as when it is not installed, takes the windows' own icon.
@@ -48,6 +48,7 @@ struct Runtime::Native {
     {
     }
 
+    FilePortal filePortal;
     QApplication application;
     ColorScheme colorScheme{ QDBusConnection::sessionBus() };
     WindowPainter painter;
@@ -56,16 +57,16 @@ struct Runtime::Native {
 Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
     : m_native(std::make_unique<Native>(argc, argv))
 {
+    FilePortal::applicationIsMade();
+    // The toolkit's file dialog would leave a file of its own, QtProject.conf, in the user's configuration.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null");
     // Not the display name: Qt would append that to the title of every window.
     QApplication::setApplicationName(toQt(applicationName));
     // Closing the last window does not end the program; its File menu does.
     QApplication::setQuitOnLastWindowClosed(false);
-    // The windows' tables give places in pixels, so every desktop gets the style whose controls fit them.
-    // Colours are the desktop's own.
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
-    QFont font = QApplication::font();
-    font.setPixelSize(textSize);
-    QApplication::setFont(font);
+    // On every desktop; colours are the desktop's own.
+    QApplication::setStyle(new ProgramStyle);
+    followFocus();
     // A write past the user's limit on file sizes shall fail with a reason and not end the program.
     std::signal(SIGXFSZ, SIG_IGN);
     // So shall one to a connection or a process that has closed.

@@ -11,6 +11,14 @@
 
 namespace quilvane {
 
+namespace {
+
+// What fileKind tells from a name, wherever it stands there; .doc as in .docx.
+constexpr std::string_view marks[] = { ".csv", ".txt", ".doc", ".pdf" };
+constexpr OfferedFiles offered{ "Text, CSV, Word and PDF files", marks };
+
+} // namespace
+
 void Window1::importBtn1_Action()
 {
     resultArray.clear();
@@ -33,7 +41,7 @@ void Window1::doCSV()
 {
     rCounter = 0;
     Timer1.setEnabled(true);
-    const Ref<FolderItem> f = GetOpenFolderItem("text/csv;text/pdf;text/docx");
+    const Ref<FolderItem> f = GetOpenFolderItem("text/csv;text/pdf;text/docx", "Search File", offered);
     if (!f)
         return;
     // A file of no known kind is not even opened; it ends like a text file in which there are no addresses.

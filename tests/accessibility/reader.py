@@ -51,7 +51,7 @@ def below(node):
 
 
 class Program:
-    def __init__(self, path):
+    def __init__(self, path, **environment):
         Atspi.init()
         Atspi.set_timeout(PATIENCE * 1000, PATIENCE * 1000)
         self.heard = []  # (what, role, name) of what was focused or selected
@@ -60,7 +60,7 @@ class Program:
             self.listener.register(event)
         self.said = open("said", "w+")
         self.process = subprocess.Popen([path], stdout=self.said, stderr=self.said,
-                                        env=dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1"))
+                                        env=dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", **environment))
         atexit.register(self.process.kill)
         self.root = None
         self.waitFor("the program on the bus", self.join)
@@ -180,11 +180,20 @@ class Program:
     def focused(self, window):
         return next((each.get_name() for each in below(window) if has(each, Atspi.StateType.FOCUSED)), None)
 
+    def checkInside(self, window, node):
+        place = Atspi.Component.get_extents(node, Atspi.CoordType.SCREEN)
+        frame = Atspi.Component.get_extents(window, Atspi.CoordType.SCREEN)
+        if not (frame.x <= place.x and place.x + place.width <= frame.x + frame.width
+                and frame.y <= place.y and place.y + place.height <= frame.y + frame.height):
+            self.fail(f"{node.get_name()} stands outside of its window")
+
     def checkTabOrder(self, window, names):
-        """Once round by the Tab key, from the last to the last."""
+        """Once round by the Tab key, from the last to the last; each stands inside of the window when it has the
+        keyboard."""
         last = next(each for each in self.controls(window) if each.get_name() == names[-1])
         self.act(last, "SetFocus")
         self.waitFor(f"the keyboard on {names[-1]}", lambda: self.focused(window) == names[-1])
         for name in names:
             keys("Tab")
             self.waitFor(f"the keyboard on {name}", lambda: self.focused(window) == name)
+            self.checkInside(window, next(each for each in self.controls(window) if each.get_name() == name))

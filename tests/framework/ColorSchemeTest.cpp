@@ -1,15 +1,24 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/internal/ColorScheme.h"
+#include "framework/internal/contrast.h"
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QLineEdit>
 #include <QPalette>
 #include <QProcess>
+#include <QPushButton>
+#include <QStyle>
 #include <QTest>
+
+#include <algorithm>
+#include <map>
+#include <string>
 
 namespace quilvane {
 
@@ -80,7 +89,7 @@ private:
     uint m_scheme;
 };
 
-bool isDark()
+bool isDarkNow()
 {
     return QApplication::palette().color(QPalette::Window).lightness() < 128;
 }
@@ -92,14 +101,61 @@ TEST(ColorSchemeTest, followsTheDesktop)
     Bus bus;
     Portal portal(bus.portalsEnd(), 1);
     const ColorScheme scheme(bus.programsEnd());
-    EXPECT_TRUE(QTest::qWaitFor(isDark)) << "as the desktop answers";
+    EXPECT_TRUE(QTest::qWaitFor(isDarkNow)) << "as the desktop answers";
     portal.change("color-scheme", 2);
-    EXPECT_TRUE(QTest::qWaitFor([] { return !isDark(); })) << "as the desktop tells later";
+    EXPECT_TRUE(QTest::qWaitFor([] { return !isDarkNow(); })) << "as the desktop tells later";
     portal.change("contrast", 1);
     portal.change("color-scheme", 1);
-    EXPECT_TRUE(QTest::qWaitFor(isDark));
+    EXPECT_TRUE(QTest::qWaitFor(isDarkNow));
     portal.change("color-scheme", 0);
-    EXPECT_TRUE(QTest::qWaitFor([] { return !isDark(); })) << "no preference gives the desktop's own colours";
+    EXPECT_TRUE(QTest::qWaitFor([] { return !isDarkNow(); }))
+        << "no preference gives the desktop's own colours";
+}
+
+TEST(ColorSchemeTest, whatIsEmptyOrGreyIsSeenInTheDark)
+{
+    struct Colors {
+        const char* name;
+        QPalette palette;
+    };
+    const auto desktops = [](QPalette palette) {
+        QApplication::style()->polish(palette); // as Qt does
+        return palette;
+    };
+    ColorScheme::useDarkColors();
+    const Colors colors[] = {
+        { "the program's own", QApplication::palette() },
+        { "black", desktops(QPalette(Qt::black)) },
+        { "dark grey", desktops(QPalette(QColor(49, 54, 59), QColor(42, 46, 50))) },
+    };
+    QCheckBox box;
+    QLineEdit field;
+    QPushButton button("Caption");
+    QCheckBox greyBox("Caption");
+    QWidget* const widgets[] = { &box, &field, &button, &greyBox };
+    button.setEnabled(false);
+    greyBox.setEnabled(false);
+    for (const Colors& c : colors) {
+        QApplication::setPalette(c.palette);
+        QApplication::processEvents();
+        for (QWidget* widget : widgets) {
+            SCOPED_TRACE(std::string(c.name) + ", " + widget->metaObject()->className());
+            widget->resize(120, 20);
+            const QImage image = widget->grab().toImage();
+            std::map<QRgb, int> count;
+            for (int x = 0; x < image.width(); ++x) {
+                for (int y = 0; y < image.height(); ++y)
+                    ++count[image.pixel(x, y)];
+            }
+            const auto behind = std::max_element(
+                count.begin(), count.end(), [](const auto& a, const auto& b) { return a.second < b.second; });
+            double best = 1;
+            for (const auto& [color, times] : count)
+                best = std::max(best, contrast(QColor(color), QColor(behind->first)));
+            EXPECT_GE(best, 3);
+        }
+    }
+    QApplication::setPalette(QPalette());
 }
 
 TEST(ColorSchemeTest, leavesTheDesktopsOwnDarkColorsAlone)

@@ -18,9 +18,12 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMenu>
+#include <QMimeData>
 #include <QTest>
 
 namespace quilvane {
@@ -29,7 +32,12 @@ namespace {
 
 class TestMenuBar : public MenuBar {
 public:
-    TestMenuBar() { append(std::make_unique<MenuItem>("Menu", "&Menu")); }
+    TestMenuBar()
+    {
+        MenuItem& menu = append(std::make_unique<MenuItem>("EditMenu", "&Edit"));
+        for (const char* name : { "EditCopy", "EditPaste" })
+            menu.append(std::make_unique<MenuItem>(name, name));
+    }
 };
 
 class TestWindow : public Window {
@@ -67,6 +75,32 @@ private:
         parked.setDefault();
         box.setFocus();
     }
+};
+
+/// Opens and closes by itself.
+class OtherWindow : public Window {
+    void Layout() override { setProperties({ .title = "Other", .width = 100, .height = 100 }); }
+};
+
+/// What another program has put into the clipboard, which may take long to get.
+class ForeignText : public QMimeData {
+public:
+    explicit ForeignText(int& asked)
+        : m_asked(asked)
+    {
+    }
+    bool hasFormat(const QString& format) const override { return format == "text/plain"; }
+    QStringList formats() const override { return { "text/plain" }; }
+
+protected:
+    QVariant retrieveData(const QString&, QMetaType) const override
+    {
+        ++m_asked;
+        return "text";
+    }
+
+private:
+    int& m_asked;
 };
 
 class ControlsTest : public testing::Test {
@@ -194,6 +228,50 @@ TEST_F(ControlsTest, keysReachTheFieldFirstAndThenTheWindowsButtons)
     EXPECT_EQ(events, "") << "a closed window has no default button any more";
 }
 
+TEST_F(ControlsTest, theEditMenuServesTheControlThatHadTheKeyboard)
+{
+    int asked = 0;
+    QApplication::clipboard()->setMimeData(new ForeignText(asked));
+    auto* edit = TestWindow::widget<QLineEdit>("field");
+    edit->setFocus();
+    edit->setText("some text");
+    edit->setSelection(4, -4);
+    EnableMenuItems();
+    EXPECT_TRUE(menuBar.Lookup("EditPaste").Enabled());
+    EXPECT_EQ(asked, 0) << "of the clipboard";
+
+    QTest::keyClick(TestWindow::widget<QWidget>("Test"), Qt::Key_E, Qt::AltModifier);
+    auto* menu = TestWindow::widget<QMenu>("EditMenu");
+    ASSERT_NE(menu, nullptr);
+    ASSERT_TRUE(QTest::qWaitFor([menu] { return menu->isVisible(); }));
+    EXPECT_TRUE(menuBar.Lookup("EditCopy").Enabled());
+    QTest::keyClick(menu, Qt::Key_Return);
+    EXPECT_EQ(QApplication::clipboard()->text(), "some");
+
+    window->box.setFocus();
+    QTest::keyClick(TestWindow::widget<QWidget>("Test"), Qt::Key_E, Qt::AltModifier);
+    ASSERT_TRUE(QTest::qWaitFor([menu] { return menu->isVisible(); }));
+    EXPECT_FALSE(menuBar.Lookup("EditPaste").Enabled());
+    menu->close();
+}
+
+TEST_F(ControlsTest, aWindowOfOneHandlerNeverReachesTheScreen)
+{
+    window->box.Action = [] { implicit<OtherWindow>().Close(); };
+    window->box.setValue(true);
+    const auto* closed = TestWindow::widget<QWidget>("Other");
+    ASSERT_NE(closed, nullptr);
+    EXPECT_FALSE(closed->testAttribute(Qt::WA_WState_Created));
+    Application::DoEvents(20);
+    EXPECT_EQ(TestWindow::widget<QWidget>("Other"), nullptr);
+    window->box.Action = [] { implicit<OtherWindow>(); };
+    window->box.setValue(false);
+    EXPECT_TRUE(QTest::qWaitFor([] {
+        const auto* other = TestWindow::widget<QWidget>("Other");
+        return other && other->isVisible();
+    })) << "unless the handler leaves it open";
+}
+
 TEST_F(ControlsTest, listTellsItsViewOncePerPass)
 {
     auto* view = TestWindow::widget<QListView>("list");
@@ -296,6 +374,36 @@ TEST_F(ControlsTest, labelStaysReadableOnDark)
 
     window->label.setText("<b>a</b>\nb");
     EXPECT_EQ(label->text(), QString::fromUtf8("<b>a</b>\u21b5b"));
+}
+
+TEST_F(ControlsTest, labelFitsItsTextIntoTheRoom)
+{
+    const auto* label = TestWindow::widget<QLabel>("label");
+    const int full = label->font().pixelSize();
+    const QRect place(0, 270, 100, 20);
+
+    window->label.setText("short text");
+    EXPECT_EQ(label->font().pixelSize(), full);
+    window->label.setText("a text of some length");
+    EXPECT_LT(label->font().pixelSize(), full);
+    EXPECT_LE(label->sizeHint().width(), 100);
+    EXPECT_EQ(label->toolTip(), "");
+
+    const std::string longer = "a text much too long <b>";
+    window->label.setText(longer + " for one line");
+    EXPECT_LE(label->sizeHint().width(), 100);
+    EXPECT_TRUE(label->text().contains(QChar(0x2026)));
+    EXPECT_EQ(label->accessibleName(), "a text much too long <b> for one line");
+    EXPECT_TRUE(label->toolTip().contains("&lt;b&gt;")) << label->toolTip().toStdString();
+    EXPECT_EQ(label->geometry(), place);
+
+    window->label.setRoom(90, 30);
+    EXPECT_EQ(label->geometry(), QRect(0, 240, 90, 50));
+    EXPECT_EQ(label->text(), "a text much too long <b> for one line");
+    EXPECT_EQ(label->toolTip(), "");
+    window->label.setText("short");
+    EXPECT_EQ(label->geometry(), QRect(0, 270, 90, 20));
+    EXPECT_EQ(label->font().pixelSize(), full);
 }
 
 TEST_F(ControlsTest, aWindowMayCloseItselfAndGoOn)

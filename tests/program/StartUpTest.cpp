@@ -36,6 +36,25 @@ TEST_F(StartUpTest, runsFromStartToQuit)
     EXPECT_FALSE(isOpen<Window1>());
 }
 
+TEST_F(StartUpTest, quittingOverTheStartsErrorEndsTheProgram)
+{
+    class QuittingUser : public ScriptedDesktop {
+    public:
+        std::string obstacle;
+
+        void showError(std::string_view what, std::string_view where) override
+        {
+            ScriptedDesktop::showError(what, where);
+            std::filesystem::remove(obstacle);
+            Application::instance().Quit();
+        }
+    } user;
+    user.obstacle = folder / "Quilvane/QuilvanePreferences";
+    std::filesystem::create_directories(user.obstacle);
+    user.willReport({ "QuilvanePreferences" });
+    EXPECT_EQ(application->Run([] {}), 0);
+}
+
 TEST_F(StartUpTest, preferencesFileHoldsOneLineAsItStands)
 {
     struct Case {

@@ -19,18 +19,18 @@ ScriptedDesktop::~ScriptedDesktop()
                       << (missing.texts.empty() ? "" : ", " + missing.texts.front());
 }
 
-std::optional<std::string> ScriptedDesktop::chooseFileToOpen()
+std::optional<std::string> ScriptedDesktop::chooseFileToOpen(std::string_view, const OfferedFiles&)
 {
     return next("open dialog", "").answer;
 }
 
-std::optional<std::string> ScriptedDesktop::chooseFileToSave(std::string_view defaultName)
+std::optional<std::string> ScriptedDesktop::chooseFileToSave(std::string_view, std::string_view defaultName)
 {
     offeredName = defaultName;
     return next("save dialog", "").answer;
 }
 
-std::optional<std::string> ScriptedDesktop::chooseFolder()
+std::optional<std::string> ScriptedDesktop::chooseFolder(std::string_view)
 {
     return next("folder dialog", "").answer;
 }

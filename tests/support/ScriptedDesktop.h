@@ -38,9 +38,10 @@ public:
     std::vector<std::string> launched;
     bool launchSucceeds = true;
 
-    std::optional<std::string> chooseFileToOpen() override;
-    std::optional<std::string> chooseFileToSave(std::string_view defaultName) override;
-    std::optional<std::string> chooseFolder() override;
+    std::optional<std::string> chooseFileToOpen(std::string_view title, const OfferedFiles& files) override;
+    std::optional<std::string> chooseFileToSave(
+        std::string_view title, std::string_view defaultName) override;
+    std::optional<std::string> chooseFolder(std::string_view title) override;
     void showMessage(std::string_view text) override;
     MessageDialog::Button showDialog(const MessageDialog& dialog) override;
     void showError(std::string_view what, std::string_view where) override;

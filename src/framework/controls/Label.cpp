@@ -3,50 +3,20 @@
 #include "framework/controls/Label.h"
 
 #include "framework/internal/Native.h"
+#include "framework/internal/WindowNative.h"
+#include "framework/internal/contrast.h"
 #include "framework/internal/fitText.h"
 #include "framework/internal/qtText.h"
 
 #include <QEvent>
 #include <QLabel>
+#include <QTextDocument>
 
-#include <algorithm>
-#include <cmath>
 #include <optional>
 
 namespace quilvane {
 
 namespace {
-
-// Relative luminance and contrast ratio as WCAG 2.1 defines them.
-double luminance(const QColor& color)
-{
-    const auto linear = [](float component) {
-        const auto channel = double(component);
-        return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b)
-{
-    const auto [darker, lighter] = std::minmax({ luminance(a), luminance(b) });
-    return (lighter + 0.05) / (darker + 0.05);
-}
-
-/// The shade of `color` nearest to it that can be read on `background`.
-QColor readableOn(const QColor& background, QColor color)
-{
-    constexpr double leastContrast = 4.5; // WCAG 2.1, level AA
-    constexpr int step = 4;
-    const int direction = luminance(background) < 0.18 ? step : -step;
-    while (contrast(background, color) < leastContrast) {
-        const int lightness = std::clamp(color.lightness() + direction, 0, 255);
-        if (lightness == color.lightness())
-            break;
-        color.setHsl(color.hslHue(), color.hslSaturation(), lightness);
-    }
-    return color;
-}
 
 class LabelWidget : public QLabel {
 public:
@@ -71,7 +41,7 @@ private:
     {
         if (!m_designColor)
             return;
-        const QColor color = readableOn(palette().color(QPalette::Window), *m_designColor);
+        const QColor color = readableOn(palette().color(QPalette::Window), *m_designColor, textContrast);
         // Setting the palette comes back here as a palette change; it ends with the colour already set.
         if (palette().color(QPalette::WindowText) == color)
             return;
@@ -107,9 +77,10 @@ Label::Label(Window& window, std::string_view name)
 
 void Label::setText(std::string_view text)
 {
+    if (text == m_text)
+        return;
     m_text = text;
-    if (auto* label = widgetOf(*this))
-        label->setText(label->wordWrap() ? toQt(text) : withVisibleLineEnds(text));
+    fit();
 }
 
 void Label::setTextColor(std::uint32_t rgb)
@@ -120,11 +91,15 @@ void Label::setTextColor(std::uint32_t rgb)
 
 void Label::setTextSize(int pixels)
 {
-    if (auto* label = widgetOf(*this)) {
-        QFont font = label->font();
-        font.setPixelSize(pixels);
-        label->setFont(font);
-    }
+    m_textSize = pixels;
+    fit();
+}
+
+void Label::setRoom(int width, int above)
+{
+    m_roomWidth = width;
+    m_roomAbove = above;
+    fit();
 }
 
 void Label::setCentred()
@@ -135,28 +110,62 @@ void Label::setCentred()
 
 void Label::setMultiline()
 {
-    if (auto* label = widgetOf(*this)) {
-        label->setWordWrap(true);
-        label->setFont(label->parentWidget()->font()); // lines are broken instead of set smaller
+    m_multiline = true;
+    if (auto* label = widgetOf(*this))
         label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-        label->setText(toQt(m_text));
-    }
+    fit();
 }
 
 void Label::makeWidget(Native& native)
 {
     auto* label = new LabelWidget(native.content);
     label->setTextFormat(Qt::PlainText);
-    // A label that lies over a picture lets drops and clicks through to it.
-    label->setAttribute(Qt::WA_TransparentForMouseEvents);
     native.widget = label;
 }
 
 void Label::setTableCaption(std::string_view caption)
 {
     setText(caption);
-    if (auto* label = widgetOf(*this))
-        fitText(*label, label->text(), 0);
+}
+
+void Label::fit()
+{
+    auto* label = widgetOf(*this);
+    if (!label)
+        return;
+    const Window::Native& frame = window().native();
+    const int width = m_roomWidth > 0 ? m_roomWidth : Width();
+    const QRect line = frame.scaled(QRect(Left(), Top(), width, Height()));
+    const QRect lines = frame.scaled(QRect(Left(), Top() - m_roomAbove, width, Height() + m_roomAbove));
+    const QString text = m_multiline ? toQt(m_text) : withVisibleLineEnds(m_text);
+    QFont font = label->parentWidget()->font();
+    if (m_textSize > 0)
+        font.setPixelSize(frame.scaled(m_textSize));
+
+    bool broken = m_multiline;
+    const auto fits = [&] {
+        const QFontMetrics metrics(font);
+        broken = m_multiline || (m_roomAbove > 0 && metrics.horizontalAdvance(text) > line.width());
+        if (!broken)
+            return metrics.horizontalAdvance(text) <= line.width();
+        const QRect needed = metrics.boundingRect(QRect(QPoint(), lines.size()), Qt::TextWordWrap, text);
+        return needed.width() <= lines.width() && needed.height() <= lines.height();
+    };
+    while (!fits() && font.pixelSize() > smallestTextSize)
+        font.setPixelSize(font.pixelSize() - 1);
+    const bool cut = !fits();
+    if (cut)
+        broken = m_multiline;
+
+    label->setGeometry(broken ? lines : line);
+    label->setFont(font);
+    label->setWordWrap(broken);
+    label->setText(
+        cut && !broken ? QFontMetrics(font).elidedText(text, Qt::ElideMiddle, line.width()) : text);
+    label->setToolTip(cut ? Qt::convertFromPlainText(text) : QString());
+    label->setAccessibleName(cut ? text : QString());
+    // A label that lies over a picture lets drops and clicks through to it, and would not show a tooltip.
+    label->setAttribute(Qt::WA_TransparentForMouseEvents, !cut);
 }
 
 } // namespace quilvane

@@ -20,17 +20,28 @@ public:
     /// 0xRRGGBB, as drawn on a light window. On a background on which it could not be read the label takes a
     /// lighter or darker shade of it.
     void setTextColor(std::uint32_t rgb);
-    /// Logical pixels.
+    /// Pixels of the control table.
     void setTextSize(int pixels);
+    /// What is really free for the text, in pixels of the control table: `width`, less than the table's where
+    /// another control lies over the label, and `above` it room for a second line.
+    void setRoom(int width, int above);
     void setCentred();
-    /// The text is broken into lines and begins at the top.
+    /// The text is broken into lines where it stands in the table and begins at the top.
     void setMultiline();
 
 private:
     void makeWidget(Native& native) override;
     void setTableCaption(std::string_view caption) override;
 
+    /// Sets the text as large as it fits, from the text's size down, in one line or in as many as there is
+    /// room for. What fits in no size is cut in its middle, and a tooltip has it whole.
+    void fit();
+
     std::string m_text;
+    int m_textSize = 0; // pixels of the control table; 0 is the window's
+    int m_roomWidth = 0; // 0 is the table's
+    int m_roomAbove = 0;
+    bool m_multiline = false;
 };
 
 } // namespace quilvane

@@ -5,6 +5,7 @@
 #include "framework/EventGuard.h"
 #include "framework/controls/Window.h"
 #include "framework/internal/Native.h"
+#include "framework/internal/WindowNative.h"
 #include "framework/internal/qtText.h"
 
 namespace quilvane {
@@ -77,7 +78,8 @@ void RectControl::place(const ControlRow& row)
         makeWidget(*m_native);
     if (m_native->widget) {
         m_native->widget->setObjectName(toQt(m_name));
-        m_native->widget->setGeometry(row.left, row.top, row.width, row.height);
+        m_native->widget->setGeometry(
+            m_window.native().scaled(QRect(row.left, row.top, row.width, row.height)));
     }
     if (!row.caption.empty())
         setTableCaption(row.caption);

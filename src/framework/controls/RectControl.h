@@ -23,8 +23,8 @@ enum class ControlKind {
     TextField,
 };
 
-/// One row of a window's control table. Left and top are logical pixels from the content's top left corner,
-/// below the menu bar.
+/// One row of a window's control table. Left and top are pixels from the content's top left corner, below the
+/// menu bar; a window may be drawn larger or smaller than its table.
 struct ControlRow {
     std::string_view name;
     ControlKind kind;

@@ -7,6 +7,7 @@
 #include "framework/internal/qtText.h"
 #include "framework/strings.h"
 
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 
@@ -32,6 +33,17 @@ protected:
             m_field.fire("KeyDown", [&] { handled = m_field.KeyDown(characterOf(*event)); });
         if (!handled)
             QLineEdit::keyPressEvent(event);
+    }
+
+    void focusOutEvent(QFocusEvent* event) override
+    {
+        const int start = selectionStart();
+        const int length = selectionLength();
+        const bool cursorAtStart = cursorPosition() == start;
+        QLineEdit::focusOutEvent(event);
+        // Qt takes the selection away; the Edit menu, when reached by the Alt key, is to find it.
+        if (event->reason() == Qt::MenuBarFocusReason && length > 0)
+            cursorAtStart ? setSelection(start + length, -length) : setSelection(start, length);
     }
 
 private:

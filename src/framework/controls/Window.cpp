@@ -9,15 +9,23 @@
 #include "framework/internal/Native.h"
 #include "framework/internal/WindowNative.h"
 #include "framework/internal/qtText.h"
+#include "framework/internal/windowScale.h"
 
+#include <QApplication>
 #include <QCloseEvent>
+#include <QFontInfo>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QPixmap>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
 #include <QTimer>
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace quilvane {
 
@@ -54,10 +62,49 @@ private:
     Window& m_window;
 };
 
+/// Where the last open window stood when it closed, for the one that comes after it.
+std::optional<QPoint> placeOfLastWindow;
+
 constexpr int smallestSide = 64;
 constexpr int largestSide = 32000;
 
 } // namespace
+
+int Window::Native::menuBarHeight() const
+{
+    const QWidget* bar = frame->menuWidget();
+    return bar ? bar->sizeHint().height() : 0;
+}
+
+void Window::Native::scaleToUserAndScreen(const QSize& contentSize)
+{
+    const auto setTextSize = [this](int pixels) {
+        QFont font = QApplication::font();
+        font.setPixelSize(pixels);
+        frame->setFont(font);
+    };
+    setTextSize(designTextSize);
+    const QSize room = roomOnScreen(*frame->screen());
+    const WindowScale scale = windowScale(
+        QFontInfo(QApplication::font()).pixelSize(), contentSize + QSize(0, menuBarHeight()), room);
+    unit = scale.unit;
+    setTextSize(scaled(designTextSize));
+
+    const QSize scaledSize(scaled(contentSize.width()), scaled(contentSize.height()));
+    QSize frameSize = scaledSize + QSize(0, menuBarHeight());
+    if (scale.scrolls) {
+        auto* area = new QScrollArea;
+        area->setFrameShape(QFrame::NoFrame);
+        area->setFocusPolicy(Qt::NoFocus);
+        // Of the design's size, so that what is parked outside of it is not to be scrolled to.
+        content->setFixedSize(scaledSize);
+        area->setWidget(frame->takeCentralWidget());
+        frame->setCentralWidget(area);
+        const int scrollBar = frame->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        frameSize = (frameSize + QSize(scrollBar, scrollBar)).boundedTo(room);
+    }
+    frame->resize(frameSize);
+}
 
 Window::Window()
     : m_native(std::make_unique<Native>())
@@ -102,19 +149,17 @@ std::string Window::Title() const
 
 int Window::Width() const
 {
-    return m_native->content->width();
+    return qRound(m_native->content->width() / m_native->unit);
 }
 
 int Window::Height() const
 {
-    return m_native->content->height();
+    return qRound(m_native->content->height() / m_native->unit);
 }
 
 void Window::setSize(int width, int height)
 {
-    QMainWindow& frame = *m_native->frame;
-    const QWidget* bar = frame.menuWidget();
-    frame.resize(width, height + (bar ? bar->sizeHint().height() : 0));
+    m_native->frame->resize(m_native->scaled(width), m_native->scaled(height) + m_native->menuBarHeight());
 }
 
 void Window::savePicture(const std::string& path) const
@@ -156,9 +201,9 @@ void Window::setProperties(const WindowProperties& properties)
     flags.setFlag(Qt::WindowMaximizeButtonHint, properties.maximizeButton);
     frame.setWindowFlags(flags);
 
-    if (properties.menuBar)
-        properties.menuBar->attachTo(*this);
-    setSize(properties.width, properties.height);
+    MenuBar& bar = properties.menuBar ? *properties.menuBar : Application::instance().menuBar();
+    bar.attachTo(*this);
+    m_native->scaleToUserAndScreen(QSize(properties.width, properties.height));
     if (properties.resizable) {
         frame.setMinimumSize(smallestSide, smallestSide);
         frame.setMaximumSize(largestSide, largestSide);
@@ -199,11 +244,26 @@ void Window::add(RectControl& control)
 void Window::runOpening()
 {
     Layout();
+    if (const auto place = std::exchange(placeOfLastWindow, std::nullopt))
+        m_native->frame->move(*place);
     if (m_visibleAtStart)
-        Show();
+        showAtStart();
     for (RectControl* each : m_controls)
         each->opened();
     runGuarded("Event_Open of " + Title(), [this] { Event_Open(); });
+}
+
+void Window::showAtStart()
+{
+    if (handlerDepth() == 0) {
+        Show();
+        return;
+    }
+    // Once the event loop runs: a window that the handler closes again never reaches the screen.
+    QTimer::singleShot(0, m_native->frame.get(), [this] {
+        if (!m_closed && !m_native->frame->isVisible())
+            Show();
+    });
 }
 
 WindowList& WindowList::instance()
@@ -256,6 +316,8 @@ void WindowList::closed(Window& window)
         return;
     m_closed.push_back(std::move(entry->window));
     m_open.erase(entry);
+    if (m_open.empty())
+        placeOfLastWindow = window.native().frame->pos();
     deleteClosedSoon();
     Application::instance().windowClosed();
 }

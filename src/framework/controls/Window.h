@@ -15,12 +15,12 @@ namespace quilvane {
 class MenuBar;
 class PushButton;
 
-/// What a window is apart from its controls. Sizes are logical pixels of the content, the menu bar not
-/// counted.
+/// What a window is apart from its controls. Sizes are those of the content, the menu bar not counted, in
+/// pixels of the control table.
 struct WindowProperties {
     std::string_view title;
     int width, height;
-    MenuBar* menuBar = nullptr;
+    MenuBar* menuBar = nullptr; // none of its own: the application's
     bool minimizeButton = false;
     bool maximizeButton = false;
     bool resizable = false;
@@ -28,6 +28,9 @@ struct WindowProperties {
 };
 
 /// A window of the program.
+///
+/// The places of its control table are made for a text of 13 pixels. A window is drawn as much larger or
+/// smaller as the user's text is when the window is made, and never larger than the screen.
 ///
 /// Made by implicit<W>() or openWindow<W>(): the constructor makes the controls, Layout gives them their
 /// places and binds their events, Event_Open runs. Close() runs Event_Close and takes the window off the
@@ -45,7 +48,7 @@ public:
     void Close();
 
     std::string Title() const;
-    /// Of the content, in logical pixels.
+    /// Of the content, in pixels of the control table.
     int Width() const;
     int Height() const;
     void setSize(int width, int height);
@@ -81,6 +84,7 @@ private:
 
     void add(RectControl& control);
     void runOpening();
+    void showAtStart();
 
     std::unique_ptr<Native> m_native;
     std::vector<RectControl*> m_controls; // in the order of their creation; they are members of the window

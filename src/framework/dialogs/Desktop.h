@@ -5,10 +5,17 @@
 #include "framework/dialogs/MessageDialog.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace quilvane {
+
+/// The files that an open dialog shows at first; all others are a choice away.
+struct OfferedFiles {
+    std::string_view words; // what they are, for the user
+    std::span<const std::string_view> marks; // names with one of these in them, in upper or lower case
+};
 
 /// Everything that the program asks of the desktop around it: the one seam at which a test, or a
 /// demonstration without a person, answers in the user's stead. Paths are bytes. Every call waits for its
@@ -23,10 +30,13 @@ public:
     /// alive.
     static void use(Desktop* desktop);
 
-    /// The chosen paths; none on cancel.
-    virtual std::optional<std::string> chooseFileToOpen() = 0;
-    virtual std::optional<std::string> chooseFileToSave(std::string_view defaultName) = 0;
-    virtual std::optional<std::string> chooseFolder() = 0;
+    /// The chosen paths; none on cancel. Each of the three starts where its last choice was made.
+    virtual std::optional<std::string> chooseFileToOpen(std::string_view title, const OfferedFiles& files)
+        = 0;
+    /// The suffix of `defaultName` is that of a name typed without one.
+    virtual std::optional<std::string> chooseFileToSave(std::string_view title, std::string_view defaultName)
+        = 0;
+    virtual std::optional<std::string> chooseFolder(std::string_view title) = 0;
 
     virtual void showMessage(std::string_view text) = 0;
     virtual MessageDialog::Button showDialog(const MessageDialog& dialog) = 0;

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/dialogs/dialogs.h"
 
-#include "framework/dialogs/Desktop.h"
 #include "framework/exceptions.h"
 #include "framework/files/displayName.h"
 #include "framework/threads/Timer.h"
@@ -26,22 +25,22 @@ void MsgBox(std::string_view text)
     Desktop::current().showMessage(text);
 }
 
-Ref<FolderItem> GetOpenFolderItem(std::string_view)
+Ref<FolderItem> GetOpenFolderItem(std::string_view, std::string_view title, const OfferedFiles& files)
 {
     const TimersHeld held;
-    return itemFor(Desktop::current().chooseFileToOpen());
+    return itemFor(Desktop::current().chooseFileToOpen(title, files));
 }
 
-Ref<FolderItem> GetSaveFolderItem(std::string_view, std::string_view defaultName)
+Ref<FolderItem> GetSaveFolderItem(std::string_view, std::string_view defaultName, std::string_view title)
 {
     const TimersHeld held;
-    return itemFor(Desktop::current().chooseFileToSave(defaultName));
+    return itemFor(Desktop::current().chooseFileToSave(title, defaultName));
 }
 
-Ref<FolderItem> SelectFolder()
+Ref<FolderItem> SelectFolder(std::string_view title)
 {
     const TimersHeld held;
-    return itemFor(Desktop::current().chooseFolder());
+    return itemFor(Desktop::current().chooseFolder(title));
 }
 
 void Launch(const FolderItem& item)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "framework/Ref.h"
+#include "framework/dialogs/Desktop.h"
 #include "framework/files/FolderItem.h"
 
 #include <string_view>
@@ -12,12 +13,12 @@ namespace quilvane {
 /// A modal message with one OK button.
 void MsgBox(std::string_view text);
 
-/// The platform's modal dialogs; nil when the user cancels. `filter` names the kinds of files that the dialog
-/// is to offer. Its names are no types of this platform, so the dialogs offer what the program reads, and all
-/// files beside it.
-Ref<FolderItem> GetOpenFolderItem(std::string_view filter);
-Ref<FolderItem> GetSaveFolderItem(std::string_view filter, std::string_view defaultName);
-Ref<FolderItem> SelectFolder();
+/// The platform's modal dialogs; nil when the user cancels. `filter` names kinds of files by names that are
+/// no types of this platform, so the open dialog offers `files` instead, and all files beside them.
+Ref<FolderItem> GetOpenFolderItem(std::string_view filter, std::string_view title, const OfferedFiles& files);
+Ref<FolderItem> GetSaveFolderItem(
+    std::string_view filter, std::string_view defaultName, std::string_view title);
+Ref<FolderItem> SelectFolder(std::string_view title);
 
 /// Opens `item` in its default application. Throws IOException if nothing takes it.
 void Launch(const FolderItem& item);

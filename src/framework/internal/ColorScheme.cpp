@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/internal/ColorScheme.h"
 
+#include "framework/internal/contrast.h"
+
 #include <QApplication>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QPalette>
+#include <QStyle>
 
 namespace quilvane {
 
@@ -19,11 +22,6 @@ constexpr const char* interface = "org.freedesktop.portal.Settings";
 constexpr const char* appearance = "org.freedesktop.appearance";
 constexpr const char* colorScheme = "color-scheme";
 constexpr uint preferDark = 1; // 0 is no preference, 2 is light
-
-bool isDark(const QPalette& palette)
-{
-    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
-}
 
 } // namespace
 
@@ -55,6 +53,7 @@ void ColorScheme::useDarkColors()
     palette.setColor(QPalette::AlternateBase, QColor(0x222222));
     palette.setColor(QPalette::Highlight, QColor(0x8a4b10));
     palette.setColor(QPalette::HighlightedText, Qt::white);
+    QApplication::style()->polish(palette);
     QApplication::setPalette(palette);
 }
 

@@ -2,16 +2,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/internal/QtDesktop.h"
 
+#include "framework/internal/FilePortal.h"
 #include "framework/internal/WindowPainter.h"
 #include "framework/internal/qtText.h"
+#include "framework/internal/windowScale.h"
 
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QStandardPaths>
 #include <QUrl>
 
 namespace quilvane {
@@ -25,12 +30,53 @@ QWidget* parentWindow()
     return QApplication::activeWindow();
 }
 
-std::optional<std::string> chosen(const QString& path)
+constexpr const char* allFiles = "All files (*)";
+
+/// The words and the patterns as Qt takes them. Not every desktop's dialog ignores upper and lower case.
+QString nameFilter(const OfferedFiles& files)
 {
+    QStringList patterns;
+    for (const std::string_view mark : files.marks) {
+        QString pattern = "*";
+        for (const QChar character : toQt(mark))
+            pattern += character.isLetter() ? '[' + character.toLower() + character.toUpper() + ']'
+                                            : QString(character);
+        patterns += pattern + '*';
+    }
+    return toQt(files.words) + " (" + patterns.join(' ') + ')';
+}
+
+/// Where a dialog starts that had its last choice in `last`.
+QString startFolder(const QString& last)
+{
+    for (const QString& folder :
+        { last, QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) }) {
+        if (!folder.isEmpty() && QFileInfo(folder).isDir())
+            return folder;
+    }
+    return QDir::homePath();
+}
+
+/// To be called before the dialog gets its properties: either of the two dialogs takes only what comes after.
+void useDesktopsOwnIfThere(QFileDialog& dialog, int portalVersion)
+{
+    dialog.setOption(QFileDialog::DontUseNativeDialog, FilePortal::version() < portalVersion);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+}
+
+std::optional<std::string> choice(QFileDialog& dialog)
+{
+    dialog.resize(dialog.sizeHint().boundedTo(roomOnScreen(*dialog.screen())));
+    const bool isAccepted = dialog.exec() == QDialog::Accepted;
     WindowPainter::clearAfterDialog();
-    if (path.isEmpty())
+    if (!isAccepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;
-    return QFile::encodeName(path).toStdString();
+    return QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString();
+}
+
+QString folderOf(const std::string& path)
+{
+    return QFileInfo(QFile::decodeName(path.c_str())).absolutePath();
 }
 
 void show(QMessageBox::Icon icon, std::string_view text, std::string_view more)
@@ -55,21 +101,48 @@ void Desktop::use(Desktop* desktop)
     desktopInUse = desktop;
 }
 
-std::optional<std::string> QtDesktop::chooseFileToOpen()
+std::optional<std::string> QtDesktop::chooseFileToOpen(std::string_view title, const OfferedFiles& files)
 {
-    return chosen(QFileDialog::getOpenFileName(parentWindow(), "Search File", QDir::homePath(),
-        "Documents (*.csv *.txt *.pdf *.doc *.docx);;All files (*)"));
+    QFileDialog dialog(parentWindow(), toQt(title));
+    useDesktopsOwnIfThere(dialog, 1);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setNameFilters({ nameFilter(files), allFiles });
+    dialog.setDirectory(startFolder(m_folderOpenedFrom));
+    std::optional<std::string> path = choice(dialog);
+    if (path)
+        m_folderOpenedFrom = folderOf(*path);
+    return path;
 }
 
-std::optional<std::string> QtDesktop::chooseFileToSave(std::string_view defaultName)
+std::optional<std::string> QtDesktop::chooseFileToSave(std::string_view title, std::string_view defaultName)
 {
-    return chosen(QFileDialog::getSaveFileName(
-        parentWindow(), "Export", QDir::homePath() + '/' + toQt(defaultName), "All files (*)"));
+    QFileDialog dialog(parentWindow(), toQt(title));
+    useDesktopsOwnIfThere(dialog, 1);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilter(allFiles);
+    dialog.setDirectory(startFolder(m_folderSavedTo));
+    dialog.selectFile(toQt(defaultName));
+    // The desktop's own dialog has asked by then whether to replace a file, and of the name without the
+    // suffix.
+    if (dialog.testOption(QFileDialog::DontUseNativeDialog))
+        dialog.setDefaultSuffix(QFileInfo(toQt(defaultName)).suffix());
+    std::optional<std::string> path = choice(dialog);
+    if (path)
+        m_folderSavedTo = folderOf(*path);
+    return path;
 }
 
-std::optional<std::string> QtDesktop::chooseFolder()
+std::optional<std::string> QtDesktop::chooseFolder(std::string_view title)
 {
-    return chosen(QFileDialog::getExistingDirectory(parentWindow(), "Search Folder", QDir::homePath()));
+    QFileDialog dialog(parentWindow(), toQt(title));
+    useDesktopsOwnIfThere(dialog, 3);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    dialog.setDirectory(startFolder(m_folderChosen));
+    std::optional<std::string> path = choice(dialog);
+    if (path)
+        m_folderChosen = QFile::decodeName(path->c_str());
+    return path;
 }
 
 void QtDesktop::showMessage(std::string_view text)

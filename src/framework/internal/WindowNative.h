@@ -10,7 +10,21 @@ namespace quilvane {
 
 struct Window::Native {
     std::unique_ptr<QMainWindow> frame;
-    QWidget* content = nullptr; // the frame's central widget
+    QWidget* content = nullptr; // the frame's central widget, or what that scrolls over
+    double unit = 1; // logical pixels for one of the control table
+
+    int menuBarHeight() const;
+    /// Settles the unit, and with it the size of the text and of the frame. Once, when the menu bar is there.
+    void scaleToUserAndScreen(const QSize& contentSize);
+
+    int scaled(int length) const { return qRound(length * unit); }
+    /// Neighbours in the table stay neighbours.
+    QRect scaled(const QRect& place) const
+    {
+        const QPoint corner(scaled(place.left()), scaled(place.top()));
+        const QPoint end(scaled(place.left() + place.width()), scaled(place.top() + place.height()));
+        return { corner, QSize(end.x() - corner.x(), end.y() - corner.y()) };
+    }
 };
 
 } // namespace quilvane

@@ -7,6 +7,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
+#include <QMenuBar>
+#include <QPointer>
 
 #include <algorithm>
 #include <array>
@@ -31,12 +33,25 @@ constexpr std::array commands{
         [](QLineEdit& edit) { edit.undo(); } },
     Command{ "EditCut", hasSelection, [](QLineEdit& edit) { edit.cut(); } },
     Command{ "EditCopy", hasSelection, [](QLineEdit& edit) { edit.copy(); } },
-    Command{ "EditPaste", [](const QLineEdit&) { return !QApplication::clipboard()->text().isEmpty(); },
-        [](QLineEdit& edit) { edit.paste(); } },
+    // Always possible: to ask the clipboard means to wait for the program that has filled it.
+    Command{ "EditPaste", [](const QLineEdit&) { return true; }, [](QLineEdit& edit) { edit.paste(); } },
     Command{ "EditClear", hasSelection, [](QLineEdit& edit) { edit.del(); } },
     Command{ "EditSelectAll", [](const QLineEdit& edit) { return !edit.text().isEmpty(); },
         [](QLineEdit& edit) { edit.selectAll(); } },
 };
+
+QPointer<QWidget> focusBeforeMenuBar;
+
+/// The control with the keyboard. A menu bar that was reached by the Alt key has taken it from the control
+/// that its menus are about.
+QWidget* focusedControl()
+{
+    QWidget* focused = QApplication::focusWidget();
+    if (!qobject_cast<QMenuBar*>(focused))
+        return focused;
+    const bool inSameWindow = focusBeforeMenuBar && focusBeforeMenuBar->window() == focused->window();
+    return inSameWindow ? focusBeforeMenuBar.data() : nullptr;
+}
 
 const Command* find(std::string_view itemName)
 {
@@ -48,13 +63,21 @@ const Command* find(std::string_view itemName)
 /// The list, too, serves one of the commands: the selected address can be copied.
 QString selectedRowToCopy(std::string_view itemName)
 {
-    const auto* list = qobject_cast<QListView*>(QApplication::focusWidget());
+    const auto* list = qobject_cast<QListView*>(focusedControl());
     if (itemName != "EditCopy" || !list || !list->selectionModel() || !list->selectionModel()->hasSelection())
         return {};
     return list->selectionModel()->selectedIndexes().first().data().toString();
 }
 
 } // namespace
+
+void followFocus()
+{
+    QObject::connect(qApp, &QApplication::focusChanged, [](QWidget* before, QWidget* now) {
+        if (qobject_cast<QMenuBar*>(now) && before && !qobject_cast<QMenuBar*>(before))
+            focusBeforeMenuBar = before;
+    });
+}
 
 bool isEditCommand(std::string_view itemName)
 {
@@ -64,7 +87,7 @@ bool isEditCommand(std::string_view itemName)
 bool canEdit(std::string_view itemName)
 {
     const Command* command = find(itemName);
-    if (const auto* edit = qobject_cast<QLineEdit*>(QApplication::focusWidget()))
+    if (const auto* edit = qobject_cast<QLineEdit*>(focusedControl()))
         return command && command->possible(*edit);
     return !selectedRowToCopy(itemName).isEmpty();
 }
@@ -72,7 +95,7 @@ bool canEdit(std::string_view itemName)
 void edit(std::string_view itemName)
 {
     const Command* command = find(itemName);
-    auto* lineEdit = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    auto* lineEdit = qobject_cast<QLineEdit*>(focusedControl());
     if (lineEdit && command && command->possible(*lineEdit))
         command->carryOut(*lineEdit);
     else if (const QString row = selectedRowToCopy(itemName); !row.isEmpty())

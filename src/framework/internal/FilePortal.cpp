@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/internal/FilePortal.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusReply>
+#include <QDBusVariant>
+#include <QFile>
+#include <QLibraryInfo>
+
+namespace quilvane {
+
+namespace {
+
+constexpr const char* themeVariable = "QT_QPA_PLATFORMTHEME";
+constexpr const char* portalTheme = "xdgdesktopportal";
+constexpr int patience = 1000; // ms
+
+bool setHere = false;
+bool themeInUse = false;
+
+} // namespace
+
+FilePortal::FilePortal()
+{
+    const QString plugin
+        = QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platformthemes/libqxdgdesktopportal.so";
+    if (!qEnvironmentVariableIsSet(themeVariable) && QFile::exists(plugin))
+        setHere = qputenv(themeVariable, portalTheme);
+    themeInUse = qgetenv(themeVariable) == portalTheme;
+}
+
+void FilePortal::applicationIsMade()
+{
+    if (setHere)
+        qunsetenv(themeVariable);
+}
+
+int FilePortal::version()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!themeInUse || !bus.isConnected())
+        return 0;
+    QDBusMessage question = QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop",
+        "/org/freedesktop/portal/desktop", "org.freedesktop.DBus.Properties", "Get");
+    question << QString("org.freedesktop.portal.FileChooser") << QString("version");
+    const QDBusReply<QDBusVariant> answer = bus.call(question, QDBus::Block, patience);
+    return answer.isValid() ? answer.value().variant().toInt() : 0;
+}
+
+} // namespace quilvane

@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QProxyStyle>
+
+namespace quilvane {
+
+/// Qt's Fusion style, whose controls fit the windows' tables. In dark colours Fusion draws outlines darker
+/// than the window and takes grey captions as the desktop gives them: here both keep a contrast.
+class ProgramStyle : public QProxyStyle {
+public:
+    ProgramStyle();
+
+    using QProxyStyle::polish;
+    void polish(QPalette& palette) override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+        const QWidget* widget) const override;
+};
+
+} // namespace quilvane
