@@ -7,7 +7,7 @@
 #include "app/Window1.h"
 #include "app/startUp.h"
 #include "framework/Runtime.h"
-#include "framework/dialogs/Desktop.h"
+#include "support/AnsweringDesktop.h"
 #include "support/benchText.h"
 #include "support/race.h"
 
@@ -21,34 +21,6 @@
 namespace {
 
 using namespace quilvane;
-
-/// A user who always chooses the same folder.
-class ChoosingDesktop : public Desktop {
-public:
-    explicit ChoosingDesktop(std::string folder)
-        : m_folder(std::move(folder))
-    {
-        Desktop::use(this);
-    }
-    ~ChoosingDesktop() override { Desktop::use(nullptr); }
-
-    std::optional<std::string> chooseFileToOpen(std::string_view, const OfferedFiles&) override
-    {
-        return std::nullopt;
-    }
-    std::optional<std::string> chooseFileToSave(std::string_view, std::string_view) override
-    {
-        return std::nullopt;
-    }
-    std::optional<std::string> chooseFolder(std::string_view) override { return m_folder; }
-    void showMessage(std::string_view text) override { std::printf("%s\n", std::string(text).c_str()); }
-    MessageDialog::Button showDialog(const MessageDialog&) override { return MessageDialog::Button::Action; }
-    void showError(std::string_view what, std::string_view) override { showMessage(what); }
-    bool openWithDefaultApplication(std::string_view) override { return true; }
-
-private:
-    std::string m_folder;
-};
 
 /// Files of 4 KB, text and delimited in turn, with an address in every other line; in subfolders, or all in
 /// one.
@@ -79,7 +51,7 @@ double compare(std::size_t files, std::size_t folders)
     const std::string root = std::filesystem::temp_directory_path() / "quilvane-bench-tree";
     std::filesystem::remove_all(root);
     makeTree(root, files, folders);
-    ChoosingDesktop desktop(root);
+    AnsweringDesktop desktop(root);
     const std::string output = root + "-unique";
     const std::string command = "LC_ALL=C rg --no-config -j1 -INaoi --no-unicode "
                                 "'\\b[A-Z0-9._%+-]+@[A-Z0-9.-]+\\.[A-Z]{2,}\\b' "

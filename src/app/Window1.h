@@ -19,6 +19,7 @@
 #include "framework/threads/Timer.h"
 #include "scan/DuplicateIndex.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -157,6 +158,8 @@ private:
     void listFolder(
         const FolderItem& folder, std::vector<std::string>& files, std::vector<std::string>& subfolders);
     void readFiles(const std::vector<std::string>& paths);
+    /// Lets the event loop run for a short time.
+    void letEventsIn();
     void endRun();
 
     void enableButtonsAfterScan();
@@ -164,6 +167,7 @@ private:
     /// On an empty list the label keeps its old text.
     void setTotalLabel();
 
+    std::chrono::steady_clock::time_point m_lastEvents; // when letEventsIn() returned last
     DuplicateIndex m_knownRows; // those that checkDuplicates() has looked at
     std::uint64_t m_arrangement = 0; // Listbox1's when it had done so
 };
