@@ -47,6 +47,7 @@ void runGuarded(const std::string& name, const std::function<void()>& handler)
         handler();
     } catch (const std::exception&) {
         reportCurrentException(name);
+    } catch (const CancelUnwinding&) {
     } catch (const QuitUnwinding&) {
     }
 }
