@@ -4,8 +4,11 @@
 
 #include "framework/dialogs/Desktop.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <utility>
 
 namespace quilvane {
@@ -34,6 +37,10 @@ public:
     void showMessage(std::string_view text) override { std::printf("%s\n", std::string(text).c_str()); }
     MessageDialog::Button showDialog(const MessageDialog&) override { return MessageDialog::Button::Action; }
     void showError(std::string_view what, std::string_view) override { showMessage(what); }
+    bool waitForPage(std::string_view, const std::function<std::optional<std::uint64_t>()>&) override
+    {
+        return false;
+    }
     bool openWithDefaultApplication(std::string_view) override { return true; }
 
 private:

@@ -79,6 +79,7 @@ public:
     /// Searches the page that urlField names, and empties the field. A page that can't be loaded leaves it.
     void doHTML();
     void urlField_TextChange();
+    bool urlField_KeyDown(const std::string& key);
     void HTMLViewer1_DocumentComplete(const std::string& url);
     void HTMLViewer1_DocumentProgressChanged(const std::string& url, int percentage);
     /// Nothing calls it, like doCSVFolder.
