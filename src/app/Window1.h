@@ -161,7 +161,7 @@ private:
     bool classifyChildren(const FolderItem& folder, const RunRules& rules, Ref<FolderItem>& current);
     void startWorker();
     /// The path in itemArrayZ that the run has come to, with all that is told of it.
-    Ref<FolderItem> takeItem(std::size_t i);
+    Ref<FolderItem> takeItem(std::size_t i, Ref<FolderItem> f);
     /// The folders in subFolderArrayZ one by one, until the user stops the run.
     void walkSubfolders(const RunRules& rules, Ref<FolderItem>& current);
     struct WalkedFolder;

@@ -7,6 +7,7 @@
 #include "batch/runRules.h"
 #include "framework/Application.h"
 #include "framework/dialogs/dialogs.h"
+#include "framework/files/ReadAhead.h"
 #include "framework/text/strings.h"
 
 namespace quilvane {
@@ -94,8 +95,9 @@ void Window1::listFolder(
 
 void Window1::readFiles(const std::vector<std::string>& files)
 {
+    ReadAhead ahead(files);
     for (std::size_t i = 0; i < files.size(); ++i) {
-        const Ref<FolderItem> f = GetFolderItem(files[i]);
+        const Ref<FolderItem> f = ahead.next();
         myProgressText = searchingText(i + 1, files.size(), f->Name());
         nextOne = progressValue(i, files.size());
         Application::DoEvents(eventLoopSpell);
@@ -105,7 +107,7 @@ void Window1::readFiles(const std::vector<std::string>& files)
         if (nameHas(".docx", extension)) {
             doWordFolderThread(f);
             Application::DoEvents(eventLoopSpell);
-        } else if (nameHas(".csv", extension) && f->OpenAsTextFile()) {
+        } else if (nameHas(".csv", extension)) {
             doCSVFolderThread(f);
         }
         yieldToThreads();

@@ -7,6 +7,7 @@
 #include "batch/runRules.h"
 #include "framework/Application.h"
 #include "framework/files/BinaryStream.h"
+#include "framework/files/ReadAhead.h"
 #include "framework/files/TextInputStream.h"
 #include "framework/word/WordFileMBS.h"
 #include "scan/AddressScanner.h"
@@ -22,12 +23,13 @@ constexpr const char* sampleAddress = "sample@example.com";
 
 void Window1::Thread1_Run()
 {
+    ReadAhead ahead(itemArrayZ);
     for (std::size_t i = 0; i < itemArrayZ.size(); ++i) {
         if (stopSwitch) {
             Thread1.Kill();
             break;
         }
-        const Ref<FolderItem> f = takeItem(i);
+        const Ref<FolderItem> f = takeItem(i, ahead.next());
         // The last extension counts, not the whole name: notes.txt.bak was listed and is not read.
         const std::string extension = lastExtension(f->Name());
         if (nameHas("\\.doc", extension))
@@ -36,7 +38,7 @@ void Window1::Thread1_Run()
             doPDFCheckThread(); // reads no file: it finds what the file before has left once more
         else if (nameHas("\\.txt", extension))
             doTextThread(f);
-        else if (nameHas("\\.csv", extension) && f->OpenAsTextFile())
+        else if (nameHas("\\.csv", extension))
             doCSVFolderThread(f);
         yieldToThreads();
     }
@@ -49,7 +51,7 @@ void Window1::noThread()
             Thread1.Kill();
             break;
         }
-        const Ref<FolderItem> f = takeItem(i);
+        const Ref<FolderItem> f = takeItem(i, GetFolderItem(itemArrayZ[i]));
         Application::DoEvents(eventLoopSpell);
         const std::string extension = lastExtension(f->Name());
         if (nameHas(".doc", extension)) {
@@ -68,10 +70,9 @@ void Window1::noThread()
     myProgressText = "Searching subfolders.";
 }
 
-Ref<FolderItem> Window1::takeItem(std::size_t i)
+Ref<FolderItem> Window1::takeItem(std::size_t i, Ref<FolderItem> f)
 {
     currentFile = itemArrayZ[i];
-    Ref<FolderItem> f = GetFolderItem(itemArrayZ[i]);
     myProgressText = searchingText(i + 1, itemArrayZ.size(), f->Name());
     counter = std::int64_t(i);
     nextOne = progressValue(i, itemArrayZ.size());
@@ -92,11 +93,10 @@ void Window1::doTextThread(const Ref<FolderItem>& f)
 
 void Window1::doCSVFolderThread(const Ref<FolderItem>& f)
 {
-    const Ref<FolderItem> file = GetFolderItem(f->NativePath());
-    if (!file)
-        return;
     setSearchText({});
-    const Ref<TextInputStream> stream = file->OpenAsTextFile();
+    const Ref<TextInputStream> stream = f->OpenAsTextFile();
+    if (!stream)
+        return;
     setSearchText(stream->ReadAll());
     stageMatches();
     stream->Close();
@@ -106,8 +106,7 @@ void Window1::doWordFolderThread(const Ref<FolderItem>& f)
 {
     if (nameHas(lockFilePattern, f->Name()))
         return;
-    const Ref<FolderItem> file = GetFolderItem(f->NativePath());
-    const Ref<BinaryStream> stream = BinaryStream::Open(*file);
+    const Ref<BinaryStream> stream = BinaryStream::Open(*f);
     const Ref<WordFileMBS> document = WordFileMBS::OpenData(stream->Read(stream->Length()));
     setSearchText(document ? document->Text() : sampleAddress);
     stageMatches();
