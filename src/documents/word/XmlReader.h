@@ -4,7 +4,6 @@
 
 #include "documents/ReadingBudget.h"
 
-#include <memory>
 #include <span>
 #include <string_view>
 
@@ -16,8 +15,7 @@ struct XmlAttribute {
     std::string_view value;
 };
 
-/// What an XmlReader tells. Views hold until the call returns; that of a namespace's URI until the reader
-/// goes, and the same place stands for the same URI.
+/// What readXml() tells. Views hold until the call returns. Namespaces of more than 255 bytes count as none.
 class XmlHandler {
 public:
     virtual ~XmlHandler() = default;
@@ -28,29 +26,11 @@ public:
     virtual void characters(std::string_view text) = 0;
 };
 
-/// Reads one XML document, piece by piece, and tells a handler what is in it.
-///
-/// Call feed() until it returns false or the document is over, then finish(). Broken XML is read as far as it
-/// makes sense. Reading ends where a document would cost too much: at a document type declaration, at
-/// elements nested deeper than 10,000, at a tag of more than 1,000 attributes that does not end soon, when
-/// the budget is spent. It opens no other file.
-class XmlReader {
-public:
-    /// Both must outlive the reader.
-    XmlReader(XmlHandler& handler, ReadingBudget& budget);
-    ~XmlReader();
-    XmlReader(const XmlReader&) = delete;
-    XmlReader& operator=(const XmlReader&) = delete;
-
-    /// Whether more is wanted. Throws what the handler throws.
-    bool feed(std::string_view bytes);
-
-    /// Hands over what was held back in case more would come.
-    void finish();
-
-private:
-    struct Native;
-    std::unique_ptr<Native> m_native;
-};
+/// Reads an XML document and tells a handler what is in it. What is damaged is passed over up to the next
+/// tag; an end tag that comes too early closes what is open in its element. Reading ends where the budget's
+/// places of damage do, at a document type declaration, before any entity is declared, and where elements in
+/// elements, attributes or names are so many that keeping them takes more than 64 MB. Time is linear in the
+/// bytes. It opens no other file. Throws what the handler throws.
+void readXml(std::string_view xml, XmlHandler& handler, ReadingBudget& budget);
 
 } // namespace quilvane
