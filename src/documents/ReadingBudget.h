@@ -13,7 +13,6 @@ struct ReadingBudget {
     static constexpr std::size_t partBytes = std::size_t(64) << 20; // of one part
 
     std::size_t bytes = std::size_t(128) << 20; // of all parts, unpacked
-    int xmlDamage = 1000; // places after which XML is read on
     int depth = 4; // of documents in documents, the outermost one included
 
     void spend(std::size_t count) { bytes -= std::min(bytes, count); }

@@ -168,7 +168,7 @@ WordXmlText::WordXmlText(Relationships& relationships)
 void WordXmlText::startElement(
     std::string_view uri, std::string_view name, std::span<const XmlAttribute> attributes)
 {
-    if (uri != m_lastUri) {
+    if (uri.data() != m_lastUri.data()) {
         m_lastUri = uri;
         m_lastVocabulary = vocabularyOf(uri);
     }

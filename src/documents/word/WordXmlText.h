@@ -81,7 +81,7 @@ private:
     std::size_t m_given = 0; // how much text and how many references came out so far
     std::vector<std::size_t> m_givenBefore; // the same at the begin of each open set of alternatives
     std::vector<const Relationships::Entry*> m_references;
-    std::string m_lastUri; // most elements are of the same namespace as the one before
+    std::string_view m_lastUri; // most elements are of the same namespace as the one before
     Vocabulary m_lastVocabulary{};
 };
 

@@ -2,79 +2,46 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "documents/word/XmlReader.h"
 
+#include "documents/html/HtmlTokenizer.h"
 #include "text/ascii.h"
 #include "text/charset.h"
-#include "text/utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <exception>
+#include <deque>
 #include <map>
-#include <memory>
-#include <new>
 #include <optional>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
-
-#include <expat.h>
-#include <malloc.h>
 
 namespace quilvane {
 
 namespace {
 
-/// Bytes that all parsers at work may take: expat keeps every open element and every name.
-constexpr std::size_t mostMemory = std::size_t(64) << 20;
-thread_local std::size_t usedMemory = 0;
+constexpr auto npos = std::string_view::npos;
 
-void* resized(void* block, std::size_t size)
+constexpr bool isBlank(char c)
 {
-    const std::size_t before = malloc_usable_size(block);
-    if (size > before && size - before > mostMemory - std::min(usedMemory, mostMemory))
-        return nullptr;
-    void* result = std::realloc(block, size);
-    if (result)
-        usedMemory += malloc_usable_size(result) - before;
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+/// Whether a byte ends the name of an element or of an attribute.
+constexpr std::array<bool, 256> endsName = [] {
+    std::array<bool, 256> result{};
+    for (const char c : { ' ', '\t', '\r', '\n', '/', '=', '<', '>' })
+        result[static_cast<unsigned char>(c)] = true;
     return result;
-}
+}();
 
-void* allocated(std::size_t size)
-{
-    return resized(nullptr, size);
-}
-
-void freed(void* block)
-{
-    usedMemory -= malloc_usable_size(block);
-    std::free(block);
-}
-
-constexpr XML_Memory_Handling_Suite memoryFunctions{ allocated, resized, freed };
-
-/// Which namespace each prefix stands for at the moment. This is not left to expat, which copies the
-/// namespace's name for each attribute: long names, and many attributes, would take it hours.
+/// Which namespace each prefix stands for at the moment.
 class Namespaces {
 public:
-    /// Call it for each declaration of an element, then openElement().
-    void declare(std::string_view prefix, std::string_view uri)
+    Namespaces()
     {
-        constexpr std::size_t longest = 255;
-        constexpr std::size_t most = 100'000;
-        if (m_declared.size() == most || m_uris.size() == most)
-            return;
-        const auto place = m_uris.try_emplace(std::string(prefix)).first;
-        m_declared.push_back({ place, std::move(place->second), m_depth });
-        place->second = uri.size() <= longest ? uri : std::string_view();
-        m_lastPlace = m_uris.end();
-    }
-    /// For a document whose root element is damaged, with all that is declared there: what word processors
-    /// write.
-    void assumeUsual()
-    {
+        // For a document whose root element is damaged, with all that is declared there: what word processors
+        // write.
         using Uri = std::string_view;
         for (const auto& [prefix, uri] :
             { std::pair<Uri, Uri>{ "w", "http://schemas.openxmlformats.org/wordprocessingml/2006/main" },
@@ -82,15 +49,24 @@ public:
                 { "a", "http://schemas.openxmlformats.org/drawingml/2006/main" },
                 { "mc", "http://schemas.openxmlformats.org/markup-compatibility/2006" },
                 { "v", "urn:schemas-microsoft-com:vml" } })
-            m_uris.try_emplace(std::string(prefix), uri);
+            m_uris.emplace(prefix, uri);
+    }
+
+    /// `depth` is that of the element with the declaration. Both views must outlive this.
+    void declare(std::string_view prefix, std::string_view uri, std::size_t depth)
+    {
+        constexpr std::size_t most = 100'000;
+        if (m_declared.size() == most || m_uris.size() == most)
+            return;
+        const auto place = m_uris.try_emplace(prefix).first;
+        m_declared.push_back({ place, std::exchange(place->second, uri), depth });
         m_lastPlace = m_uris.end();
     }
-    void openElement() { ++m_depth; }
-    void closeElement()
+
+    void leave(std::size_t depth)
     {
-        --m_depth;
-        for (; !m_declared.empty() && m_declared.back().depth == m_depth; m_declared.pop_back())
-            m_declared.back().place->second = std::move(m_declared.back().before);
+        for (; !m_declared.empty() && m_declared.back().depth == depth; m_declared.pop_back())
+            m_declared.back().place->second = m_declared.back().before;
     }
 
     /// Empty for a prefix that was not declared.
@@ -102,221 +78,235 @@ public:
     }
 
 private:
-    using Uris = std::map<std::string, std::string, std::less<>>;
+    using Uris = std::map<std::string_view, std::string_view>;
     struct Declared {
         Uris::iterator place;
-        std::string before; // what the prefix stood for
+        std::string_view before; // what the prefix stood for
         std::size_t depth;
     };
 
     Uris m_uris;
     Uris::iterator m_lastPlace = m_uris.end();
     std::vector<Declared> m_declared;
-    std::size_t m_depth = 0;
 };
 
 /// The two halves of "w:p"; the first one is empty without a prefix.
 std::pair<std::string_view, std::string_view> split(std::string_view name)
 {
     const std::size_t colon = name.find(':');
-    if (colon == std::string_view::npos)
+    if (colon == npos)
         return { {}, name };
     return { name.substr(0, colon), name.substr(colon + 1) };
 }
 
-struct FreeParser {
-    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-};
-using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, FreeParser>;
-
-/// One reading of one document, by one parser after the other: each ends at the first damage.
+/// One reading of one document, in UTF-8.
 class Reading {
 public:
-    Reading(XmlHandler& handler, ReadingBudget& budget)
-        : m_handler(handler)
-        , m_budget(budget)
+    Reading(std::string_view xml, XmlHandler& handler)
+        : m_rest(xml)
+        , m_handler(handler)
     {
     }
 
-    void read(std::string_view xml)
+    void read()
     {
-        constexpr std::size_t deepest = 100; // where reading goes on after damage
-        const bool isWide = xml.substr(0, 4).find('\0') != std::string_view::npos;
-        while (const std::optional<std::size_t> damage = readUpToDamage(xml)) {
-            if (isWide || m_open.size() > deepest || m_budget.xmlDamage == 0)
-                return;
-            --m_budget.xmlDamage;
-            if (m_open.empty())
-                m_namespaces.assumeUsual();
-            xml.remove_prefix(*damage);
-            if (m_error == XML_ERROR_TAG_MISMATCH)
-                closeElement(xml.substr(0, xml.find_first_of("> \t\r\n")));
-            xml.remove_prefix(std::min(xml.find('<', 1), xml.size()));
+        constexpr std::size_t deepest = 10'000;
+        while (!m_rest.empty() && m_open.size() < deepest) {
+            takeText();
+            if (m_rest.starts_with("</"))
+                takeEndTag();
+            else if (m_rest.starts_with("<!DOCTYPE"))
+                return; // entities would be declared there
+            else if (m_rest.starts_with("<![CDATA["))
+                m_handler.characters(takeThrough("<![CDATA[", "]]>"));
+            else if (m_rest.starts_with("<!--"))
+                takeThrough("<!--", "-->");
+            else if (m_rest.starts_with("<?"))
+                takeThrough("<?", "?>");
+            else
+                takeStartTag();
         }
+        while (!m_open.empty())
+            closeElement();
     }
 
 private:
-    /// The place of the damage, of an end tag that does not fit that of its name; `m_error` tells which.
-    /// Nothing if there is none, or reading must not go on: a token that has no end was looked through to the
-    /// end.
-    std::optional<std::size_t> readUpToDamage(std::string_view xml)
+    std::string_view take(std::size_t count)
     {
-        const Parser parser = makeParser();
-        m_parser = parser.get();
-        // The elements that were open before the damage, so that their end tags make sense.
-        std::string openTags;
-        for (const std::string& name : m_open)
-            openTags += '<' + name + '>';
-        m_isTold = false;
-        XML_Status status = parse(openTags, false);
-        m_isTold = true;
-        // A token that a piece cuts is read again with the next one, so the pieces then grow.
-        constexpr std::size_t smallest = std::size_t(1) << 16;
-        std::size_t size = smallest;
-        for (std::size_t at = 0; status == XML_STATUS_OK && !m_isStopped && at < xml.size();) {
-            const std::string_view piece = xml.substr(at, size);
-            at += piece.size();
-            status = parse(piece, at == xml.size());
-            size = at - std::min(place() - openTags.size(), at) > size / 2 ? size * 2 : smallest;
-        }
-        m_error = XML_GetErrorCode(m_parser);
-        const std::size_t damage = place() - std::min(place(), openTags.size());
-        if (status == XML_STATUS_OK || m_isStopped || damage >= xml.size() || m_error == XML_ERROR_NO_MEMORY
-            || m_error == XML_ERROR_UNCLOSED_TOKEN || m_error == XML_ERROR_UNCLOSED_CDATA_SECTION)
-            return {};
-        return damage;
+        const std::string_view taken = m_rest.substr(0, count);
+        m_rest.remove_prefix(taken.size());
+        return taken;
     }
 
-    XML_Status parse(std::string_view piece, bool isLast)
+    std::string_view takeName()
     {
-        const XML_Status status = XML_Parse(
-            m_parser, piece.data(), static_cast<int>(piece.size()), isLast ? XML_TRUE : XML_FALSE);
-        if (m_thrown)
-            std::rethrow_exception(m_thrown);
-        return status;
+        std::size_t size = 0;
+        while (size < m_rest.size() && !endsName[static_cast<unsigned char>(m_rest[size])])
+            ++size;
+        return take(size);
     }
 
-    std::size_t place() const { return static_cast<std::size_t>(XML_GetCurrentByteIndex(m_parser)); }
-
-    Parser makeParser()
+    void skipBlanks()
     {
-        Parser parser(XML_ParserCreate_MM(
-            m_encoding.empty() ? nullptr : m_encoding.c_str(), &memoryFunctions, nullptr));
-        if (!parser)
-            throw std::bad_alloc();
-        XML_SetUserData(parser.get(), this);
-        XML_SetElementHandler(
-            parser.get(),
-            [](void* self, const XML_Char* name, const XML_Char** attributes) {
-                of(self).tell(&Reading::startElement, name, attributes);
-            },
-            [](void* self, const XML_Char*) { of(self).tell(&Reading::endElement); });
-        XML_SetCharacterDataHandler(parser.get(), [](void* self, const XML_Char* text, int size) {
-            of(self).tell(&Reading::characters, std::string_view(text, static_cast<std::size_t>(size)));
-        });
-        XML_SetXmlDeclHandler(parser.get(), [](void* self, const XML_Char*, const XML_Char* encoding, int) {
-            // That of what is read here has one byte for a letter, whatever it says.
-            of(self).m_encoding = encoding && !beginsIgnoringCase(encoding, "UTF-16") ? encoding : "";
-        });
-        XML_SetStartDoctypeDeclHandler(parser.get(),
-            [](void* self, const XML_Char*, const XML_Char*, const XML_Char*, int) { of(self).stop(); });
-        XML_SetUnknownEncodingHandler(parser.get(), takeEncoding, nullptr);
-        return parser;
+        while (!m_rest.empty() && isBlank(m_rest.front()))
+            m_rest.remove_prefix(1);
     }
 
-    static Reading& of(void* self) { return *static_cast<Reading*>(self); }
-
-    void stop()
+    /// What stands between those two, of which the first one comes now.
+    std::string_view takeThrough(std::string_view begin, std::string_view end)
     {
-        m_isStopped = true;
-        XML_StopParser(m_parser, XML_FALSE);
+        take(begin.size());
+        const std::string_view content = take(m_rest.find(end));
+        take(end.size());
+        return content;
     }
 
-    /// Calls that expat makes after a stop are dropped. What is thrown must not fly through expat's frames.
-    template <typename... Parameters, typename... Arguments>
-    void tell(void (Reading::*call)(Parameters...), Arguments... arguments)
+    /// With its references replaced; good until the next start tag is told.
+    std::string_view plain(std::string_view text)
     {
-        if (m_isStopped || !m_isTold)
+        if (text.find('&') == npos)
+            return text;
+        return m_replaced.emplace_back(withoutReferences(text));
+    }
+
+    void forgetReplaced()
+    {
+        if (!m_replaced.empty())
+            m_replaced.clear();
+    }
+
+    void takeText()
+    {
+        const std::string_view text = take(m_rest.find('<'));
+        if (!text.empty() && !m_open.empty())
+            m_handler.characters(plain(text));
+        forgetReplaced();
+    }
+
+    /// Closes what is open in its element, if that is not too much; passes over one that fits nothing.
+    void takeEndTag()
+    {
+        take(2);
+        const std::string_view name = takeName();
+        take(std::min(m_rest.find_first_of("<>"), m_rest.size()));
+        if (m_rest.starts_with('>'))
+            take(1);
+        constexpr std::size_t mostLeftOpen = 100;
+        const auto farthest
+            = m_open.rbegin() + static_cast<std::ptrdiff_t>(std::min(m_open.size(), mostLeftOpen));
+        const auto found = std::find(m_open.rbegin(), farthest, name);
+        if (found == farthest)
             return;
-        try {
-            (this->*call)(arguments...);
-        } catch (...) {
-            m_thrown = std::current_exception();
-            stop();
-        }
+        const auto left = static_cast<std::size_t>(m_open.rend() - found) - 1;
+        while (m_open.size() > left)
+            closeElement();
     }
 
-    void startElement(const XML_Char* name, const XML_Char** attributes)
+    void closeElement()
     {
-        m_attributes.clear();
-        for (const XML_Char** attribute = attributes; *attribute; attribute += 2) {
-            const auto [prefix, ownName] = split(attribute[0]);
-            if (prefix == "xmlns" || (prefix.empty() && ownName == "xmlns"))
-                m_namespaces.declare(prefix.empty() ? prefix : ownName, attribute[1]);
-            else
-                m_attributes.push_back({ prefix, ownName, attribute[1] });
-        }
-        for (XmlAttribute& attribute : m_attributes)
-            if (!attribute.uri.empty())
-                attribute.uri = m_namespaces.uriOf(attribute.uri);
-        m_namespaces.openElement();
-        m_open.emplace_back(name);
-        const auto [prefix, ownName] = split(name);
-        m_handler.startElement(m_namespaces.uriOf(prefix), ownName, m_attributes);
-    }
-
-    void endElement()
-    {
+        m_namespaces.leave(m_open.size());
         m_open.pop_back();
-        m_namespaces.closeElement();
         m_handler.endElement();
     }
 
-    /// Takes an end tag that comes too early, and closes what is open in that element; passes over one that
-    /// fits nothing.
-    void closeElement(std::string_view name)
+    /// One that is damaged is passed over up to the next '<' or '>', with no element.
+    void takeStartTag()
     {
-        const auto found = std::find(m_open.rbegin(), m_open.rend(), name);
-        const auto left = static_cast<std::size_t>(m_open.rend() - found);
-        while (left > 0 && m_open.size() >= left)
-            endElement();
-    }
-
-    void characters(std::string_view text) { m_handler.characters(text); }
-
-    /// Of the character sets that expat does not know, those of one byte for each character; of others,
-    /// ASCII.
-    static int takeEncoding(void*, const XML_Char* name, XML_Encoding* encoding)
-    {
-        const int codePage = codePageNamed(name).value_or(codePages::utf8);
-        for (int byte = 0; byte < 256; ++byte) {
-            const char c = static_cast<char>(byte);
-            encoding->map[byte] = static_cast<int>(firstCharacter(toUtf8({ &c, 1 }, codePage)).code);
+        take(1);
+        m_attributes.clear();
+        const std::string_view name = takeName();
+        const std::size_t depth = m_open.size() + 1;
+        skipBlanks();
+        while (!m_rest.empty() && m_rest.front() != '/' && m_rest.front() != '>') {
+            if (!takeAttribute(depth))
+                break;
+            skipBlanks();
         }
-        encoding->data = nullptr;
-        encoding->convert = nullptr;
-        encoding->release = nullptr;
-        return XML_STATUS_OK;
+        const bool isEmpty = m_rest.starts_with("/>");
+        if (name.empty() || (!isEmpty && !m_rest.starts_with('>'))) {
+            m_namespaces.leave(depth);
+            forgetReplaced();
+            take(m_rest.find_first_of("<>"));
+            if (m_rest.starts_with('>'))
+                take(1);
+            return;
+        }
+        take(isEmpty ? 2 : 1);
+        for (XmlAttribute& attribute : m_attributes)
+            if (!attribute.uri.empty())
+                attribute.uri = m_namespaces.uriOf(attribute.uri);
+        const auto [prefix, ownName] = split(name);
+        m_open.push_back(name);
+        m_handler.startElement(m_namespaces.uriOf(prefix), ownName, m_attributes);
+        forgetReplaced();
+        if (isEmpty)
+            closeElement();
     }
 
+    /// False if there is none.
+    bool takeAttribute(std::size_t depth)
+    {
+        constexpr std::size_t mostAttributes = 1000;
+        const std::string_view name = takeName();
+        skipBlanks();
+        if (name.empty() || !m_rest.starts_with('='))
+            return false;
+        take(1);
+        skipBlanks();
+        if (!m_rest.starts_with('"') && !m_rest.starts_with('\''))
+            return false;
+        const char quote = take(1).front();
+        const std::string_view value = m_rest.substr(0, m_rest.find(quote));
+        if (value.size() == m_rest.size() || value.find('<') != npos)
+            return false;
+        take(value.size() + 1);
+        const auto [prefix, ownName] = split(name);
+        if (prefix == "xmlns" || (prefix.empty() && ownName == "xmlns"))
+            m_namespaces.declare(prefix.empty() ? prefix : ownName, value, depth);
+        else if (m_attributes.size() < mostAttributes)
+            m_attributes.push_back({ prefix, ownName, plain(value) });
+        return true;
+    }
+
+    std::string_view m_rest;
     XmlHandler& m_handler;
-    ReadingBudget& m_budget;
-    XML_Parser m_parser = nullptr;
-    XML_Error m_error = XML_ERROR_NONE;
-    std::string m_encoding; // as the document names it
     Namespaces m_namespaces;
-    std::vector<std::string> m_open; // the names of the open elements
-    std::vector<XmlAttribute> m_attributes; // of the element told at the moment
-    bool m_isTold = true;
-    bool m_isStopped = false;
-    std::exception_ptr m_thrown;
+    std::vector<std::string_view> m_open; // the names of the open elements
+    std::vector<XmlAttribute> m_attributes; // of the tag at hand
+    std::deque<std::string> m_replaced; // what held references, of the tag or the text at hand
 };
+
+/// The code page that a document is in by its first bytes (XML 1.0, appendix F); nothing for UTF-8.
+std::optional<int> codePageOf(std::string_view xml)
+{
+    using namespace std::string_view_literals;
+    if (xml.starts_with("\xFF\xFE"sv) || xml.starts_with("<\0"sv))
+        return codePages::utf16LittleEndian;
+    if (xml.starts_with("\xFE\xFF"sv) || xml.starts_with("\0<"sv))
+        return codePages::utf16BigEndian;
+    const std::string_view declaration = xml.substr(0, xml.find("?>"));
+    constexpr std::string_view key = "encoding=";
+    const std::size_t at = declaration.find(key);
+    if (!xml.starts_with("<?xml") || at == npos)
+        return {};
+    const std::string_view quoted = withoutLeading(declaration.substr(at + key.size()), "\"'");
+    const std::string_view name = quoted.substr(0, quoted.find_first_of("\"'"));
+    // What was read here has one byte for a letter, whatever it says.
+    if (beginsIgnoringCase(name, "UTF"))
+        return {};
+    return codePageNamed(name);
+}
 
 } // namespace
 
-void readXml(std::string_view xml, XmlHandler& handler, ReadingBudget& budget)
+void readXml(std::string_view xml, XmlHandler& handler)
 {
-    Reading(handler, budget).read(xml);
+    std::string converted;
+    if (const std::optional<int> codePage = codePageOf(xml)) {
+        converted = toUtf8(xml, *codePage);
+        xml = converted;
+    }
+    Reading(xml, handler).read();
 }
 
 } // namespace quilvane

@@ -78,7 +78,7 @@ private:
     {
         Relationships relationships = relationshipsOf(ZipArchive::normalised(entry.name));
         WordXmlText partText(relationships);
-        readXml(unpacked(entry), partText, m_budget);
+        readXml(unpacked(entry), partText);
         m_isWord = m_isWord || !partText.root().empty();
         m_text += partText.takeText();
         for (const Relationships::Entry* reference : partText.references()) {
@@ -109,7 +109,7 @@ private:
         constexpr std::size_t costOfEach = 256;
         Relationships relationships(source);
         if (const ZipArchive::Entry* entry = m_archive.find(Relationships::partFor(source)))
-            readXml(unpacked(*entry), relationships, m_budget);
+            readXml(unpacked(*entry), relationships);
         m_budget.spend(relationships.entries().size() * costOfEach);
         return relationships;
     }
@@ -233,14 +233,14 @@ std::optional<std::string> sourceOf(std::string_view part)
 }
 
 /// Read twice, as the relationships may stand after what they belong to.
-std::string textOfFlatPackage(std::string_view xml, ReadingBudget& budget)
+std::string textOfFlatPackage(std::string_view xml)
 {
     RelationshipsByPart relationships;
     FlatPackageSplitter findRelationships([&](const std::string& part) -> XmlHandler* {
         const std::optional<std::string> source = sourceOf(part);
         return source ? &relationships.try_emplace(*source, *source).first->second : nullptr;
     });
-    readXml(xml, findRelationships, budget);
+    readXml(xml, findRelationships);
 
     const std::set<std::string> wanted = textParts(relationships);
     std::map<std::string, WordXmlText> texts;
@@ -250,7 +250,7 @@ std::string textOfFlatPackage(std::string_view xml, ReadingBudget& budget)
         Relationships& ofPart = relationships.try_emplace(part, part).first->second;
         return &texts.try_emplace(part, ofPart).first->second;
     });
-    readXml(xml, findText, budget);
+    readXml(xml, findText);
 
     std::string text;
     for (auto& [part, partText] : texts)
@@ -270,15 +270,15 @@ std::optional<std::string> textOfFlatXml(std::string_view xml, ReadingBudget& bu
     xml = xml.substr(0, budget.bytes);
     constexpr std::size_t rootIsWithin = std::size_t(1) << 16;
     RootProbe root;
-    readXml(xml.substr(0, rootIsWithin), root, budget);
+    readXml(xml.substr(0, rootIsWithin), root);
     if (root.uri == flatPackageUri)
-        return textOfFlatPackage(xml, budget);
+        return textOfFlatPackage(xml);
 
     // Most other XML is no document, and need not be read to its end to know.
     for (const std::string_view part : { xml.substr(0, rootIsWithin), xml }) {
         Relationships none;
         WordXmlText text(none);
-        readXml(part, text, budget);
+        readXml(part, text);
         if (text.root().empty())
             return std::nullopt;
         if (part.size() == xml.size())
