@@ -6,6 +6,7 @@
 #include "framework/files/FileType.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/PictureNative.h"
+#include "text/mailLink.h"
 
 #include <QAccessibleWidget>
 #include <QDropEvent>
@@ -85,7 +86,7 @@ private:
         if (url.scheme() != "file")
             return std::nullopt;
         // Not toLocalFile(): names are bytes, and not all are UTF-8.
-        return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8()).toStdString();
+        return percentDecoded(url.path(QUrl::FullyEncoded).toStdString());
     }
 
     void press()

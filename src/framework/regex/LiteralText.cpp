@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/regex/LiteralText.h"
 
+#include "text/ascii.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -17,7 +19,7 @@ constexpr std::size_t longest = 64;
 constexpr std::array<char, 256> foldedBytes = [] {
     std::array<char, 256> folded{};
     for (std::size_t i = 0; i < folded.size(); ++i)
-        folded[i] = i >= 'A' && i <= 'Z' ? char(i - 'A' + 'a') : char(i);
+        folded[i] = lowerCased(static_cast<char>(i));
     return folded;
 }();
 
@@ -26,16 +28,11 @@ char fold(char byte)
     return foldedBytes[static_cast<unsigned char>(byte)];
 }
 
-bool isLetterOrDigit(char byte)
-{
-    const char folded = fold(byte);
-    return (folded >= 'a' && folded <= 'z') || (byte >= '0' && byte <= '9');
-}
-
 /// The bytes that stand for themselves in every place of a pattern.
 bool isPlain(char byte)
 {
-    return isLetterOrDigit(byte) || std::string_view("@_%-,;:!'\"/&=~ ").find(byte) != std::string_view::npos;
+    return isLetter(byte) || isDigit(byte)
+        || std::string_view("@_%-,;:!'\"/&=~ ").find(byte) != std::string_view::npos;
 }
 
 constexpr std::uint64_t everyByte = 0x0101010101010101;
@@ -51,7 +48,7 @@ class EightTimes {
 public:
     explicit EightTimes(char folded)
         : m_wanted(everyByte * static_cast<unsigned char>(folded))
-        , m_caseBits(folded >= 'a' && folded <= 'z' ? everyByte * 0x20 : 0)
+        , m_caseBits(isLowerLetter(folded) ? everyByte * 0x20 : 0)
     {
     }
 
