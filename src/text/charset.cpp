@@ -3,6 +3,7 @@
 #include "text/charset.h"
 
 #include "text/ascii.h"
+#include "text/converters.h"
 
 #include <algorithm>
 #include <array>
@@ -29,10 +30,13 @@ struct CloseConverter {
 static_assert(std::is_same_v<iconv_t, void*>);
 using Converter = std::unique_ptr<void, CloseConverter>;
 
-/// Null if the system does not know the character set.
+/// Null if the character set is not known.
 Converter openConverter(const std::string& charset)
 {
-    iconv_t opened = iconv_open("UTF-8", charset.c_str());
+    const char* const name = converterName(charset);
+    if (!name)
+        return nullptr;
+    iconv_t opened = iconv_open("UTF-8", name);
     return Converter(reinterpret_cast<std::intptr_t>(opened) == -1 ? nullptr : opened);
 }
 
