@@ -76,8 +76,6 @@ public:
                 read(order->document, bytes, descriptors);
             else
                 obey(*order);
-            for (const int descriptor : descriptors)
-                ::close(descriptor);
         }
         return EXIT_SUCCESS;
     }
@@ -99,7 +97,9 @@ private:
             forkSpare();
             sendMessage(m_spareSocket, order, descriptors);
         }
-        ::close(m_spareSocket);
+        // Before the next fork: no child holds what is another one's.
+        for (const int descriptor : { m_spareSocket, descriptors[0], descriptors[1] })
+            ::close(descriptor);
         m_children[document] = m_spare;
         forkSpare();
     }
