@@ -134,7 +134,7 @@ std::string DocumentChild::whyEnded(bool wasIdle)
         return "It needs more than " + inMebibytes(m_limits.memory) + " of memory.";
     const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
     if (signal == SIGPROF)
-        return "A page of it takes more than " + inSeconds(m_limits.step) + '.';
+        return "Opening it or reading a page of it takes more than " + inSeconds(m_limits.step) + '.';
     if (signal == SIGXCPU)
         return "It takes more than " + inSeconds(m_limits.document) + '.';
     if (signal != 0)
