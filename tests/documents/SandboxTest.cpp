@@ -294,11 +294,12 @@ TEST_F(Sandboxed, TheKernelEndsWhatCostsTooMuch)
     };
     EXPECT_EQ(signalOf(inRoom(walls, noDocument, plenty, spinInStep)), SIGPROF);
     const auto takeMemory = [] {
-        for (int i = 0; i < 64; ++i)
-            if (!std::malloc(std::size_t(1) << 20))
-                ::_exit(3);
+        constexpr std::size_t tooMuch = std::size_t(1) << 28;
+        if (::mmap(nullptr, tooMuch, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
+            == MAP_FAILED)
+            ::_exit(3);
     };
-    EXPECT_EQ(signalOf(inRoom(walls, noDocument, { .memory = 32 << 20, .seconds = 60 }, takeMemory)), -3);
+    EXPECT_EQ(signalOf(inRoom(walls, noDocument, { .memory = 128 << 20, .seconds = 60 }, takeMemory)), -3);
     EXPECT_EQ(signalOf(inRoom(walls, noDocument, plenty, [] { std::abort(); })), SIGABRT);
 }
 
