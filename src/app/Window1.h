@@ -16,6 +16,7 @@
 #include "framework/files/TextInputStream.h"
 #include "framework/threads/Thread.h"
 #include "framework/threads/Timer.h"
+#include "scan/DuplicateIndex.h"
 
 #include <cstdint>
 #include <memory>
@@ -170,6 +171,9 @@ private:
         const FolderItem& folder, std::vector<std::string>& files, std::vector<std::string>& subfolders);
     void readFiles(const std::vector<std::string>& files);
     void endRun();
+
+    DuplicateIndex m_duplicates; // of Listbox1
+    std::uint64_t m_checkedArrangement = 0; // the one at which m_duplicates knows the rows
 
     void enableButtonsBehindScan();
     void setFinishMessage(Label& label);

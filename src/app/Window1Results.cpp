@@ -5,11 +5,12 @@
 #include "app/Window1.h"
 
 #include "framework/Application.h"
+#include "framework/controls/RowStore.h"
 #include "framework/files/availableMemory.h"
+#include "framework/keepWindowPainted.h"
 #include "scan/AddressScanner.h"
 #include "scan/TextPieces.h"
 #include "scan/endTexts.h"
-#include "scan/survivors.h"
 
 namespace quilvane {
 
@@ -70,8 +71,14 @@ void Window1::setTotalLabel()
 
 void Window1::checkDuplicates()
 {
-    const auto rowText = [this](std::size_t row) { return Listbox1.Row(row); };
-    Listbox1.RetainRows(0, findSurvivors(Listbox1.ListCount(), rowText, yieldToThreads));
+    if (Listbox1.Arrangement() != m_checkedArrangement)
+        m_duplicates.forget();
+    const RowStore& rows = Listbox1.Rows();
+    DuplicateIndex::Pass pass(m_duplicates, rows.size(), [&rows](std::size_t row) { return rows[row]; });
+    while (pass.step())
+        keepWindowPainted();
+    Listbox1.RetainRows(pass.firstRow(), pass.stays());
+    m_checkedArrangement = Listbox1.Arrangement();
 }
 
 void Window1::Listbox1_Change()
@@ -82,6 +89,7 @@ void Window1::Listbox1_Change()
 void Window1::clearBtn_Action()
 {
     Listbox1.DeleteAllRows();
+    m_duplicates.forget();
     clearBtn.setEnabled(false);
     exportBtn.setEnabled(false);
     results.setVisible(true);
