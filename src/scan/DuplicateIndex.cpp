@@ -14,6 +14,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include <sys/mman.h>
+
 namespace quilvane {
 
 namespace {
@@ -102,6 +104,22 @@ private:
     std::uint64_t m_v3;
 };
 
+/// Zeroed memory, to be given back with free(). Much of it is in huge pages where the system has them:
+/// memory that is first touched all over the place is made page by page, which would take longer than the
+/// work in it.
+void* allocateTable(std::size_t bytes)
+{
+    constexpr std::uintptr_t pageSize = 4096;
+    void* memory = std::calloc(bytes, 1);
+    if (!memory)
+        throw std::bad_alloc();
+    const auto begin = (reinterpret_cast<std::uintptr_t>(memory) + pageSize - 1) / pageSize * pageSize;
+    const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / pageSize * pageSize;
+    if (begin < end)
+        ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE); // a hint: it may fail
+    return memory;
+}
+
 /// For a text of up to 64 bytes that is wanted soon.
 void prefetch(std::string_view text)
 {
@@ -151,10 +169,7 @@ void DuplicateIndex::resizeFor(std::size_t rows)
     const std::size_t newCount = std::min(rows + rows * 2 / 3 + 16, mostSlots);
     if (newCount == m_slotCount)
         return;
-    // Zeroed as it is first touched.
-    std::unique_ptr<Slot[], Free> old(static_cast<Slot*>(std::calloc(newCount, sizeof(Slot))));
-    if (!old)
-        throw std::bad_alloc();
+    std::unique_ptr<Slot[], Free> old(static_cast<Slot*>(allocateTable(newCount * sizeof(Slot))));
     std::swap(m_slots, old);
     const std::size_t oldCount = std::exchange(m_slotCount, newCount);
     for (const Slot& slot : std::span(old.get(), oldCount)) {
@@ -170,7 +185,7 @@ DuplicateIndex::Pass::Pass(DuplicateIndex& index, std::size_t rowCount, RowText 
     , m_isSmall(rowCount - m_firstRow < m_firstRow / 16)
     , m_phaseSize(rowCount - m_firstRow)
 {
-    constexpr std::size_t usualPartSize = 32768;
+    constexpr std::size_t usualPartSize = 16384;
     if (rowCount > 4'000'000'000)
         throw std::length_error("There are too many rows to look for duplicates.");
     m_partBits = m_isSmall ? 0 : std::min<std::size_t>(std::bit_width(rowCount / usualPartSize), 10);
@@ -263,9 +278,11 @@ void DuplicateIndex::Pass::hash(std::size_t begin, std::size_t end)
 {
     for (std::size_t i = begin; i < end; ++i) {
         const std::string_view text = m_rowText(m_firstRow + i);
-        m_rows[i] = hashOf(text);
-        m_stays[i] = looksLikePictureName(text) ? 0 : 1;
-        m_partEnds[partOf(m_rows[i])] += m_stays[i];
+        const std::uint32_t hash = hashOf(text);
+        const bool isPicture = looksLikePictureName(text);
+        m_rows[i] = hash;
+        m_partEnds[partOf(hash)] += isPicture ? 0U : 1U;
+        m_stays[i] = isPicture ? 0 : 1;
     }
 }
 

@@ -151,8 +151,8 @@ void Listbox::DeleteAllRows()
 {
     if (Rows().empty())
         return;
-    m_model->rowsToChange(0).clear();
     ++m_arrangement;
+    m_model->rowsToChange(0).clear();
 }
 
 void Listbox::TruncateRows(std::size_t count)
@@ -166,14 +166,14 @@ void Listbox::RetainRows(std::size_t first, std::span<const unsigned char> stays
     const auto gone = std::find(stays.begin(), stays.end(), 0);
     if (gone == stays.end())
         return;
+    ++m_arrangement; // before, as it may fail half-way
     m_model->rowsToChange(first + std::size_t(gone - stays.begin())).retain(first, stays);
-    ++m_arrangement;
 }
 
 void Listbox::ReplaceRows(RowStore&& rows)
 {
-    m_model->rowsToChange(0) = std::move(rows);
     ++m_arrangement;
+    m_model->rowsToChange(0) = std::move(rows);
 }
 
 void Listbox::makeWidget(Native& native)
