@@ -20,7 +20,7 @@ namespace {
 
 using namespace quilvane;
 
-/// Rows as a list keeps them: texts one behind the other, with the place of each.
+/// Rows as a list keeps them: texts one after the other, with the place of each.
 class Rows {
 public:
     Rows(std::size_t count, unsigned percentDuplicates)

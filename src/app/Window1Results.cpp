@@ -7,7 +7,7 @@
 #include "framework/Application.h"
 #include "framework/keepWindowPainted.h"
 #include "scan/AddressScanner.h"
-#include "scan/endTexts.h"
+#include "scan/endOfRunTexts.h"
 
 #include <algorithm>
 

@@ -10,7 +10,7 @@
 #include "framework/keepWindowPainted.h"
 #include "framework/regex/RegEx.h"
 #include "framework/strings.h"
-#include "scan/endTexts.h"
+#include "scan/endOfRunTexts.h"
 #include "search/Window2.h"
 
 #include <utility>

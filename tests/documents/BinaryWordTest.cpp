@@ -130,7 +130,7 @@ TEST(BinaryWord, ForgedFilesEnd)
     const std::size_t tableSector = whole.size() - 512;
     std::string circle = whole;
     for (std::size_t at = tableSector; at < whole.size(); at += 4)
-        patch(circle, at, littleEndian((at - tableSector) / 4, 4)); // each sector is behind itself
+        patch(circle, at, littleEndian((at - tableSector) / 4, 4)); // each sector is followed by itself
     textOfBinaryWord(circle);
     std::string listCircle = whole;
     patch(listCircle, 68, littleEndian(0, 4)); // the table's list goes on in the first sector
@@ -202,7 +202,7 @@ TEST(Rtf, TextOfSnippets)
             Row{ "deleted, and no longer", R"(a\deleted b\deleted0 c\deleted d\plain e)", "ace" },
             Row{ "binary data", "a{\\pict\\bin5 }}{\\{}b", "ab" },
             Row{ "binary data that is not there", "a\\bin99999999999 b\\bin99 c", "ab" },
-            Row{ "behind the end", "a}b", "a" },
+            Row{ "after the end", "a}b", "a" },
             Row{ "no end", R"(a{\b b{\footnote c)", "ab\nc" },
             Row{ "broken", R"(\'\'zq\u)", "zq" },
             Row{ "deep", std::string(200'000, '{') + "a" + std::string(200'000, '}') + "b", "ab" },

@@ -73,7 +73,7 @@ TEST_F(WebPagesTest, endStates)
             "Total: 2 entries.", true, { "c@y.org", "x@y.org" }, 2 },
         { "one row", "x@y.org", {}, "Total: 1 entries.", true, { "x@y.org" }, 1 },
         { "none", "<p>", {}, "Total: 0 entries.", false, {}, 0 },
-        { "none, behind earlier rows", "<p>", { "a@b.co" }, "Total: 1 entries.", false, { "a@b.co" }, 0 },
+        { "none, after earlier rows", "<p>", { "a@b.co" }, "Total: 1 entries.", false, { "a@b.co" }, 0 },
         { "nothing new", "A@b.co", { "a@b.co" }, "Total: 1 entries.", true, { "a@b.co" }, 1 },
         { "a picture", "logo@2x.png", {}, "Total: 0 entries.", true, {}, 1 },
     };

@@ -39,7 +39,7 @@ inline std::string wide(std::string_view text)
     return bytes;
 }
 
-/// A compound file with streams of any size, each in large sectors one behind the other: the directory first,
+/// A compound file with streams of any size, each in large sectors one after the other: the directory first,
 /// the streams in their order, the allocation table last. The names hang below each other in one long branch.
 inline std::string compoundFile(const std::vector<std::pair<std::string, std::string>>& streams)
 {

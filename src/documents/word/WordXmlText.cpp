@@ -226,17 +226,17 @@ void WordXmlText::startElement(
         m_text.putMailTarget(mailTarget(valueOf(attributes, "dest")));
         break;
     case Role::Alternatives:
-        m_givenBefore.push_back(m_given);
+        m_outputBefore.push_back(m_outputSize);
         break;
     case Role::Alternative:
-        if (!m_givenBefore.empty() && m_given > m_givenBefore.back())
+        if (!m_outputBefore.empty() && m_outputSize > m_outputBefore.back())
             skipThis();
         break;
     case Role::Annotation:
         beginAnnotation(attributes);
         break;
     case Role::WordArt:
-        m_given += valueOf(attributes, "string").size();
+        m_outputSize += valueOf(attributes, "string").size();
         m_text.putAside(valueOf(attributes, "string"));
         break;
     default:
@@ -268,7 +268,7 @@ void WordXmlText::endElement()
         endBeside();
         break;
     case Role::Alternatives:
-        m_givenBefore.pop_back();
+        m_outputBefore.pop_back();
         break;
     default:
         break;
@@ -282,7 +282,7 @@ void WordXmlText::characters(std::string_view text)
     switch (m_open.back()) {
     case Role::Text:
     case Role::Line:
-        m_given += text.size();
+        m_outputSize += text.size();
         m_text.putText(text);
         break;
     case Role::FieldCode:
@@ -407,7 +407,7 @@ void WordXmlText::follow(std::span<const XmlAttribute> attributes)
         if (entry->kind == Relationships::Kind::Link) {
             m_text.putMailTarget(mailTarget(entry->target));
         } else if (entry->kind != Relationships::Kind::Story) {
-            ++m_given;
+            ++m_outputSize;
             m_references.push_back(entry);
         }
     }

@@ -78,8 +78,8 @@ private:
     std::vector<bool> m_isMarkDeleted; // of each open paragraph: whether it goes on in the next one
     std::vector<Beside> m_beside;
     TextCollector m_text;
-    std::size_t m_given = 0; // how much text and how many references came out so far
-    std::vector<std::size_t> m_givenBefore; // the same at the begin of each open set of alternatives
+    std::size_t m_outputSize = 0; // how much text and how many references came out so far
+    std::vector<std::size_t> m_outputBefore; // the same at the begin of each open set of alternatives
     std::vector<const Relationships::Entry*> m_references;
     std::string_view m_lastUri; // most elements are of the same namespace as the one before
     Vocabulary m_lastVocabulary{};

@@ -126,7 +126,7 @@ struct State {
     bool isDeleted = false;
     bool isInFontTable = false;
     std::optional<int> font; // else the default one
-    /// How many characters behind a \u stand in for it, for readers that do not know it.
+    /// How many characters after a \u stand in for it, for readers that do not know it.
     int fallbackLength = 1;
 };
 
@@ -433,7 +433,7 @@ private:
     std::vector<Group> m_groups;
     /// Of groups, those beyond `deepest` included.
     std::size_t m_depth = 0;
-    /// Behind \*: a group whose first word is not known is to be passed over.
+    /// After \*: a group whose first word is not known is to be passed over.
     bool m_isOptional = false;
     /// Characters that stand in for the one before them.
     int m_fallbackLeft = 0;

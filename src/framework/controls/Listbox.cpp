@@ -96,7 +96,7 @@ Listbox::Listbox(Window& window, std::string_view name)
 
 Listbox::~Listbox()
 {
-    deleteWidget(); // ahead of the model it shows
+    deleteWidget(); // before the model it shows
 }
 
 void Listbox::AddRow(std::string_view text)

@@ -84,7 +84,7 @@ protected:
     virtual void makeWidget(Native& native);
     /// Takes the caption column of the table. Default: this kind shows none.
     virtual void setTableCaption(std::string_view caption);
-    /// Runs behind the placing of all controls of the window.
+    /// Runs after the placing of all controls of the window.
     virtual void opened() { }
 
     Window& window() const { return m_window; }

@@ -23,7 +23,7 @@ public:
 
     explicit WordFileMBS(std::string text);
 
-    /// UTF-8: body, tables, text boxes, headers, footers, notes and comments, and behind the paragraph where
+    /// UTF-8: body, tables, text boxes, headers, footers, notes and comments, and after the paragraph where
     /// one stands, on a line of its own, the address that a mail link leads to.
     const std::string& Text() const { return m_text; }
 

@@ -26,7 +26,7 @@ public:
     /// Only for Create.
     struct Target {
         std::string shownPath; // as the user knows it
-        std::string path; // behind all links
+        std::string path; // all links followed
         std::string temporaryPath;
         FileDescriptor temporary;
     };

@@ -174,7 +174,7 @@ private:
         return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
     }
 
-    /// The connection is there, or taken over from the page before. Behind a proxy the address is the
+    /// The connection is there, or taken over from the page before. With a proxy the address is the
     /// proxy's.
     static int beginRequest(void* transfer, char* address, char*, int, int)
     {

@@ -44,9 +44,9 @@ std::uint64_t zeroBytes(std::uint64_t bytes)
 }
 
 /// One folded byte, to be looked for at eight places at once.
-class EightTimes {
+class EightCopies {
 public:
-    explicit EightTimes(char folded)
+    explicit EightCopies(char folded)
         : m_wanted(everyByte * static_cast<unsigned char>(folded))
         , m_caseBits(isLowerLetter(folded) ? everyByte * 0x20 : 0)
     {
@@ -99,23 +99,23 @@ std::size_t LiteralText::find(std::string_view text, std::size_t start) const
 {
     if (text.size() < start + m_folded.size())
         return std::string_view::npos;
-    const EightTimes first(m_folded.front());
-    const EightTimes last(m_folded.back());
+    const EightCopies first(m_folded.front());
+    const EightCopies last(m_folded.back());
     const char* place = text.data() + start;
-    const char* const behind = text.data() + (text.size() - m_folded.size() + 1);
+    const char* const endOfStarts = text.data() + (text.size() - m_folded.size() + 1);
     const std::size_t toLast = m_folded.size() - 1;
     // Few places have both its first and its last byte; where there is none the steps are long.
     const auto candidates = [&](const char* eight) {
         return zeroBytes(first.differenceTo(eight) | last.differenceTo(eight + toLast));
     };
-    while (place != behind) {
-        while (behind - place >= 32
+    while (place != endOfStarts) {
+        while (endOfStarts - place >= 32
             && (candidates(place) | candidates(place + 8) | candidates(place + 16) | candidates(place + 24))
                 == 0)
             place += 32;
-        while (behind - place >= 8 && candidates(place) == 0)
+        while (endOfStarts - place >= 8 && candidates(place) == 0)
             place += 8;
-        const char* const next = place + std::min<std::ptrdiff_t>(8, behind - place);
+        const char* const next = place + std::min<std::ptrdiff_t>(8, endOfStarts - place);
         for (; place != next; ++place) {
             if (standsAt(place))
                 return std::size_t(place - text.data());
