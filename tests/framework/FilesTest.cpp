@@ -267,6 +267,49 @@ TEST_F(Files, RefusesWhatDoesNotFitIntoMemory)
     }
 }
 
+TEST_F(Files, WideTextIsReadAsUtf8)
+{
+    using namespace std::string_literals;
+    std::string longText;
+    std::string longWide = "\xFF\xFE"s;
+    for (int i = 0; i < 5'000; ++i) { // more than is read at a time, and no piece ends where a character does
+        longText += "a\xF0\x9F\x98\x80";
+        longWide += "a\0\x3D\xD8\x00\xDE"s;
+    }
+    const struct {
+        const char* name;
+        std::string bytes;
+        std::string text;
+    } cases[] = {
+        { "UTF-16, little-endian", "\xFF\xFE@\0\xE9\0\n\0b\0"s, "@\xC3\xA9\nb" },
+        { "UTF-16, big-endian", "\xFE\xFF\0@\x20\xAC"s, "@\xE2\x82\xAC" },
+        { "UTF-32, little-endian", "\xFF\xFE\0\0@\0\0\0\x00\xF6\x01\0"s, "@\xF0\x9F\x98\x80" },
+        { "UTF-32, big-endian", "\0\0\xFE\xFF\0\0\0@"s, "@" },
+        { "many pieces", longWide, longText },
+        { "the mark alone", "\xFF\xFE"s, "" },
+        { "an odd byte at the end", "\xFF\xFE@\0@"s, "@\xEF\xBF\xBD" },
+        { "halves of pairs", "\xFF\xFE\x3D\xD8@\0\x00\xDE\x3D\xD8"s,
+            "\xEF\xBF\xBD@\xEF\xBF\xBD\xEF\xBF\xBD" },
+        { "no mark", "\xFFx@\0"s, "\xFFx@\0"s },
+        { "UTF-8's mark", "\xEF\xBB\xBF@", "\xEF\xBB\xBF@" },
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        folder.write("wide.txt", c.bytes);
+        EXPECT_EQ(item("wide.txt")->OpenAsTextFile()->ReadAll(), c.text);
+        for (const std::size_t size : { 1U, 5U, 100'000U }) {
+            const auto stream = item("wide.txt")->OpenAsTextFile();
+            std::string text;
+            std::string piece(size, ' ');
+            while (const std::size_t count = stream->Read(piece))
+                text.append(piece, 0, count);
+            EXPECT_EQ(text, c.text) << size;
+        }
+        const auto stream = item("wide.txt")->OpenAsTextFile();
+        EXPECT_EQ(stream->ReadLine(), c.text.substr(0, c.text.find('\n')));
+    }
+}
+
 TEST_F(Files, BinaryStreamNamesItsBytesInParts)
 {
     using Part = std::pair<std::uint64_t, std::uint64_t>;
