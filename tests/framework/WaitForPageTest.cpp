@@ -14,6 +14,9 @@ namespace quilvane {
 
 TEST(WaitForPageTest, theDialogEndsWithThePageOrAtTheUsersWish)
 {
+    // Once a test has quit the program, no dialog stays open until the main loop has run again.
+    QTimer::singleShot(0, [] { QApplication::exit(); });
+    QApplication::exec();
     std::optional<std::uint64_t> bytes;
     struct Case {
         const char* name;
