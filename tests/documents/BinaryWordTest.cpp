@@ -97,6 +97,25 @@ TEST(BinaryWord, ReadsTheTextOfThePieces)
         EXPECT_EQ(trimmed(textOfBinaryWord(row.document.bytes())), row.text) << row.name;
 }
 
+TEST(BinaryWord, ReadsWord2)
+{
+    struct Row {
+        const char* name;
+        std::string bytes;
+        std::string text;
+    };
+    for (const Row& row : {
+             Row{ "in one piece", word2File({ "a@x.org\r\x13 HYPERLINK mailto:b@x.org \x14", "c\x15" }),
+                 "a@x.org\nc\nb@x.org" },
+             Row{ "fast-saved", word2File({ "a@", "x.", "org" }, 4), "a@x.org" },
+             Row{ "Russian", word2File({ "\xCF" }, 0, 0x419), "П" },
+             Row{ "encrypted", word2File({ "a@x.org" }, 0x100), "(nothing)" },
+             Row{ "cut off", word2File({ "a@x.org", std::string(600, '\r') }).substr(0, 400), "a@x.org" },
+             Row{ "without its table", word2File({ "kept@", "x.org" }, 4).substr(0, 394), "x.orgkept@" },
+         })
+        EXPECT_EQ(trimmed(documentText(row.bytes)), row.text) << row.name;
+}
+
 TEST(BinaryWord, OtherFilesGiveNothing)
 {
     const std::string document(4096, 'x');
@@ -189,6 +208,9 @@ TEST(Rtf, TextOfSnippets)
             Row{ "the fallback ends with its group", R"({\u8364}@)", "€@" },
             Row{ "mail link", R"(a)" + field(R"({HYPERLINK "mailto:m@x.org" \\t})", "link") + R"( b\par c)",
                 "alink b\nm@x.org\nc" },
+            Row{ "the tail of an address as a link",
+                R"(john.)" + field(R"(HYPERLINK "mailto:doe@x.org")", "doe@x.org") + R"( b\par c)",
+                "john.doe@x.org b\n\n\n\n\n\n\n\n\n\n\nc" },
             Row{ "web link", field(R"(HYPERLINK "http://x.org/?a@b.org")", "link"), "link" },
             Row{ "note within a word", R"(a@b{\footnote n@x.org\par two}.org\par c)",
                 "a@b.org\nn@x.org\ntwo\nc" },
