@@ -63,7 +63,7 @@ std::string URLConnection::SendSync(std::string_view method, std::string_view ur
         // The one thing that ends the dialog before the page is here is the end of the program, and this goes
         // on with that.
         if (!isHere(body, lookEvery.zero()))
-            Application::DoEvents(0);
+            Application::endHandlerIfQuitting();
     }
     return body.get();
 }
