@@ -104,18 +104,18 @@ private:
     std::uint64_t m_v3;
 };
 
-/// Zeroed memory, to be given back with free(). Much of it is in huge pages where the system has them:
-/// memory that is first touched all over the place is made page by page, which would take longer than the
-/// work in it.
+/// Zeroed memory, to be given back with free(). A large table is in huge pages where the system has them: to
+/// have its pages made one by one would take half as long as all the work in them.
 void* allocateTable(std::size_t bytes)
 {
     constexpr std::uintptr_t pageSize = 4096;
+    constexpr std::size_t large = std::size_t{ 32 } << 20; // no longer from the heap, but from the system
     void* memory = std::calloc(bytes, 1);
     if (!memory)
         throw std::bad_alloc();
     const auto begin = (reinterpret_cast<std::uintptr_t>(memory) + pageSize - 1) / pageSize * pageSize;
     const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / pageSize * pageSize;
-    if (begin < end)
+    if (bytes > large)
         ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE); // a hint: it may fail
     return memory;
 }
@@ -295,11 +295,14 @@ void DuplicateIndex::Pass::sort(std::size_t begin, std::size_t end)
     }
 }
 
-/// About how many of the entries the index will know, a little more than fewer. The first of them have the
-/// lowest hashes of all rows, so equal rows are among them together or not at all.
+/// About how many of the entries the index will know, rather a few more than fewer: equal rows are in the
+/// same part, so the first part tells how many of all differ.
 std::size_t DuplicateIndex::Pass::expectedNewRows() const
 {
-    const std::size_t sampleSize = std::min<std::size_t>(m_phaseSize, 65536);
+    constexpr std::size_t few = std::size_t{ 1 } << 18; // a table for all takes less than four megabytes
+    if (m_phaseSize < few)
+        return m_phaseSize;
+    const std::size_t sampleSize = m_partEnds.front();
     std::vector<std::uint32_t> hashes(sampleSize);
     std::transform(m_entries.get(), m_entries.get() + sampleSize, hashes.begin(),
         [](const Entry& entry) { return entry.hash; });
@@ -310,7 +313,8 @@ std::size_t DuplicateIndex::Pass::expectedNewRows() const
             || m_index.m_slots[m_index.find(hash, [](const Slot&) { return true; })].rowPlusOne == 0;
     };
     const auto count = static_cast<std::size_t>(std::count_if(hashes.begin(), hashes.end(), isNew));
-    return sampleSize == m_phaseSize ? count : m_phaseSize / 20 * (count * 21 / sampleSize + 1);
+    // In hundredths, and five of them more, as it is a sample.
+    return m_phaseSize / 100 * (count * 100 / std::max<std::size_t>(sampleSize, 1) + 5);
 }
 
 void DuplicateIndex::Pass::link(std::size_t begin, std::size_t end)

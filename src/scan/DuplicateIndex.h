@@ -30,7 +30,7 @@ HashSeed processHashSeed();
 /// compared with all after it and those that equal it are removed.
 ///
 /// The index lives as long as the rows: it knows rows [0, knownRows()), and a Pass looks at those after them
-/// only. Who moves or removes known rows calls forget(). Takes 11 to 15 bytes a known row.
+/// only. Who moves or removes known rows calls forget(). Takes 11 to 15 bytes a row of a long list.
 class DuplicateIndex {
 public:
     explicit DuplicateIndex(HashSeed seed = processHashSeed())
