@@ -108,9 +108,11 @@ bool TextInputStream::fillBuffer()
         bytes.resize(readAhead);
         bytes.resize(m_file.read(bytes));
         beginsDecoding(bytes);
-        if (!m_decoder)
+        if (!m_decoder) {
             m_buffer = std::move(bytes);
-        else if (bytes.empty())
+            return !m_buffer.empty();
+        }
+        if (bytes.empty())
             m_decoder->finish(m_buffer);
         else
             m_decoder->decode(bytes, m_buffer); // to nothing, if they are but a mark
