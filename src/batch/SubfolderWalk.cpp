@@ -84,6 +84,7 @@ void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
 void Window1::doSubfolder(const Ref<FolderItem>& folder)
 {
     EmptyFolders emptyFolders;
+    m_lastEvents = std::chrono::steady_clock::now();
     walkFolder(folder, nullptr, emptyFolders);
 }
 
@@ -157,7 +158,7 @@ void Window1::readFiles(const std::vector<std::string>& paths)
         if (!f.item) {
             // Never seen: the name of a file that is gone has ended the handler before.
             MsgBox("No file was opened.");
-            ProgressText.setText("");
+            clearFinishLine();
             return;
         }
         for (const FileReader reader : f.readers) {

@@ -113,10 +113,9 @@ void* allocateTable(std::size_t bytes)
     void* memory = std::calloc(bytes, 1);
     if (!memory)
         throw std::bad_alloc();
-    const auto begin = (reinterpret_cast<std::uintptr_t>(memory) + pageSize - 1) / pageSize * pageSize;
-    const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / pageSize * pageSize;
-    if (bytes > large)
-        ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE); // a hint: it may fail
+    const std::uintptr_t toPage = -reinterpret_cast<std::uintptr_t>(memory) % pageSize;
+    if (bytes > large) // a hint: it may fail
+        ::madvise(static_cast<char*>(memory) + toPage, (bytes - toPage) / pageSize * pageSize, MADV_HUGEPAGE);
     return memory;
 }
 

@@ -89,7 +89,8 @@ public:
     Pass(const Pass&) = delete;
     Pass& operator=(const Pass&) = delete;
 
-    /// Works for about a millisecond. False when the pass is done.
+    /// Works for about a millisecond, and some hundred where the table of many million rows has to grow.
+    /// False when the pass is done.
     bool step();
 
     /// The first row that is looked at: knownRows() before the pass.

@@ -49,7 +49,8 @@ private:
     bool beginsDecoding(std::string_view bytes);
 
     InputFile m_file;
-    std::string m_buffer; // what ReadLine has read ahead; the first m_taken bytes of it have been handed out
+    std::string m_buffer; // what was read or decoded before it was asked for; the first m_taken bytes of it
+                          // have been handed out
     std::size_t m_taken = 0;
     bool m_hasBegun = false; // the first bytes have been read
     std::unique_ptr<WideTextDecoder> m_decoder; // null but for a text in UTF-16 or UTF-32

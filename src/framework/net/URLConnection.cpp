@@ -56,13 +56,14 @@ std::string URLConnection::SendSync(std::string_view method, std::string_view ur
         const TimersHeld held;
         const bool wanted
             = Desktop::current().waitForPage(hostOf(address), [&]() -> std::optional<std::uint64_t> {
-                  return isHere(body, lookEvery.zero()) ? std::nullopt : std::optional(received.load());
+                  return isHere(body, std::chrono::milliseconds::zero()) ? std::nullopt
+                                                                         : std::optional(received.load());
               });
         if (!wanted)
             throw CancelUnwinding();
         // The one thing that ends the dialog before the page is here is the end of the program, and this goes
         // on with that.
-        if (!isHere(body, lookEvery.zero()))
+        if (!isHere(body, std::chrono::milliseconds::zero()))
             Application::endHandlerIfQuitting();
     }
     return body.get();

@@ -26,7 +26,7 @@ namespace {
 
 constexpr long pieceSize = 256L * 1024; // bytes; libcurl's own of 16 KiB makes large pages slow
 /// In bytes of one answer, trailers included. Debian's libcurl stops at 300 KiB, and does not say so.
-constexpr std::uint64_t largestHeaders = 256 * 1024;
+constexpr std::uint64_t largestHeaders = std::uint64_t(256) * 1024;
 
 struct FreeEasy {
     void operator()(CURL* easy) const { CurlLibrary::instance().easyCleanup(easy); }
@@ -176,6 +176,7 @@ private:
 
     /// The connection is there, or taken over from the page before. With a proxy the address is the
     /// proxy's.
+    // NOLINTNEXTLINE(readability-non-const-parameter): the type is libcurl's
     static int beginRequest(void* transfer, char* address, char*, int, int)
     {
         Transfer& self = *static_cast<Transfer*>(transfer);
