@@ -19,14 +19,24 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <csignal>
+#include <cstddef>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace quilvane {
@@ -70,6 +80,20 @@ public:
 
 private:
     FileDescriptor m_socket{ ::socket(AF_UNIX, SOCK_STREAM, 0) };
+};
+
+/// To root, as which tests may run, nothing is forbidden; so root is somebody else while this lives.
+class AsNobody {
+public:
+    AsNobody()
+    {
+        constexpr uid_t nobody = 65534;
+        EXPECT_EQ(::seteuid(m_user == 0 ? nobody : m_user), 0);
+    }
+    ~AsNobody() { EXPECT_EQ(::seteuid(m_user), 0); }
+
+private:
+    uid_t m_user = ::geteuid();
 };
 
 class Files : public testing::Test {
@@ -209,14 +233,10 @@ TEST_F(Files, WhatTheUserHasNoPermissionForDoesNotOpen)
     std::filesystem::permissions(folder.write("secret", ""), perms::none);
     std::filesystem::permissions(folder.write("protected", "old"), perms(0444));
     std::filesystem::permissions(folder.makeFolder("sub"), perms(0555));
-    // To root, as which tests may run, nothing is forbidden; so root becomes somebody else for a while.
-    const uid_t user = ::geteuid();
-    constexpr uid_t nobody = 65534;
-    ASSERT_EQ(::seteuid(user == 0 ? nobody : user), 0);
+    const AsNobody nobody;
     const std::string reasons[] = { whyNil(GetFolderItem(folder / "secret")->OpenAsTextFile()),
         whyNil(BinaryStream::Open(*item("secret"))), whyNil(item("protected")->CreateTextFile()),
         whyNil(item("sub/new")->CreateTextFile()) };
-    ASSERT_EQ(::seteuid(user), 0);
     for (const std::string& reason : reasons)
         EXPECT_NE(reason.find("Permission denied"), std::string::npos) << reason;
     EXPECT_EQ(folder.count(), 3);
@@ -418,6 +438,115 @@ TEST_F(Files, AnExceptionOnItsWayLeavesTheTargetAndNothingElse)
     EXPECT_THROW(exportThatFails(), IOException);
     EXPECT_EQ(TempFolder::contentOf(path), "old");
     EXPECT_EQ(folder.count(), 1);
+}
+
+TEST_F(Files, WhatCannotBeReplacedIsFilledInPlace)
+{
+    using std::filesystem::perms;
+    std::filesystem::permissions(folder.path(), perms::all);
+    struct Case {
+        const char* name;
+        mode_t folderMode;
+        bool hasOtherName;
+    };
+    const std::string longer = std::string(3'000'000, 'n') + '\n';
+    for (const auto& [name, folderMode, hasOtherName] :
+        { Case{ "closed", 0555, false }, Case{ "shared", 01777, false }, Case{ "linked", 0777, true } }) {
+        if (::geteuid() != 0 && name == std::string("shared"))
+            continue; // it takes a second user
+        const std::string path = folder.write(std::string(name) + "/file", "the old text");
+        std::filesystem::permissions(path, perms(0666));
+        if (hasOtherName)
+            std::filesystem::create_hard_link(path, folder / "other");
+        std::filesystem::permissions(folder / name, perms(folderMode));
+        struct stat before { };
+        ASSERT_EQ(::stat(path.c_str(), &before), 0);
+        const auto write = [&path](const std::string& text) {
+            const auto stream = itemAt(path)->CreateTextFile();
+            stream->Write(text);
+            stream->Close();
+        };
+        std::optional<AsNobody> nobody(std::in_place);
+        write(longer);
+        EXPECT_EQ(TempFolder::contentOf(path), longer) << name;
+        write("short");
+        EXPECT_EQ(TempFolder::contentOf(hasOtherName ? folder / "other" : path), "short") << name;
+        rlimit limit{};
+        ::getrlimit(RLIMIT_FSIZE, &limit);
+        const rlimit small{ 4096, limit.rlim_max };
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        EXPECT_THROW(write(longer), IOException) << name;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        EXPECT_EQ(TempFolder::contentOf(path), "short") << name;
+        struct stat after { };
+        EXPECT_TRUE(::stat(path.c_str(), &after) == 0 && after.st_ino == before.st_ino) << name;
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / name), {}), 1) << name;
+        nobody.reset();
+        std::filesystem::permissions(folder / name, perms::all);
+    }
+}
+
+/// From now on this process can make no file without a name, as on some network shares.
+void forbidNamelessFiles()
+{
+    constexpr auto flags = static_cast<unsigned>(offsetof(seccomp_data, args) + 2 * sizeof(std::uint64_t));
+    constexpr unsigned onlyTemporary = O_TMPFILE & ~O_DIRECTORY;
+    sock_filter rules[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_openat, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, flags),
+        BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, onlyTemporary, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EOPNOTSUPP),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog program{ static_cast<unsigned short>(std::size(rules)), rules };
+    if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0
+        || ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+        std::_Exit(1);
+}
+
+/// Begins to write "file" in another process, which is killed in the middle.
+void killWhileWriting(const std::string& path, bool hasNamelessFiles, const std::function<void()>& meanwhile)
+{
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe(ends.data()), 0);
+    const FileDescriptor told(ends[0]);
+    FileDescriptor telling(ends[1]);
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        if (!hasNamelessFiles)
+            forbidNamelessFiles();
+        const auto stream = itemAt(path)->CreateTextFile();
+        stream->Write("half");
+        telling.close();
+        ::pause();
+        std::_Exit(1);
+    }
+    telling.close();
+    char byte = 0;
+    EXPECT_EQ(::read(told.number(), &byte, 1), 0);
+    meanwhile();
+    ::kill(writer, SIGKILL);
+    ::waitpid(writer, nullptr, 0);
+}
+
+TEST_F(Files, AWriterThatIsKilledLeavesNothing)
+{
+    const std::string path = folder.write("file", "old");
+    const auto writeAnother = [&] { item("another")->CreateTextFile()->WriteLine("whole"); };
+    killWhileWriting(path, true, writeAnother);
+    EXPECT_EQ(folder.count(), 2);
+
+    killWhileWriting(path, false, [&] {
+        writeAnother();
+        EXPECT_EQ(folder.count(), 3) << "the file of one who still writes was removed";
+    });
+    EXPECT_EQ(folder.count(), 3) << "it has no name, so this test shows nothing";
+    folder.write(".quilvane-is-no-name-of-ours", "");
+    writeAnother();
+    EXPECT_EQ(folder.count(), 3);
+    EXPECT_EQ(TempFolder::contentOf(path), "old");
+    EXPECT_EQ(TempFolder::contentOf(folder / "another"), "whole\n");
 }
 
 TEST_F(Files, AFileThatCannotComeToItsPlaceIsReportedAndRemoved)
