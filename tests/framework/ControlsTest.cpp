@@ -430,7 +430,7 @@ TEST_F(ControlsTest, doEventsReturnsWhenNothingIsLeftToDo)
     };
     timer.setEnabled(true);
     {
-        const TimersHeld dialog;
+        const EventsHeld dialog;
         Application::DoEvents(20);
         EXPECT_EQ(ticks, 0) << "not while a dialog stands";
     }
