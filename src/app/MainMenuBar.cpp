@@ -24,7 +24,8 @@ void MainMenuBar::addFileMenu()
 {
     MenuItem& menu = append(std::make_unique<MenuItem>("FileMenu", "&File"));
     menu.append(std::make_unique<QuitMenuItem>("FileQuit", "&Quit", "Cmd+Q"));
-    menu.append(std::make_unique<MenuItem>("FileNewWindow", "New Window", "Cmd+N"));
+    menu.append(std::make_unique<MenuItem>("FileNewWindow", "New Window", "Cmd+N"))
+        .setHelpText("Never available: there is one main window, and closing it opens an empty one.");
     menu.append(std::make_unique<MenuItem>("FileAboutTamsrel", "About Quilvane"));
 }
 

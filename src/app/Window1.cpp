@@ -67,6 +67,9 @@ void Window1::Layout()
     Listbox1.setAccessibleName("E-mail addresses found");
     urlField.setAccessibleName("Web address to search");
     Canvas1.setAccessibleName("Drop area for files and folders");
+    searchBtn.setHelpText("Works on an empty list, too, and finds nothing there.");
+    searchStop.setHelpText("Ends the run after the subfolder in hand, with all that lies below it. "
+                           "A folder without subfolders can't be stopped.");
 
     subFolderSearch.setValue(true);
     Timer1.setEnabled(true);

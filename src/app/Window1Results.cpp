@@ -87,6 +87,7 @@ void Window1::clearFinishLine()
 void Window1::setFinishMessage(Label& label)
 {
     label.setText(finishMessage(rCounter));
+    Announce(label.Text());
     ProgressText.setHelpText(account.text());
     // Off when this run has found nothing, whatever earlier runs have left in the list.
     filterBtn.setEnabled(rCounter > 0);

@@ -100,6 +100,8 @@ void filterWIn::Layout()
         hint->setMultiline();
         hint->setTextColor(hintColor);
     }
+    removeBtn.setHelpText(
+        "A dot stands for any character here: .net also removes the addresses at planet.example.");
     cancelBtn.setCancel();
     cancelBtn.Action = [this] { cancelBtn_Action(); };
     keepBtn.Action = [this] { keepBtn_Action(); };

@@ -107,11 +107,14 @@ void Application::Quit()
 
 void Application::askedToQuit()
 {
-    // Put off as well as noted: the handler at work may end before it looks.
-    if (putOff(this, [this] { Quit(); }))
-        m_mustQuit = true;
-    else
+    // Not put off for a dialog: it ends with the program.
+    if (!isOnlyPainting()) {
         Quit();
+        return;
+    }
+    // Put off as well as noted: the handler at work may end before it looks.
+    putOff(this, [this] { Quit(); });
+    m_mustQuit = true;
 }
 
 void Application::DoEvents(int milliseconds)

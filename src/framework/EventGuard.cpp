@@ -25,6 +25,7 @@ struct PutOffEvent {
 
 int depth = 0;
 bool painting = false;
+int holds = 0;
 std::deque<PutOffEvent> putOffEvents;
 std::function<std::string(const std::string&)> failureWords;
 
@@ -48,7 +49,7 @@ public:
 void deliverPutOffSoon()
 {
     QTimer::singleShot(0, [] {
-        if (painting || putOffEvents.empty())
+        if (eventsMustWait() || putOffEvents.empty())
             return;
         const PutOffEvent event = std::move(putOffEvents.front());
         putOffEvents.pop_front();
@@ -110,11 +111,17 @@ bool isOnlyPainting()
     return painting;
 }
 
+bool eventsMustWait()
+{
+    return painting || holds > 0;
+}
+
 bool putOff(const void* owner, std::function<void()> event)
 {
-    if (painting)
-        putOffEvents.push_back({ owner, std::move(event) });
-    return painting;
+    if (!eventsMustWait())
+        return false;
+    putOffEvents.push_back({ owner, std::move(event) });
+    return true;
 }
 
 void forgetPutOff(const void* owner)
@@ -134,11 +141,25 @@ OnlyPainting::~OnlyPainting()
         deliverPutOffSoon();
 }
 
+EventsHeld::EventsHeld()
+{
+    ++holds;
+}
+
+EventsHeld::~EventsHeld()
+{
+    --holds;
+    if (!putOffEvents.empty())
+        deliverPutOffSoon();
+}
+
 void reportCurrentException(const std::string& handlerName)
 {
     const std::string what = describeCurrentException();
     logLine(handlerName + ": " + what);
-    Desktop::current().showError(what, wordsFor(handlerName));
+    const std::string words = wordsFor(handlerName);
+    const EventsHeld held;
+    Desktop::current().showError(what, words);
 }
 
 void setFailureWords(std::function<std::string(const std::string& handlerName)> words)

@@ -27,8 +27,11 @@ int handlerDepth();
 /// Whether the windows are only being painted while a handler works, so that no event may reach the program.
 bool isOnlyPainting();
 
-/// While the windows are only being painted: keeps `event` for the next turn of the event loop and returns
-/// true. Else returns false. What an event is put off for, `owner`, forgets it when it goes itself.
+/// Whether what the user does now is to wait: the windows are only being painted, or events are held.
+bool eventsMustWait();
+
+/// While events must wait: keeps `event` for a later turn of the event loop and returns true. Else returns
+/// false. What an event is put off for, `owner`, forgets it when it goes itself.
 bool putOff(const void* owner, std::function<void()> event);
 void forgetPutOff(const void* owner);
 
@@ -39,6 +42,17 @@ public:
     ~OnlyPainting();
     OnlyPainting(const OnlyPainting&) = delete;
     OnlyPainting& operator=(const OnlyPainting&) = delete;
+};
+
+/// Holds all timers and what the user does to a window of the program while it lives, as long as a modal
+/// dialog stands: the handler that has opened it still runs, and is to meet its data as it has left them. The
+/// desktop keeps mouse and keyboard from the windows by itself; the accessibility bus reaches them.
+class EventsHeld {
+public:
+    EventsHeld();
+    ~EventsHeld();
+    EventsHeld(const EventsHeld&) = delete;
+    EventsHeld& operator=(const EventsHeld&) = delete;
 };
 
 /// Reports the exception in flight as runGuarded does. To be called inside of a catch block.

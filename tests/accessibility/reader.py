@@ -17,7 +17,7 @@ from gi.repository import Atspi, GLib  # noqa: E402
 warnings.simplefilter("ignore", DeprecationWarning)  # PyGObject's, of every method of an interface
 
 PATIENCE = 60  # seconds for what must come; only a failure takes that long
-NO_CONTROLS = {"label", "menu bar", "menu item"}
+NO_CONTROLS = {"label", "menu bar", "menu item", "notification"}
 
 
 def keys(*names):
@@ -54,10 +54,10 @@ class Program:
     def __init__(self, path, **environment):
         Atspi.init()
         Atspi.set_timeout(PATIENCE * 1000, PATIENCE * 1000)
-        self.heard = []  # (what, role, name) of what was focused or selected
+        self.heard = []  # (what, role, name or text) of what was focused or selected or began to show
         self.listener = Atspi.EventListener.new(self.hear)
-        for event in ("object:state-changed:focused", "object:state-changed:selected"):
-            self.listener.register(event)
+        for event in ("focused", "selected", "showing"):
+            self.listener.register("object:state-changed:" + event)
         self.said = open("said", "w+")
         self.process = subprocess.Popen([path], stdout=self.said, stderr=self.said,
                                         env=dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", **environment))
@@ -75,7 +75,10 @@ class Program:
     def hear(self, event):
         try:
             if event.detail1:
-                self.heard.append((event.type.split(":")[-1], event.source.get_role_name(), event.source.get_name()))
+                node, role = event.source, event.source.get_role_name()
+                # Of a notification readers speak the labels in it.
+                name = " ".join(self.labels(node)) if role == "notification" else node.get_name()
+                self.heard.append((event.type.split(":")[-1], role, name))
         except GLib.Error:
             pass  # gone since
 
@@ -158,6 +161,14 @@ class Program:
         button = self.find(window, "push button", name)
         self.waitFor(f"{name}, enabled", lambda: isLive(button))
         self.act(button, "Press")
+
+    def drag(self, start, end):
+        """By the mouse, from one place on the screen to another, as slowly as a hand."""
+        xdotool = ["xdotool", "mousemove", *start, "mousedown", "1"]
+        for part in (0.1, 0.4, 0.7, 0.9, 1, 1):
+            xdotool += ["sleep", "0.1", "mousemove", *(a + part * (b - a) for a, b in zip(start, end))]
+        subprocess.run([str(int(each)) if isinstance(each, float) else str(each) for each in
+                        (*xdotool, "sleep", "0.2", "mouseup", "1")], check=True)
 
     def toggle(self, window, name):
         box = self.find(window, "check box", name)

@@ -7,7 +7,6 @@
 #include "framework/controls/Listbox.h"
 #include "framework/controls/MenuBar.h"
 #include "framework/controls/PushButton.h"
-#include "framework/controls/RowStore.h"
 #include "framework/controls/Slider.h"
 #include "framework/controls/TextField.h"
 #include "framework/controls/Window.h"
@@ -272,92 +271,6 @@ TEST_F(ControlsTest, aWindowOfOneHandlerNeverReachesTheScreen)
     })) << "unless the handler leaves it open";
 }
 
-TEST_F(ControlsTest, listTellsItsViewOncePerPass)
-{
-    auto* view = TestWindow::widget<QListView>("list");
-    int told = 0;
-    QObject::connect(view->model(), &QAbstractItemModel::rowsInserted, [&] { ++told; });
-    for (int i = 0; i < 100'000; ++i)
-        window->list.AddRow("row" + std::to_string(i));
-    EXPECT_EQ(view->model()->rowCount(), 0);
-    Application::DoEvents(100);
-    EXPECT_EQ(view->model()->rowCount(), 100'000);
-    EXPECT_EQ(told, 1);
-
-    QTest::keyClick(view, Qt::Key_End);
-    EXPECT_EQ(view->currentIndex().data().toString(), "row99999");
-    EXPECT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex())));
-    EXPECT_EQ(view->indexAt(view->visualRect(view->currentIndex()).center()), view->currentIndex());
-}
-
-TEST_F(ControlsTest, listKeepsTheRetainedRowsInOrder)
-{
-    // Across the borders of the store's chunks.
-    std::vector<unsigned char> keep(10'000);
-    std::vector<std::string> expected;
-    for (std::size_t i = 0; i < keep.size(); ++i) {
-        window->list.AddRow(std::to_string(i));
-        keep[i] = i % 3 == 0 || i > 9'000;
-        if (keep[i])
-            expected.push_back(std::to_string(i));
-    }
-    Application::DoEvents(100);
-    int changes = 0;
-    window->list.Change = [&] { ++changes; };
-    auto* view = TestWindow::widget<QListView>("list");
-    view->setCurrentIndex(view->model()->index(1, 0));
-    EXPECT_EQ(changes, 1);
-
-    window->list.RetainRows(0, keep);
-    ASSERT_EQ(window->list.ListCount(), expected.size());
-    for (std::size_t i = 0; i < expected.size(); ++i)
-        EXPECT_EQ(window->list.Cell(i, -1), expected[i]);
-    EXPECT_THROW(window->list.Cell(expected.size(), 0), OutOfBoundsException);
-    Application::DoEvents(100);
-    EXPECT_EQ(changes, 2) << "the selected row has gone";
-
-    window->list.DeleteAllRows();
-    window->list.AddRow("");
-    EXPECT_EQ(window->list.Cell(0, 0), "");
-}
-
-TEST_F(ControlsTest, listKeepsItsSelectionWhereOnlyRowsGoThatItsViewNeverKnew)
-{
-    Listbox& list = window->list;
-    const auto add = [&list](int count) {
-        while (count-- > 0)
-            list.AddRow("row");
-    };
-    auto* view = TestWindow::widget<QListView>("list");
-    add(10);
-    Application::DoEvents(100);
-    view->setCurrentIndex(view->model()->index(9, 0));
-    const std::uint64_t arrangement = list.Arrangement();
-    add(10);
-    list.TruncateRows(11);
-    EXPECT_EQ(list.Arrangement(), arrangement);
-    list.RetainRows(10, std::vector<unsigned char>{ 0 });
-    add(3);
-    EXPECT_NE(list.Arrangement(), arrangement);
-    Application::DoEvents(100);
-    EXPECT_EQ(view->model()->rowCount(), 13);
-    EXPECT_TRUE(view->selectionModel()->hasSelection());
-
-    const std::pair<const char*, std::function<void()>> removals[] = {
-        { "one row", [&] { list.RetainRows(12, std::vector<unsigned char>{ 0 }); } },
-        { "truncated", [&] { list.TruncateRows(11); } },
-        { "other rows", [&] { list.ReplaceRows({}); } },
-    };
-    for (const auto& [name, remove] : removals) {
-        view->setCurrentIndex(view->model()->index(0, 0));
-        remove();
-        add(1);
-        Application::DoEvents(100);
-        EXPECT_EQ(view->model()->rowCount(), int(list.ListCount())) << name;
-        EXPECT_FALSE(view->selectionModel()->hasSelection()) << name;
-    }
-}
-
 TEST_F(ControlsTest, labelStaysReadableOnDark)
 {
     window->label.setTextColor(0x803F02);
@@ -388,22 +301,31 @@ TEST_F(ControlsTest, labelFitsItsTextIntoTheRoom)
     EXPECT_LT(label->font().pixelSize(), full);
     EXPECT_LE(label->sizeHint().width(), 100);
     EXPECT_EQ(label->toolTip(), "");
+    window->label.setHelpText("some <i> help");
+    EXPECT_EQ(label->accessibleDescription(), "some <i> help");
 
     const std::string longer = "a text much too long <b>";
     window->label.setText(longer + " for one line");
     EXPECT_LE(label->sizeHint().width(), 100);
     EXPECT_TRUE(label->text().contains(QChar(0x2026)));
     EXPECT_EQ(label->accessibleName(), "a text much too long <b> for one line");
-    EXPECT_TRUE(label->toolTip().contains("&lt;b&gt;")) << label->toolTip().toStdString();
+    for (const char* part : { "&lt;b&gt;", "some &lt;i&gt; help" })
+        EXPECT_TRUE(label->toolTip().contains(part))
+            << part << " is missing: " << label->toolTip().toStdString();
     EXPECT_EQ(label->geometry(), place);
 
     window->label.setRoom(90, 30);
     EXPECT_EQ(label->geometry(), QRect(0, 240, 90, 50));
     EXPECT_EQ(label->text(), "a text much too long <b> for one line");
-    EXPECT_EQ(label->toolTip(), "");
+    EXPECT_FALSE(label->toolTip().contains("&lt;b&gt;"));
     window->label.setText("short");
     EXPECT_EQ(label->geometry(), QRect(0, 270, 90, 20));
     EXPECT_EQ(label->font().pixelSize(), full);
+    EXPECT_TRUE(label->toolTip().contains("help")) << "the help outlasts a change of the text";
+    EXPECT_FALSE(label->testAttribute(Qt::WA_TransparentForMouseEvents)) << "or nobody sees it";
+    window->label.setHelpText({});
+    EXPECT_EQ(label->toolTip(), "");
+    EXPECT_TRUE(label->testAttribute(Qt::WA_TransparentForMouseEvents));
 }
 
 TEST_F(ControlsTest, aWindowMayCloseItselfAndGoOn)
@@ -430,7 +352,7 @@ TEST_F(ControlsTest, doEventsReturnsWhenNothingIsLeftToDo)
     };
     timer.setEnabled(true);
     {
-        const TimersHeld dialog;
+        const EventsHeld dialog;
         Application::DoEvents(20);
         EXPECT_EQ(ticks, 0) << "not while a dialog stands";
     }

@@ -11,6 +11,7 @@
 #include "framework/controls/PushButton.h"
 #include "framework/controls/TextField.h"
 #include "framework/controls/Window.h"
+#include "framework/dialogs/dialogs.h"
 #include "framework/files/FileType.h"
 #include "framework/threads/Timer.h"
 #include "support/ScriptedDesktop.h"
@@ -94,11 +95,12 @@ void actOverAccessibility(const char* name, const QString& action)
     actions->doAction(action);
 }
 
-/// Sends what a drag of a file sends that ends over the canvas. Returns whether the drop was taken.
-bool drop()
+/// Sends what a drag of a list of addresses sends that ends over the canvas. Returns whether the drop was
+/// taken.
+bool drop(const QByteArray& addresses = "file:///file.txt")
 {
     QMimeData data;
-    data.setUrls({ QUrl("file:///file.txt") });
+    data.setData("text/uri-list", addresses);
     QDragEnterEvent enter({}, Qt::CopyAction, &data, Qt::LeftButton, {});
     QDragMoveEvent move({}, Qt::CopyAction, &data, Qt::LeftButton, {});
     QDropEvent event({}, Qt::CopyAction, &data, Qt::LeftButton, {});
@@ -106,6 +108,7 @@ bool drop()
         { static_cast<QEvent*>(&enter), static_cast<QEvent*>(&move), static_cast<QEvent*>(&event) })
         QCoreApplication::sendEvent(widget("canvas"), each);
     EXPECT_EQ(move.isAccepted(), event.isAccepted()) << "what is shown during the drag holds for the drop";
+    EXPECT_TRUE(enter.isAccepted() || !event.isAccepted());
     return event.isAccepted();
 }
 
@@ -244,6 +247,68 @@ TEST_F(PaintingTest, aDropIsRefusedAndOneTakenBeforeIsKept)
     EXPECT_EQ(happened, "[]");
     Application::DoEvents(100);
     EXPECT_EQ(happened, "[]drop ");
+}
+
+TEST_F(PaintingTest, ofADropTheLocalItemsAreTaken)
+{
+    window->canvas.DropObject = [](DragItem& item) {
+        do {
+            happened += item.FolderItemAvailable() ? item.FolderItem()->NativePath() + "|" : "none|";
+        } while (item.NextItem());
+    };
+    const struct {
+        const char* addresses;
+        const char* paths; // empty if the drop is refused
+    } cases[] = {
+        { "file:///a.txt\r\nfile://localhost/b%20c\r\n", "/a.txt|/b c|" },
+        { "# a comment\r\nhttps://example.org/x\r\nfile:///a\r\nmailto:a@b.org\r\n", "/a|" },
+        { "file:///caf%E9/%FF.txt", "/caf\xE9/\xFF.txt|" },
+        { "https://example.org/a.txt", "" },
+        { "file://elsewhere/a.txt", "" },
+        { "# nothing", "" },
+    };
+    for (const auto& [addresses, paths] : cases) {
+        happened.clear();
+        EXPECT_EQ(drop(addresses), *paths != '\0') << addresses;
+        Application::DoEvents(100);
+        EXPECT_EQ(happened, paths) << addresses;
+    }
+}
+
+TEST_F(PaintingTest, nothingChangesWhileADialogStands)
+{
+    class StandingDesktop : public ScriptedDesktop {
+    public:
+        explicit StandingDesktop(std::function<void()> meanwhile)
+            : m_meanwhile(std::move(meanwhile))
+        {
+        }
+        void showMessage(std::string_view) override { m_meanwhile(); }
+
+    private:
+        std::function<void()> m_meanwhile;
+    };
+    const StandingDesktop standing([&] {
+        Timer ticking("ticking", 0);
+        ticking.Action = [] { happened += "tick "; };
+        ticking.setEnabled(true);
+        actOverAccessibility("button", "Press");
+        actOverAccessibility("box", "Toggle");
+        QTest::keyClicks(widget("field"), "typed");
+        menuBar.Lookup("Item").Choose();
+        EXPECT_FALSE(drop());
+        QTest::qWait(200); // the press that accessibility makes of a button takes 100 ms
+        EXPECT_FALSE(widget("Painted")->close());
+    });
+    runGuarded("handler", [&] {
+        MsgBox("");
+        EXPECT_EQ(happened, "");
+        EXPECT_FALSE(window->box.Value());
+    });
+    Application::DoEvents(1000);
+    EXPECT_FALSE(isOpen<PaintedWindow>());
+    for (const char* event : { "button ", "box ", "typed ", "menu ", "close " })
+        EXPECT_NE(happened.find(event), std::string::npos) << event << "is missing in " << happened;
 }
 
 TEST_F(PaintingTest, theWindowIsAskedToCloseOnceTheHandlerIsThrough)

@@ -21,11 +21,12 @@ std::vector<Window2*> resultWindows()
     return found;
 }
 
-Window2& search(const std::string& keyword, bool byKey)
+/// A null `key` presses the button.
+Window2& search(const std::string& keyword, const char* key)
 {
     implicit<searchWin>().searchField.setText(keyword);
-    if (byKey)
-        implicit<searchWin>().searchField_KeyDown("\r");
+    if (key)
+        implicit<searchWin>().searchField_KeyDown(key);
     else
         implicit<searchWin>().searchBtn.Push();
     EXPECT_FALSE(isOpen<searchWin>());
@@ -42,25 +43,25 @@ TEST_F(SearchTest, theTwoWaysEndDifferently)
     struct Case {
         const char* name;
         const char* keyword;
-        bool byKey;
+        const char* key;
         Rows found;
         const char* total;
         bool exports;
     };
     const Case cases[] = {
-        { "button, matches reversed, any case, local part", "ANNA", false, { "hanna@x.org", "Anna@x.com" },
+        { "button, matches reversed, any case, local part", "ANNA", nullptr, { "hanna@x.org", "Anna@x.com" },
             "Total: 2 entries.", true },
-        { "button, one", "bert", false, { "bert@x.org" }, "Total: 1 entry.", true },
-        { "button, none", "zzz", false, {}, "Total: 0 entries.", false },
-        { "key, one", "bert", true, { "bert@x.org" }, "1 Entries", true },
-        { "key, none: exports live over nothing", "zzz", true, {}, "0 Entries", true },
-        { "a pattern as typed", "^b.*org$", true, { "bert@x.org" }, "1 Entries", true },
-        { "an empty keyword matches every row", "", false, { "hanna@x.org", "bert@x.org", "Anna@x.com" },
+        { "button, one", "bert", nullptr, { "bert@x.org" }, "Total: 1 entry.", true },
+        { "button, none", "zzz", nullptr, {}, "Total: 0 entries.", false },
+        { "Return, one", "bert", "\r", { "bert@x.org" }, "1 Entries", true },
+        { "Enter of the numeric pad, none: exports live over nothing", "zzz", "\x03", {}, "0 Entries", true },
+        { "a pattern as typed", "^b.*org$", "\r", { "bert@x.org" }, "1 Entries", true },
+        { "an empty keyword matches every row", "", nullptr, { "hanna@x.org", "bert@x.org", "Anna@x.com" },
             "Total: 3 entries.", true },
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const Window2& found = search(c.keyword, c.byKey);
+        const Window2& found = search(c.keyword, c.key);
         EXPECT_EQ(rowsOf(found.Listbox1), c.found);
         EXPECT_EQ(found.results.Text(), c.total);
         EXPECT_TRUE(found.results.Visible());
@@ -76,8 +77,8 @@ TEST_F(SearchTest, theTwoWaysEndDifferently)
 TEST_F(SearchTest, resultsLiveByThemselves)
 {
     addRows({ "a@x.com" });
-    Window2& first = search("a", false);
-    Window2& second = search("a", false);
+    Window2& first = search("a", nullptr);
+    Window2& second = search("a", nullptr);
     window().clearBtn.Push();
     EXPECT_EQ(rowsOf(first.Listbox1), Rows{ "a@x.com" });
 
@@ -99,7 +100,7 @@ TEST_F(SearchTest, resultsLiveByThemselves)
 TEST_F(SearchTest, resultsAreExportedAndBothCancelsSpeak)
 {
     addRows({ "a@x.com" });
-    Window2& found = search("", false);
+    Window2& found = search("", nullptr);
     desktop.willSave(folder / "found.csv");
     found.exportBtn.Push();
     EXPECT_EQ(TempFolder::contentOf(folder / "found.csv"), "a@x.com,\n");

@@ -16,6 +16,8 @@
 #include <QStyleOptionFocusRect>
 #include <QUrl>
 
+#include <utility>
+
 namespace quilvane {
 
 class Canvas::Area : public QWidget {
@@ -38,6 +40,12 @@ protected:
             renderer.setAspectRatioMode(Qt::KeepAspectRatio);
             renderer.render(&painter, rect());
         }
+        if (m_takesDrag) {
+            constexpr int width = 3; // logical pixels
+            painter.setPen(QPen(
+                palette().color(QPalette::Highlight), width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+            painter.drawRect(QRectF(rect()).adjusted(width / 2., width / 2., -width / 2., -width / 2.));
+        }
         if (hasFocus()) {
             QStyleOptionFocusRect option;
             option.initFrom(this);
@@ -47,25 +55,25 @@ protected:
 
     void dragEnterEvent(QDragEnterEvent* event) override
     {
-        if (event->mimeData()->hasUrls())
-            event->acceptProposedAction();
+        if (localPaths(*event->mimeData()).empty())
+            event->ignore();
+        else
+            answer(*event);
     }
 
-    void dragMoveEvent(QDragMoveEvent* event) override { event->setAccepted(!isOnlyPainting()); }
+    void dragMoveEvent(QDragMoveEvent* event) override { answer(*event); }
+
+    void dragLeaveEvent(QDragLeaveEvent*) override { showThatDragIsTaken(false); }
 
     void dropEvent(QDropEvent* event) override
     {
-        // Refused: who drops shall see at once that nothing comes of it.
-        if (isOnlyPainting()) {
-            event->ignore();
+        answer(*event);
+        showThatDragIsTaken(false);
+        if (!event->isAccepted())
             return;
-        }
-        std::vector<std::optional<std::string>> paths;
-        for (const QUrl& url : event->mimeData()->urls())
-            paths.push_back(localPath(url));
-        event->acceptProposedAction();
         QMetaObject::invokeMethod(
-            this, [this, item = DragItem(std::move(paths))] { m_canvas.Drop(item); }, Qt::QueuedConnection);
+            this, [this, item = DragItem(localPaths(*event->mimeData()))] { m_canvas.Drop(item); },
+            Qt::QueuedConnection);
     }
 
     void mousePressEvent(QMouseEvent*) override { press(); }
@@ -81,12 +89,37 @@ protected:
 private:
     class Accessible;
 
-    static std::optional<std::string> localPath(const QUrl& url)
+    /// Of the files and folders of this machine among what is dragged. A list may hold comments and other
+    /// addresses as well.
+    static std::vector<std::optional<std::string>> localPaths(const QMimeData& dragged)
     {
-        if (url.scheme() != "file")
-            return std::nullopt;
-        // Not toLocalFile(): names are bytes, and not all are UTF-8.
-        return percentDecoded(url.path(QUrl::FullyEncoded).toStdString());
+        std::vector<std::optional<std::string>> paths;
+        for (const QUrl& url : dragged.urls()) {
+            const bool isHere = url.host().isEmpty() || url.host() == "localhost";
+            if (url.scheme() != "file" || !isHere)
+                continue;
+            // Not toLocalFile(): names are bytes, and not all are UTF-8.
+            const std::string path = percentDecoded(url.path(QUrl::FullyEncoded).toStdString());
+            if (path.starts_with('/'))
+                paths.push_back(path);
+        }
+        return paths;
+    }
+
+    /// Takes the drag, or refuses it while events must wait: who drops shall see at once that nothing comes
+    /// of it.
+    void answer(QDropEvent& event)
+    {
+        // Always a copy: what is moved the source may delete.
+        event.setDropAction(Qt::CopyAction);
+        event.setAccepted(!eventsMustWait() && event.possibleActions().testFlag(Qt::CopyAction));
+        showThatDragIsTaken(event.isAccepted());
+    }
+
+    void showThatDragIsTaken(bool isTaken)
+    {
+        if (std::exchange(m_takesDrag, isTaken) != isTaken)
+            update();
     }
 
     void press()
@@ -98,6 +131,7 @@ private:
     }
 
     Canvas& m_canvas; // outlives this
+    bool m_takesDrag = false;
 };
 
 /// What a screen reader meets: a button where a press does something, else a picture. One without a name is

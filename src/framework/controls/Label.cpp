@@ -7,10 +7,10 @@
 #include "framework/internal/contrast.h"
 #include "framework/internal/fitText.h"
 #include "framework/internal/qtText.h"
+#include "framework/internal/tooltip.h"
 
 #include <QEvent>
 #include <QLabel>
-#include <QTextDocument>
 
 #include <optional>
 
@@ -153,19 +153,27 @@ void Label::fit()
     };
     while (!fits() && font.pixelSize() > smallestTextSize)
         font.setPixelSize(font.pixelSize() - 1);
-    const bool cut = !fits();
-    if (cut)
+    m_isCut = !fits();
+    if (m_isCut)
         broken = m_multiline;
 
     label->setGeometry(broken ? lines : line);
     label->setFont(font);
     label->setWordWrap(broken);
     label->setText(
-        cut && !broken ? QFontMetrics(font).elidedText(text, Qt::ElideMiddle, line.width()) : text);
-    label->setToolTip(cut ? Qt::convertFromPlainText(text) : QString());
-    label->setAccessibleName(cut ? text : QString());
+        m_isCut && !broken ? QFontMetrics(font).elidedText(text, Qt::ElideMiddle, line.width()) : text);
+    label->setAccessibleName(m_isCut ? text : QString());
+    showHelpText();
+}
+
+void Label::showHelpText()
+{
+    RectControl::showHelpText();
+    QWidget& label = *native().widget;
+    if (m_isCut)
+        label.setToolTip(tooltip(m_text + (helpText().empty() ? "" : "\n\n" + helpText())));
     // A label that lies over a picture lets drops and clicks through to it, and would not show a tooltip.
-    label->setAttribute(Qt::WA_TransparentForMouseEvents, !cut);
+    label.setAttribute(Qt::WA_TransparentForMouseEvents, label.toolTip().isEmpty());
 }
 
 } // namespace quilvane

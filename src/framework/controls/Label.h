@@ -32,6 +32,8 @@ public:
 private:
     void makeWidget(Native& native) override;
     void setTableCaption(std::string_view caption) override;
+    /// After the text, where that is cut.
+    void showHelpText() override;
 
     /// Sets the text as large as it fits, from the text's size down, in one line or in as many as there is
     /// room for. What fits in no size is cut in its middle, and a tooltip has it whole.
@@ -42,6 +44,7 @@ private:
     int m_roomWidth = 0; // 0 is the table's
     int m_roomAbove = 0;
     bool m_multiline = false;
+    bool m_isCut = false;
 };
 
 } // namespace quilvane

@@ -5,12 +5,14 @@
 #include "framework/EventGuard.h"
 #include "framework/controls/RowStore.h"
 #include "framework/exceptions.h"
+#include "framework/internal/CopiedRows.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/RowView.h"
 #include "framework/internal/qtText.h"
 #include "framework/keepWindowPainted.h"
 
 #include <QAbstractListModel>
+#include <QPointer>
 
 #include <algorithm>
 #include <limits>
@@ -21,6 +23,8 @@ namespace quilvane {
 /// the two differ; the view then still counts the rows it knows.
 class Listbox::Model : public QAbstractListModel {
 public:
+    ~Model() override { keepCopies(0); }
+
     const RowStore& rows() const { return m_rows; }
 
     /// For additions: the view asks for what it has not been told of.
@@ -30,13 +34,37 @@ public:
         return m_rows;
     }
 
-    /// For removals. The rows before `firstChanged` stay as they are.
-    RowStore& rowsToChange(std::size_t firstChanged)
+    /// For removals. The rows before `firstChanged` stay as they are; `move` does to a place in the list what
+    /// the caller then does to the rows.
+    template <typename Move>
+    RowStore& rowsToChange(std::size_t firstChanged, Move move)
     {
-        if (firstChanged < std::size_t(m_toldRows))
+        keepCopies(firstChanged);
+        if (firstChanged < std::size_t(m_toldRows)) {
+            if (!m_toldRowsChanged)
+                m_place = m_view ? m_view->place() : RowPlace();
             m_toldRowsChanged = true;
+            const std::size_t selectedBefore = m_place.selectedCount();
+            move(m_place);
+            if (m_place.selectedCount() != selectedBefore)
+                m_selectionLost = true;
+        }
         tellViewSoon();
         return m_rows;
+    }
+
+    QMimeData* copySelectedRows()
+    {
+        m_copies.removeAll(nullptr);
+        m_copies.append(
+            new CopiedRows(m_rows, m_toldRowsChanged ? m_place.selected : m_view->place().selected));
+        return m_copies.back();
+    }
+
+    void show(RowView& view)
+    {
+        m_view = &view;
+        view.setModel(this);
     }
 
     int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : m_toldRows; }
@@ -49,9 +77,10 @@ public:
         return toQt(m_rows[row]);
     }
 
-    /// Called once a reset has taken the selection away.
-    std::function<void()> selectionLost;
-    std::function<bool()> hasSelection;
+    Qt::ItemFlags flags(const QModelIndex& index) const override
+    {
+        return QAbstractListModel::flags(index) | Qt::ItemIsDragEnabled;
+    }
 
 private:
     void tellViewSoon()
@@ -69,12 +98,14 @@ private:
         const int count = int(std::min<std::size_t>(m_rows.size(), std::numeric_limits<int>::max()));
         if (m_toldRowsChanged) {
             m_toldRowsChanged = false;
-            const bool selected = hasSelection && hasSelection();
             beginResetModel();
             m_toldRows = count;
             endResetModel();
-            if (selected)
-                selectionLost();
+            if (!m_view)
+                return;
+            m_view->restore(m_place);
+            if (std::exchange(m_selectionLost, false))
+                m_view->selectionMoved();
         } else if (count > m_toldRows) {
             beginInsertRows({}, m_toldRows, count - 1);
             m_toldRows = count;
@@ -82,7 +113,19 @@ private:
         }
     }
 
+    void keepCopies(std::size_t firstChanged)
+    {
+        for (const QPointer<CopiedRows>& copy : m_copies) {
+            if (copy)
+                copy->keep(firstChanged);
+        }
+    }
+
     RowStore m_rows;
+    RowView* m_view = nullptr; // goes before the model
+    QList<QPointer<CopiedRows>> m_copies; // some may be gone
+    RowPlace m_place; // of what the view was told, as moved since; while m_toldRowsChanged
+    bool m_selectionLost = false;
     int m_toldRows = 0;
     bool m_toldRowsChanged = false;
     bool m_tellingPending = false;
@@ -152,13 +195,13 @@ void Listbox::DeleteAllRows()
     if (Rows().empty())
         return;
     ++m_arrangement;
-    m_model->rowsToChange(0).clear();
+    m_model->rowsToChange(0, [](RowPlace& place) { place = {}; }).clear();
 }
 
 void Listbox::TruncateRows(std::size_t count)
 {
     if (count < ListCount())
-        m_model->rowsToChange(count).truncate(count);
+        m_model->rowsToChange(count, [count](RowPlace& place) { place.truncate(count); }).truncate(count);
 }
 
 void Listbox::RetainRows(std::size_t first, std::span<const unsigned char> stays)
@@ -167,22 +210,25 @@ void Listbox::RetainRows(std::size_t first, std::span<const unsigned char> stays
     if (gone == stays.end())
         return;
     ++m_arrangement; // before, as it may fail half-way
-    m_model->rowsToChange(first + std::size_t(gone - stays.begin())).retain(first, stays);
+    m_model
+        ->rowsToChange(
+            first + std::size_t(gone - stays.begin()), [&](RowPlace& place) { place.retain(first, stays); })
+        .retain(first, stays);
 }
 
 void Listbox::ReplaceRows(RowStore&& rows)
 {
     ++m_arrangement;
-    m_model->rowsToChange(0) = std::move(rows);
+    m_model->rowsToChange(0, [](RowPlace& place) { place = {}; }) = std::move(rows);
 }
 
 void Listbox::makeWidget(Native& native)
 {
     auto* view = new RowView(native.content);
-    view->setModel(m_model.get());
+    m_model->show(*view);
     view->selectionMoved = [this] { selectionMoved(); };
-    m_model->hasSelection = [view] { return view->selectionModel()->hasSelection(); };
-    m_model->selectionLost = view->selectionMoved;
+    view->selectedRows = [this] { return m_model->copySelectedRows(); };
+    view->runDrag = [this](const std::function<void()>& drag) { fire("Drag", drag); };
     native.widget = view;
 }
 

@@ -23,7 +23,7 @@ public:
     Listbox(Window& window, std::string_view name);
     ~Listbox() override;
 
-    /// Another row was selected, or none is any more.
+    /// Other rows are selected than before, or none is any more.
     std::function<void()> Change;
 
     void AddRow(std::string_view text);
@@ -57,10 +57,12 @@ public:
     void TruncateRows(std::size_t count);
 
     /// Removes each row i from `first` on with stays[i - first] == 0, all in one pass; later rows move up.
-    /// `stays` has ListCount() - first elements. Rows before `first` cost nothing.
+    /// `stays` has ListCount() - first elements. Rows before `first` cost nothing. What is selected and what
+    /// is in sight moves with the rows.
     void RetainRows(std::size_t first, std::span<const unsigned char> stays);
 
-    /// Makes the list anew from these rows and leaves the store empty.
+    /// Makes the list anew from these rows and leaves the store empty. Nothing is selected then: nobody tells
+    /// which row has come from which.
     void ReplaceRows(RowStore&& rows);
 
     /// Another number each time that DeleteAllRows, RetainRows or ReplaceRows has removed or moved rows.

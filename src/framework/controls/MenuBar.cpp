@@ -54,6 +54,7 @@ void MenuBar::attachTo(Window& window)
     for (const auto& menu : m_menus) {
         QMenu* shown = bar->addMenu(toQt(menu->Text()));
         shown->setObjectName(toQt(menu->Name()));
+        shown->setToolTipsVisible(true);
         QObject::connect(shown, &QMenu::aboutToShow, [] { EnableMenuItems(); });
         MenuItem* quit = nullptr;
         for (const auto& item : menu->children()) {

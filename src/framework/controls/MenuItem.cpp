@@ -6,6 +6,7 @@
 #include "framework/EventGuard.h"
 #include "framework/internal/MenuItemNative.h"
 #include "framework/internal/qtText.h"
+#include "framework/internal/tooltip.h"
 
 namespace quilvane {
 
@@ -41,6 +42,11 @@ void MenuItem::setEnabled(bool enabled)
 {
     m_enabled = enabled;
     m_native->action.setEnabled(enabled);
+}
+
+void MenuItem::setHelpText(std::string_view text)
+{
+    m_native->action.setToolTip(tooltip(text));
 }
 
 void MenuItem::Choose()

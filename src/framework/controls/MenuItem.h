@@ -29,6 +29,9 @@ public:
     bool Enabled() const { return m_enabled; }
     void setEnabled(bool enabled);
 
+    /// What the item shows under the pointer.
+    void setHelpText(std::string_view text);
+
     virtual bool isQuit() const { return false; }
 
     /// Chooses the item as the user would: nothing happens while it is disabled.

@@ -7,6 +7,7 @@
 #include "framework/internal/Native.h"
 #include "framework/internal/WindowNative.h"
 #include "framework/internal/qtText.h"
+#include "framework/internal/tooltip.h"
 
 namespace quilvane {
 
@@ -59,10 +60,9 @@ void RectControl::setAccessibleName(std::string_view name)
 
 void RectControl::setHelpText(std::string_view text)
 {
-    if (!m_native->widget)
-        return;
-    m_native->widget->setToolTip(toQt(text));
-    m_native->widget->setAccessibleDescription(toQt(text));
+    m_helpText = text;
+    if (m_native->widget)
+        showHelpText();
 }
 
 void RectControl::place(const ControlRow& row)
@@ -89,6 +89,13 @@ void RectControl::place(const ControlRow& row)
 
 void RectControl::makeWidget(Native&)
 {
+}
+
+void RectControl::showHelpText()
+{
+    QWidget& widget = *m_native->widget;
+    widget.setToolTip(tooltip(m_helpText));
+    widget.setAccessibleDescription(toQt(m_helpText));
 }
 
 void RectControl::setTableCaption(std::string_view)

@@ -70,6 +70,7 @@ public:
     void setAccessibleName(std::string_view name);
 
     /// What the control shows under the pointer, and what a screen reader can tell of it besides its name.
+    /// Plain text of one or more lines, which are broken where they are long.
     void setHelpText(std::string_view text);
 
     /// Gives the control its place and its widget. Once, by the window.
@@ -84,10 +85,13 @@ protected:
     virtual void makeWidget(Native& native);
     /// Takes the caption column of the table. Default: this kind shows none.
     virtual void setTableCaption(std::string_view caption);
+    /// Shows the help text. Default: as the widget's tooltip and description.
+    virtual void showHelpText();
     /// Runs after the placing of all controls of the window.
     virtual void opened() { }
 
     Window& window() const { return m_window; }
+    const std::string& helpText() const { return m_helpText; }
 
     /// For a control whose widget looks at its members: to be called in its own destructor.
     void deleteWidget();
@@ -101,6 +105,7 @@ private:
     Window& m_window;
     std::unique_ptr<Native> m_native;
     std::string m_name;
+    std::string m_helpText;
     ControlKind m_kind;
     bool m_visible = true;
     bool m_enabled = true;

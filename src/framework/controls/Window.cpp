@@ -6,6 +6,7 @@
 #include "framework/EventGuard.h"
 #include "framework/controls/MenuBar.h"
 #include "framework/controls/PushButton.h"
+#include "framework/internal/Announcement.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/WindowNative.h"
 #include "framework/internal/qtText.h"
@@ -167,6 +168,13 @@ void Window::savePicture(const std::string& path) const
 {
     if (!m_native->frame->grab().save(toQt(path), "PNG"))
         throw std::runtime_error("The picture " + path + " could not be written.");
+}
+
+void Window::Announce(std::string_view text)
+{
+    if (!m_native->announcement)
+        m_native->announcement = new Announcement(*m_native->frame);
+    m_native->announcement->say(toQt(text));
 }
 
 RectControl& Window::control(std::string_view name) const

@@ -56,6 +56,10 @@ public:
     /// Writes what the window shows, its menu bar included, to a PNG file.
     void savePicture(const std::string& path) const;
 
+    /// Has a screen reader speak a text soon, wherever the keyboard is. Of several texts of one handler the
+    /// last one is spoken.
+    void Announce(std::string_view text);
+
     RectControl& control(std::string_view name) const;
 
     void setDefaultButton(PushButton& button) { m_defaultButton = &button; }

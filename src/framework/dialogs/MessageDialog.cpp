@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/dialogs/MessageDialog.h"
 
+#include "framework/EventGuard.h"
 #include "framework/dialogs/Desktop.h"
-#include "framework/threads/Timer.h"
 
 namespace quilvane {
 
 MessageDialog::Button MessageDialog::ShowModal() const
 {
-    const TimersHeld held;
+    const EventsHeld held;
     return Desktop::current().showDialog(*this);
 }
 

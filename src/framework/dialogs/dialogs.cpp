@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/dialogs/dialogs.h"
 
+#include "framework/EventGuard.h"
 #include "framework/exceptions.h"
 #include "framework/files/displayName.h"
-#include "framework/threads/Timer.h"
 
 namespace quilvane {
 
@@ -21,25 +21,25 @@ Ref<FolderItem> itemFor(const std::optional<std::string>& path)
 
 void MsgBox(std::string_view text)
 {
-    const TimersHeld held;
+    const EventsHeld held;
     Desktop::current().showMessage(text);
 }
 
 Ref<FolderItem> GetOpenFolderItem(std::string_view, std::string_view title, const OfferedFiles& files)
 {
-    const TimersHeld held;
+    const EventsHeld held;
     return itemFor(Desktop::current().chooseFileToOpen(title, files));
 }
 
 Ref<FolderItem> GetSaveFolderItem(std::string_view, std::string_view defaultName, std::string_view title)
 {
-    const TimersHeld held;
+    const EventsHeld held;
     return itemFor(Desktop::current().chooseFileToSave(title, defaultName));
 }
 
 Ref<FolderItem> SelectFolder(std::string_view title)
 {
-    const TimersHeld held;
+    const EventsHeld held;
     return itemFor(Desktop::current().chooseFolder(title));
 }
 

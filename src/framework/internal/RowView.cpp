@@ -2,10 +2,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/internal/RowView.h"
 
+#include "framework/internal/editCommands.h"
+#include "framework/internal/fitText.h"
+#include "framework/internal/tooltip.h"
+
 #include <QAccessible>
-#include <QPaintEvent>
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QHelpEvent>
+#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
+#include <QToolTip>
 
 #include <algorithm>
 #include <limits>
@@ -15,14 +26,66 @@ namespace quilvane {
 namespace {
 
 /// Tells screen readers of an event that has befallen one row.
-void announce(QAbstractItemView& view, const QModelIndex& row, QAccessible::Event what)
+void announce(QAbstractItemView& view, int row, QAccessible::Event what)
 {
-    if (!row.isValid() || !QAccessible::isActive())
+    if (!QAccessible::isActive())
         return;
     QAccessibleEvent event(&view, what);
-    event.setChild(row.row());
+    event.setChild(row);
     QAccessible::updateAccessibility(&event);
 }
+
+qint64 countOf(const QItemSelection& rows)
+{
+    qint64 count = 0;
+    for (const QItemSelectionRange& range : rows)
+        count += range.height();
+    return count;
+}
+
+/// Shortens what is too long for the list, and shows it whole in a tooltip.
+class RowDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+        const QModelIndex& index) override
+    {
+        QString text = index.data().toString();
+        if (event->type() != QEvent::ToolTip)
+            return false;
+        if (text == textFor(option, index)) {
+            QToolTip::hideText();
+            return true;
+        }
+        // In lines, since there is nothing in an address at which Qt would break it; and no longer than a
+        // screen is high.
+        constexpr qsizetype line = 80;
+        constexpr qsizetype longest = 40 * line;
+        if (text.size() > longest)
+            text = text.left(longest) + QChar(0x2026);
+        for (qsizetype end = (text.size() - 1) / line * line; end > 0; end -= line)
+            text.insert(end, u'\n');
+        QToolTip::showText(event->globalPos(), tooltip(text), view, option.rect);
+        return true;
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->text = textFor(*option, index);
+    }
+
+private:
+    static QString textFor(const QStyleOptionViewItem& option, const QModelIndex& index)
+    {
+        const QStyle& style = *option.widget->style();
+        const int margin = style.pixelMetric(QStyle::PM_FocusFrameHMargin, &option, option.widget) + 1;
+        return shortenedAddress(
+            index.data().toString(), option.fontMetrics, option.rect.width() - 2 * margin);
+    }
+};
 
 } // namespace
 
@@ -31,11 +94,47 @@ RowView::RowView(QWidget* parent)
 {
     setUniformItemSizes(true);
     setEditTriggers(NoEditTriggers);
-    setSelectionMode(SingleSelection);
+    setSelectionMode(ExtendedSelection);
+    setDragDropMode(DragOnly);
     setVerticalScrollMode(ScrollPerItem);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setTextElideMode(Qt::ElideRight);
+    setItemDelegate(new RowDelegate(this));
+}
+
+void RowView::copySelection() const
+{
+    if (hasSelection())
+        QApplication::clipboard()->setMimeData(selectedRows());
+}
+
+RowPlace RowView::place() const
+{
+    RowPlace place;
+    for (const QItemSelectionRange& range : selectionModel()->selection())
+        place.selected.push_back({ std::size_t(range.top()), std::size_t(range.bottom()) + 1 });
+    std::sort(place.selected.begin(), place.selected.end(),
+        [](const RowRange& a, const RowRange& b) { return a.first < b.first; });
+    if (currentIndex().isValid())
+        place.current = std::size_t(currentIndex().row());
+    place.top = std::size_t(verticalScrollBar()->value());
+    return place;
+}
+
+void RowView::restore(const RowPlace& place)
+{
+    m_restoring = true;
+    QItemSelection selection;
+    for (const RowRange& range : place.selected)
+        selection.append(
+            QItemSelectionRange(model()->index(int(range.first), 0), model()->index(int(range.end) - 1, 0)));
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (place.current != RowPlace::none && hasRows())
+        selectionModel()->setCurrentIndex(
+            model()->index(int(std::min(place.current, std::size_t(rowCount()) - 1)), 0),
+            QItemSelectionModel::NoUpdate);
+    verticalScrollBar()->setValue(int(place.top));
+    m_restoring = false;
 }
 
 QRect RowView::visualRect(const QModelIndex& index) const
@@ -49,7 +148,7 @@ QRect RowView::visualRect(const QModelIndex& index) const
 
 QModelIndex RowView::indexAt(const QPoint& point) const
 {
-    const int row = verticalScrollBar()->value() + point.y() / rowHeight();
+    const int row = rowAt(point.y());
     if (point.y() < 0 || row >= rowCount())
         return {};
     return model()->index(row, 0);
@@ -78,6 +177,33 @@ void RowView::doItemsLayout()
 void RowView::reset()
 {
     QAbstractItemView::reset();
+}
+
+void RowView::contextMenuEvent(QContextMenuEvent* event)
+{
+    const QRect row = visualRect(currentIndex()) & viewport()->rect();
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+    popUpEditMenu(*this, byKey ? viewport()->mapToGlobal(row.bottomLeft()) : event->globalPos());
+}
+
+void RowView::keyPressEvent(QKeyEvent* event)
+{
+    // Qt would copy the row with the keyboard.
+    if (event->matches(QKeySequence::Copy))
+        copySelection();
+    else
+        QListView::keyPressEvent(event);
+}
+
+void RowView::startDrag(Qt::DropActions)
+{
+    if (!hasSelection())
+        return;
+    runDrag([this] {
+        auto* drag = new QDrag(this); // deletes itself
+        drag->setMimeData(selectedRows());
+        drag->exec(Qt::CopyAction);
+    });
 }
 
 void RowView::paintEvent(QPaintEvent* event)
@@ -126,10 +252,23 @@ void RowView::rowsInserted(const QModelIndex& parent, int start, int end)
 void RowView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
 {
     QAbstractItemView::selectionChanged(selected, deselected);
-    for (const QItemSelectionRange& range : deselected) // one row each
-        announce(*this, range.topLeft(), QAccessible::SelectionRemove);
-    for (const QItemSelectionRange& range : selected)
-        announce(*this, range.topLeft(), QAccessible::SelectionAdd);
+    if (m_restoring)
+        return;
+    // A few rows one by one, so that a reader speaks them.
+    constexpr qint64 few = 8;
+    if (countOf(selected) + countOf(deselected) > few) {
+        QAccessibleEvent event(this, QAccessible::SelectionWithin);
+        QAccessible::updateAccessibility(&event);
+    } else {
+        for (const QItemSelectionRange& range : deselected) {
+            for (int row = range.top(); row <= range.bottom(); ++row)
+                announce(*this, row, QAccessible::SelectionRemove);
+        }
+        for (const QItemSelectionRange& range : selected) {
+            for (int row = range.top(); row <= range.bottom(); ++row)
+                announce(*this, row, QAccessible::SelectionAdd);
+        }
+    }
     if (selectionMoved)
         selectionMoved();
 }
@@ -137,8 +276,8 @@ void RowView::selectionChanged(const QItemSelection& selected, const QItemSelect
 void RowView::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
     QAbstractItemView::currentChanged(current, previous);
-    if (hasFocus())
-        announce(*this, current, QAccessible::Focus);
+    if (hasFocus() && current.isValid() && !m_restoring)
+        announce(*this, current.row(), QAccessible::Focus);
 }
 
 QModelIndex RowView::moveCursor(CursorAction action, Qt::KeyboardModifiers)
@@ -184,8 +323,13 @@ int RowView::verticalOffset() const
 
 void RowView::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags flags)
 {
-    const QModelIndex index = indexAt(rect.topLeft());
-    selectionModel()->select(index.isValid() ? QItemSelection(index, index) : QItemSelection(), flags);
+    // From where the mouse was pressed to where it is, so either may be the upper one.
+    const int first = std::max(0, rowAt(std::min(rect.top(), rect.bottom())));
+    const int last = std::min(rowCount() - 1, rowAt(std::max(rect.top(), rect.bottom())));
+    QItemSelection rows;
+    if (first <= last)
+        rows.select(model()->index(first, 0), model()->index(last, 0));
+    selectionModel()->select(rows, flags);
 }
 
 QRegion RowView::visualRegionForSelection(const QItemSelection& selection) const
@@ -209,6 +353,12 @@ int RowView::rowHeight() const
 int RowView::rowsInSight() const
 {
     return std::max(1, viewport()->height() / rowHeight());
+}
+
+int RowView::rowAt(int y) const
+{
+    const int above = y < 0 ? (rowHeight() - 1 - y) / rowHeight() : 0;
+    return verticalScrollBar()->value() + (y < 0 ? -above : y / rowHeight());
 }
 
 } // namespace quilvane

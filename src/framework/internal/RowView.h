@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "framework/internal/RowPlace.h"
+
 #include <QListView>
+
+#include <functional>
 
 namespace quilvane {
 
@@ -18,6 +22,20 @@ public:
 
     /// Called when the selection changes.
     std::function<void()> selectionMoved;
+    /// Makes what is copied or dragged of the selected rows; the caller owns it.
+    std::function<QMimeData*()> selectedRows;
+    /// Calls what it is given, which drags rows out, as one event of the program.
+    std::function<void(const std::function<void()>&)> runDrag;
+
+    bool hasRows() const { return rowCount() > 0; }
+    bool hasSelection() const { return selectionModel()->hasSelection(); }
+    /// Puts the selected rows into the clipboard.
+    void copySelection() const;
+
+    /// Of the rows that the model has told of.
+    RowPlace place() const;
+    /// To be called after the model was reset. Nobody is told of a selection that only comes back.
+    void restore(const RowPlace& place);
 
     QRect visualRect(const QModelIndex& index) const override;
     QModelIndex indexAt(const QPoint& point) const override;
@@ -26,6 +44,9 @@ public:
     void reset() override;
 
 protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void startDrag(Qt::DropActions actions) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
@@ -44,6 +65,10 @@ private:
     int rowHeight() const;
     /// Rows that fit in whole, at least 1.
     int rowsInSight() const;
+    /// The row at a height of the viewport, were there one.
+    int rowAt(int y) const;
+
+    bool m_restoring = false;
 };
 
 } // namespace quilvane

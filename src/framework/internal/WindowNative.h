@@ -8,9 +8,12 @@
 
 namespace quilvane {
 
+class Announcement;
+
 struct Window::Native {
     std::unique_ptr<QMainWindow> frame;
     QWidget* content = nullptr; // the frame's central widget, or what that scrolls over
+    Announcement* announcement = nullptr; // the frame's; none before the first
     double unit = 1; // logical pixels for one of the control table
 
     int menuBarHeight() const;

@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/internal/editCommands.h"
 
+#include "framework/Application.h"
+#include "framework/controls/MenuBar.h"
+#include "framework/internal/MenuItemNative.h"
 #include "framework/internal/RowView.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
 
@@ -60,13 +63,14 @@ const Command* find(std::string_view itemName)
     return found == commands.end() ? nullptr : &*found;
 }
 
-/// The list, too, serves one of the commands: the selected address can be copied.
-QString selectedRowToCopy(std::string_view itemName)
+/// A list, too, serves two of the commands. Null if it can't serve this one now.
+RowView* listFor(std::string_view itemName)
 {
-    const auto* list = qobject_cast<QListView*>(focusedControl());
-    if (itemName != "EditCopy" || !list || !list->selectionModel() || !list->selectionModel()->hasSelection())
-        return {};
-    return list->selectionModel()->selectedIndexes().first().data().toString();
+    auto* list = dynamic_cast<RowView*>(focusedControl());
+    const bool serves = list
+        && ((itemName == "EditCopy" && list->hasSelection())
+            || (itemName == "EditSelectAll" && list->hasRows()));
+    return serves ? list : nullptr;
 }
 
 } // namespace
@@ -79,6 +83,16 @@ void followFocus()
     });
 }
 
+void popUpEditMenu(QWidget& list, const QPoint& place)
+{
+    EnableMenuItems();
+    auto* menu = new QMenu(&list);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (const char* itemName : { "EditCopy", "EditSelectAll" })
+        menu->addAction(&Application::instance().menuBar().Lookup(itemName).native().action);
+    menu->popup(place);
+}
+
 bool isEditCommand(std::string_view itemName)
 {
     return find(itemName) != nullptr;
@@ -89,7 +103,7 @@ bool canEdit(std::string_view itemName)
     const Command* command = find(itemName);
     if (const auto* edit = qobject_cast<QLineEdit*>(focusedControl()))
         return command && command->possible(*edit);
-    return !selectedRowToCopy(itemName).isEmpty();
+    return listFor(itemName) != nullptr;
 }
 
 void edit(std::string_view itemName)
@@ -98,8 +112,8 @@ void edit(std::string_view itemName)
     auto* lineEdit = qobject_cast<QLineEdit*>(focusedControl());
     if (lineEdit && command && command->possible(*lineEdit))
         command->carryOut(*lineEdit);
-    else if (const QString row = selectedRowToCopy(itemName); !row.isEmpty())
-        QApplication::clipboard()->setText(row);
+    else if (RowView* list = listFor(itemName))
+        itemName == "EditCopy" ? list->copySelection() : list->selectAll();
 }
 
 } // namespace quilvane

@@ -4,10 +4,17 @@
 
 #include <string_view>
 
+class QPoint;
+class QWidget;
+
 namespace quilvane {
 
 /// Once, at the start: notes from now on which control the keyboard goes from to a menu bar.
 void followFocus();
+
+/// Shows the commands that serve a list as its context menu, with its corner at `place` on the screen. The
+/// list must have the keyboard.
+void popUpEditMenu(QWidget& list, const QPoint& place);
 
 /// Whether `itemName` is one of the commands on text that the toolkit itself carries out: undo, cut, copy,
 /// paste, delete, select all.

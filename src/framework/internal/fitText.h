@@ -22,4 +22,22 @@ inline void fitText(QWidget& widget, const QString& text, int margin)
     widget.setFont(font);
 }
 
+/// A row of a list as far as it fits into `width`. Of an address the domain says most, so the part before the
+/// last @ is cut first.
+inline QString shortenedAddress(QString text, const QFontMetrics& metrics, int width)
+{
+    constexpr qsizetype neverFits = 2000; // characters; to measure more takes time
+    const QChar ellipsis(0x2026);
+    if (text.size() > neverFits)
+        text = text.left(neverFits / 2) + ellipsis + text.right(neverFits / 2);
+    if (metrics.horizontalAdvance(text) <= width)
+        return text;
+    const qsizetype at = text.lastIndexOf(u'@');
+    const QString domain = at < 0 ? QString() : text.mid(at);
+    const int left = width - metrics.horizontalAdvance(domain);
+    if (at < 0 || left < metrics.horizontalAdvance(text.left(1) + ellipsis))
+        return metrics.elidedText(text, Qt::ElideMiddle, width);
+    return metrics.elidedText(text.left(at), Qt::ElideRight, left) + domain;
+}
+
 } // namespace quilvane

@@ -8,7 +8,6 @@
 #include "framework/exceptions.h"
 #include "framework/keepWindowPainted.h"
 #include "framework/net/fetch.h"
-#include "framework/threads/Timer.h"
 
 #include <atomic>
 #include <chrono>
@@ -53,7 +52,7 @@ std::string URLConnection::SendSync(std::string_view method, std::string_view ur
         keepWindowPainted();
         if (std::chrono::steady_clock::now() - start < silentWait)
             continue;
-        const TimersHeld held;
+        const EventsHeld held;
         const bool wanted
             = Desktop::current().waitForPage(hostOf(address), [&]() -> std::optional<std::uint64_t> {
                   return isHere(body, std::chrono::milliseconds::zero()) ? std::nullopt

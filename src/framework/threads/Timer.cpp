@@ -8,12 +8,6 @@
 
 namespace quilvane {
 
-namespace {
-
-int holds = 0;
-
-} // namespace
-
 struct Timer::Native {
     QTimer timer;
 };
@@ -23,7 +17,7 @@ Timer::Timer(std::string name, int period)
 {
     m_native->timer.setInterval(period);
     QObject::connect(&m_native->timer, &QTimer::timeout, [this, handlerName = name + "_Action"] {
-        if (Action && holds == 0)
+        if (Action && !eventsMustWait())
             runGuarded(handlerName, Action);
     });
 }
@@ -41,16 +35,6 @@ void Timer::setEnabled(bool enabled)
         m_native->timer.start();
     else if (!enabled)
         m_native->timer.stop();
-}
-
-TimersHeld::TimersHeld()
-{
-    ++holds;
-}
-
-TimersHeld::~TimersHeld()
-{
-    --holds;
 }
 
 } // namespace quilvane

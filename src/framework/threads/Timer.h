@@ -28,13 +28,4 @@ private:
     std::unique_ptr<Native> m_native;
 };
 
-/// Holds all timers back while it lives, as a modal dialog does: the handler that has opened it still runs.
-class TimersHeld {
-public:
-    TimersHeld();
-    ~TimersHeld();
-    TimersHeld(const TimersHeld&) = delete;
-    TimersHeld& operator=(const TimersHeld&) = delete;
-};
-
 } // namespace quilvane
