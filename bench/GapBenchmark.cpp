@@ -10,9 +10,9 @@
 #include "filter/filterWIn.h"
 #include "framework/Application.h"
 #include "framework/Runtime.h"
-#include "framework/dialogs/Desktop.h"
 #include "search/Window2.h"
 #include "search/searchWin.h"
+#include "support/AnsweringDesktop.h"
 #include "support/benchText.h"
 #include "support/race.h"
 #include "support/slowFiles.h"
@@ -45,28 +45,6 @@ constexpr std::size_t documents = 500;
 constexpr std::size_t rows = 5'000'000;
 constexpr std::size_t largeFile = std::size_t(1) << 30; // bytes
 constexpr std::size_t diskSpeed = 100'000'000; // bytes a second
-
-/// A user who always gives the same answers.
-class AnsweringDesktop : public Desktop {
-public:
-    explicit AnsweringDesktop(fs::path folder)
-        : m_folder(std::move(folder))
-    {
-        Desktop::use(this);
-    }
-    ~AnsweringDesktop() override { Desktop::use(nullptr); }
-
-    std::optional<std::string> chooseFileToOpen() override { return m_folder / "file.txt"; }
-    std::optional<std::string> chooseFileToSave(std::string_view) override { return m_folder / "export.csv"; }
-    std::optional<std::string> chooseFolder() override { return m_folder; }
-    void showMessage(std::string_view text) override { std::printf("%s\n", std::string(text).c_str()); }
-    MessageDialog::Button showDialog(const MessageDialog&) override { return MessageDialog::Button::Action; }
-    void showError(std::string_view what, std::string_view) override { showMessage(what); }
-    bool openWithDefaultApplication(std::string_view) override { return true; }
-
-private:
-    fs::path m_folder;
-};
 
 /// Takes the time between the turns: a timer of its own ticks in each, and what is painted counts, too.
 class TurnWatch : public QObject {

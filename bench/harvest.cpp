@@ -8,8 +8,8 @@
 #include "framework/files/FolderItem.h"
 #include "framework/files/TextInputStream.h"
 #include "scan/AddressScanner.h"
+#include "scan/DuplicateIndex.h"
 #include "scan/TextPieces.h"
-#include "scan/survivors.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -37,10 +37,12 @@ int main(int argc, char** argv)
         while (const std::size_t count = stream->Read(pieces.room()))
             addMatches(pieces.take(count), rows);
         addMatches(pieces.rest(), rows);
-        if (argc > 2 && std::string_view(argv[2]) == "--unique")
-            rows.retain(0,
-                findSurvivors(
-                    rows.size(), [&](std::size_t row) { return rows[row]; }, [] {}));
+        if (argc > 2 && std::string_view(argv[2]) == "--unique") {
+            DuplicateIndex index;
+            DuplicateIndex::Pass pass(index, rows.size(), [&](std::size_t row) { return rows[row]; });
+            while (pass.step()) { }
+            rows.retain(0, pass.stays());
+        }
         std::printf("%zu\n", rows.size());
         return EXIT_SUCCESS;
     } catch (const RuntimeException& error) {

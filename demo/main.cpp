@@ -56,6 +56,11 @@ public:
         std::cout << "Error: " << what << ' ' << where << '\n';
         failed = true;
     }
+    bool waitForPage(
+        std::string_view, const std::function<std::optional<std::uint64_t>()>&) override // loads none
+    {
+        return false;
+    }
     bool openWithDefaultApplication(std::string_view path) override
     {
         std::cout << "Export:  " << path << '\n';

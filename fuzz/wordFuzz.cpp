@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Opens any bytes as a document, and as the XML and the relationships of a sound package, so that not every
-// input ends at its first mark.
+// Opens any bytes as a document, with the begin of each kind of document before them, and as the XML and the
+// relationships of a sound package, so that not every input ends at its first mark.
 #include "documents/documentText.h"
+#include "documents/pdf/pageText.h"
 #include "support/ZipBuilder.h"
 
 #include <cstddef>
@@ -36,9 +37,17 @@ void openAsPackage(std::string_view relationships, std::string_view xml)
 // NOLINTNEXTLINE(readability-identifier-naming): libFuzzer gives the name
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    using namespace std::string_view_literals;
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
     documentText(bytes);
-    documentText(std::string("PK\3\4") + std::string(bytes));
-    openAsPackage(bytes.substr(0, size / 2), bytes.substr(size / 2));
+    for (const std::string_view begin : { "PK\3\4"sv, "{\\rtf1 "sv, "<p>"sv, "\xFF\xFE<\0p\0>\0"sv,
+             "\xDB\xA5-\0"sv, "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1"sv,
+             "MIME-Version: 1.0\nContent-Type: multipart/x; boundary=b\n\n--b\n"sv,
+             "Content-Type: text/html\nContent-Transfer-Encoding: base64\n\n"sv,
+             "<w:document xmlns:w='http://schemas.openxmlformats.org/wordprocessingml/2006/main'><w:p>"sv })
+        documentText(std::string(begin) + bytes);
+    tidyPageText(bytes);
+    const std::size_t half = size / 2;
+    openAsPackage(bytes.substr(0, half), bytes.substr(half));
     return 0;
 }

@@ -22,7 +22,7 @@ struct Contender {
 };
 
 /// Lets the contenders run in turn, so that whatever else the machine does falls on all of them; the fastest
-/// of the rounds counts. What `before` does ahead of every run is not timed.
+/// of the rounds counts. What `before` does before every run is not timed.
 inline void race(
     std::span<Contender> contenders, int rounds, const std::function<void()>& before = [] {})
 {

@@ -89,6 +89,7 @@ void Window1::bindEvents()
         HTMLViewer1_DocumentProgressChanged(url, percentage);
     };
     urlField.TextChange = [this] { urlField_TextChange(); };
+    urlField.KeyDown = [this](const std::string& key) { return urlField_KeyDown(key); };
     Canvas1.Open = [this] { Canvas1_Open(); };
     Canvas1.DropObject = [this](DragItem& item) { Canvas1_DropObject(item); };
     importBtn1.Action = [this] { importBtn1_Action(); };

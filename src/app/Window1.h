@@ -19,6 +19,7 @@
 #include "framework/threads/Timer.h"
 #include "scan/DuplicateIndex.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -78,6 +79,7 @@ public:
     /// Searches the page that urlField names, and empties the field. A page that can't be loaded leaves it.
     void doHTML();
     void urlField_TextChange();
+    bool urlField_KeyDown(const std::string& key);
     void HTMLViewer1_DocumentComplete(const std::string& url);
     void HTMLViewer1_DocumentProgressChanged(const std::string& url, int percentage);
     /// Nothing calls it, like doCSVFolder.
@@ -108,6 +110,8 @@ public:
     /// Puts what a failed search of folders or dropped items has staged into the list, and brings buttons and
     /// menus up to date. Returns how many rows that added. For the report of the failure.
     std::size_t keepStagedFinds();
+    /// Empties ProgressText and what it can tell of the run besides.
+    void clearFinishLine();
 
     /// Adds the staged addresses that this run has not added yet to the list and leaves them staged.
     void flushStagedRows();
@@ -135,6 +139,9 @@ private:
     /// read to its end.
     void scanToList(TextInputStream& stream, Counting counting);
     void addMatchesToList(std::string_view text, Counting counting);
+    using TextScan = std::function<void(std::string_view text)>;
+    /// What both do with the text, in one piece or many, that `giveText` hands to its argument.
+    void scanAllToList(const std::function<void(const TextScan& scan)>& giveText, Counting counting);
     /// Adds all staged addresses to the list at the end of a run, where nothing needs to stay staged.
     void moveStagedRowsToList();
     /// Looks whether anything but checkDuplicates() has removed rows since this was called last: then all of
@@ -145,8 +152,6 @@ private:
     /// meanwhile, which ends the handler.
     bool classifyChildren(const FolderItem& folder, const RunRules& rules, Ref<FolderItem>& current);
     void startWorker();
-    /// Forgets what earlier runs have read, and what the finish line tells of it.
-    void beginAccount();
     /// The folders in subFolderArrayZ one by one, until the user stops the run.
     void walkSubfolders(const RunRules& rules, Ref<FolderItem>& current);
     struct WalkedFolder;
@@ -157,6 +162,8 @@ private:
     void listFolder(
         const FolderItem& folder, std::vector<std::string>& files, std::vector<std::string>& subfolders);
     void readFiles(const std::vector<std::string>& paths);
+    /// Lets the event loop run for a short time.
+    void letEventsIn();
     void endRun();
 
     void enableButtonsAfterScan();
@@ -164,6 +171,7 @@ private:
     /// On an empty list the label keeps its old text.
     void setTotalLabel();
 
+    std::chrono::steady_clock::time_point m_lastEvents; // when a walk began or letEventsIn() returned last
     DuplicateIndex m_knownRows; // those that checkDuplicates() has looked at
     std::uint64_t m_arrangement = 0; // Listbox1's when it had done so
 };

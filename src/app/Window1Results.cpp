@@ -7,7 +7,7 @@
 #include "framework/Application.h"
 #include "framework/keepWindowPainted.h"
 #include "scan/AddressScanner.h"
-#include "scan/endTexts.h"
+#include "scan/endOfRunTexts.h"
 
 #include <algorithm>
 
@@ -15,21 +15,25 @@ namespace quilvane {
 
 void Window1::scanToList(TextInputStream& stream, Counting counting)
 {
-    const std::size_t rowsBefore = Listbox1.ListCount();
-    const std::int64_t countBefore = rCounter;
-    try {
-        readInPieces(stream, [&](std::string_view piece) { addMatchesToList(piece, counting); });
-    } catch (...) {
-        Listbox1.TruncateRows(rowsBefore);
-        rCounter = countBefore;
-        throw;
-    }
+    scanAllToList([&stream](const auto& scan) { readInPieces(stream, scan); }, counting);
 }
 
 void Window1::addMatchesToList(std::string_view text, Counting counting)
 {
+    scanAllToList([text](const auto& scan) { scan(text); }, counting);
+}
+
+void Window1::scanAllToList(const std::function<void(const TextScan& scan)>& giveText, Counting counting)
+{
     const std::size_t rowsBefore = Listbox1.ListCount();
-    forEachAddress(text, [this](std::string_view address) { Listbox1.AddRow(address); });
+    try {
+        giveText([this](std::string_view text) {
+            forEachAddress(text, [this](std::string_view address) { Listbox1.AddRow(address); });
+        });
+    } catch (...) {
+        Listbox1.TruncateRows(rowsBefore);
+        throw;
+    }
     if (counting == Counting::On)
         rCounter += std::int64_t(Listbox1.ListCount() - rowsBefore);
 }
@@ -49,13 +53,12 @@ void Window1::moveStagedRowsToList()
 
 std::size_t Window1::keepStagedFinds()
 {
+    checkDuplicates(); // Keep may have left some, which are none of this search's
     const std::size_t rowsBefore = Listbox1.ListCount();
-    if (resultArray.empty())
-        return 0;
     moveStagedRowsToList();
     checkDuplicates();
     EnableMenuItems();
-    return Listbox1.ListCount() - std::min(rowsBefore, Listbox1.ListCount());
+    return Listbox1.ListCount() - rowsBefore;
 }
 
 void Window1::noteRemovedRows()
@@ -75,9 +78,9 @@ void Window1::enableButtonsAfterScan()
     TextField1.setText({});
 }
 
-void Window1::beginAccount()
+void Window1::clearFinishLine()
 {
-    account.clear();
+    ProgressText.setText("");
     ProgressText.setHelpText({});
 }
 
@@ -130,7 +133,7 @@ void Window1::clearBtn_Action()
     // The pass below switches Search on again.
     searchBtn.setEnabled(false);
     filterBtn.setEnabled(false);
-    ProgressText.setText("");
+    clearFinishLine();
     EnableMenuItems();
 }
 

@@ -29,7 +29,7 @@ constexpr std::array handlers{
     Words{ "exportTabDelimited_Action", "The export has ended here. The list is as it was." },
     Words{ "keepBtn_Action", "The list is as it was." },
     Words{ "removeBtn_Action",
-        "What the boxes before it have removed is gone. The other rows are as they were." },
+        "Rows that were removed before the failure are gone. The others are as they were." },
     Words{ "searchBtn_Action", "The search of the list has ended here. The list is as it was." },
     Words{ "searchField_KeyDown", "The search of the list has ended here. The list is as it was." },
 };
@@ -37,9 +37,12 @@ constexpr std::array handlers{
 /// Empty where nothing was staged.
 std::string keptFinds()
 {
-    if (!isOpen<Window1>() || implicit<Window1>().resultArray.empty())
+    if (!isOpen<Window1>())
         return {};
-    const std::size_t kept = implicit<Window1>().keepStagedFinds();
+    const bool anyStaged = !implicit<Window1>().resultArray.empty();
+    const std::size_t kept = implicit<Window1>().keepStagedFinds(); // and the buttons are brought up to date
+    if (!anyStaged)
+        return {};
     if (kept == 0)
         return " All that it had found was in the list already.";
     return " What it had found is in the list: " + Str(kept)

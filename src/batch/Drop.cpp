@@ -20,8 +20,8 @@ void Window1::Canvas1_Open()
 
 void Window1::Canvas1_DropObject(DragItem& obj)
 {
-    ProgressText.setText("");
-    beginAccount();
+    clearFinishLine();
+    account.clear();
     searchStop.setValue(false);
     searchStop.setEnabled(true);
     resultArray.clear();

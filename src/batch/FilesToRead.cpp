@@ -3,6 +3,7 @@
 #include "batch/FilesToRead.h"
 
 #include "batch/runRules.h"
+#include "framework/keepWindowPainted.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,6 +14,7 @@ FilesToRead::FilesToRead(std::span<const std::string> paths, std::span<const Rea
 {
     std::vector<std::string> opened;
     for (const std::string& path : paths) {
+        keepWindowPainted();
         std::vector<FileReader> readers = readersFor(rules, lastExtension(FolderItem(path).Name()));
         // A PDF document is not opened here at all: see doPDFCheckThread.
         const bool isOpened = std::any_of(

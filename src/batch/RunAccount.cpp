@@ -33,33 +33,39 @@ const char* wasOrWere(std::size_t count)
     return count == 1 ? " was " : " were ";
 }
 
+std::string nameOf(std::string_view path)
+{
+    return displayPath(path.substr(path.rfind('/') + 1));
+}
+
 } // namespace
 
 void RunAccount::met(const std::string& path)
 {
-    m_files.try_emplace(std::hash<std::string>{}(path), false);
-}
-
-bool RunAccount::settle(const std::string& path)
-{
-    bool& settled = m_files[std::hash<std::string>{}(path)];
-    if (settled)
-        return false;
-    settled = true;
-    ++m_settled;
-    return true;
+    m_files.try_emplace(std::hash<std::string>{}(path));
 }
 
 void RunAccount::read(const std::string& path, FileReader reader)
 {
-    if (settle(path))
-        ++m_read[std::size_t(reader)];
+    Fate& fate = m_files[std::hash<std::string>{}(path)];
+    if (fate.isRead)
+        return;
+    if (fate.left)
+        m_left[std::size_t(*fate.left)].remove(path);
+    else
+        ++m_settled;
+    fate = { .isRead = true, .left = {} };
+    ++m_read[std::size_t(reader)];
 }
 
 void RunAccount::left(const std::string& path, Left why)
 {
-    if (settle(path))
-        m_left[std::size_t(why)].add(path);
+    const auto file = m_files.find(std::hash<std::string>{}(path));
+    if (file == m_files.end() || file->second.isRead || file->second.left)
+        return;
+    file->second.left = why;
+    ++m_settled;
+    m_left[std::size_t(why)].add(path);
 }
 
 void RunAccount::folderNotListed(const std::string& path)
@@ -72,11 +78,19 @@ void RunAccount::Group::add(std::string_view path)
     constexpr std::size_t mostNames = 3;
     ++count;
     if (names.size() < mostNames)
-        names.push_back(displayPath(path.substr(path.rfind('/') + 1)));
+        names.push_back(nameOf(path));
+}
+
+void RunAccount::Group::remove(std::string_view path)
+{
+    --count;
+    std::erase(names, nameOf(path));
 }
 
 std::string RunAccount::Group::examples() const
 {
+    if (names.empty())
+        return {};
     std::string text = " (";
     for (const std::string& name : names)
         text += (&name == &names.front() ? "" : ", ") + name;

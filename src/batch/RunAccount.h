@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -23,8 +24,9 @@ public:
     void clear() { *this = {}; }
 
     void met(const std::string& path);
-    /// What comes first for a path counts: read() or left().
+    /// A path that is read after it was left counts as read; else what comes first counts.
     void read(const std::string& path, FileReader reader);
+    /// Of a path that was met.
     void left(const std::string& path, Left why);
     /// A folder of which not all children are known.
     void folderNotListed(const std::string& path);
@@ -39,14 +41,17 @@ private:
         std::vector<std::string> names;
 
         void add(std::string_view path);
+        void remove(std::string_view path);
         std::string examples() const;
     };
 
-    /// Whether this is the first that is told of what became of the path.
-    bool settle(const std::string& path);
+    struct Fate {
+        bool isRead = false;
+        std::optional<Left> left;
+    };
 
-    std::unordered_map<std::size_t, bool> m_files; // hash of the path, and whether it was read or left
-    std::size_t m_settled = 0;
+    std::unordered_map<std::size_t, Fate> m_files; // by the hash of the path
+    std::size_t m_settled = 0; // files that were read or left
     std::array<std::size_t, 4> m_read{}; // by FileReader
     std::array<Group, 6> m_left; // by Left
     Group m_folders;

@@ -14,8 +14,8 @@ namespace quilvane {
 void Window1::importFolderBtn_Action()
 {
     searchStop.setValue(false);
-    ProgressText.setText("");
-    beginAccount();
+    clearFinishLine();
+    account.clear();
     searchStop.setEnabled(true); // and never off again
     itemArrayZ.clear();
     resultArray.clear();
@@ -51,7 +51,7 @@ void Window1::PushButton1_Action()
     checkDuplicates();
     setTotalLabel();
     // No finish message, and what the walk has hidden stays hidden.
-    ProgressText.setText("");
+    clearFinishLine();
     Timer1.setEnabled(false);
 }
 

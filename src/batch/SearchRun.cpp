@@ -46,8 +46,8 @@ public:
 
     void end()
     {
-        // More than this is not kept to be found once more: it is counted, and its addresses are staged
-        // already.
+        // Of more matches than that the rest is counted, but not kept to be found once more: they are staged
+        // already, and a second hold on millions of them would cost as much as the list.
         constexpr std::size_t mostKept = 100'000;
         const std::size_t found = m_run.resultArray.size() - m_before;
         m_run.m_lastMatches.truncate(0);
@@ -166,7 +166,7 @@ void SearchRun::readStaged(FileReader reader, const Ref<FolderItem>& f)
     case FileReader::Delimited:
         if (const Ref<TextInputStream> stream = f->OpenAsTextFile())
             doCSVFolderThread(f, stream);
-        else
+        else // and doPDFCheckThread still finds the text before
             account.left(f->NativePath(), RunAccount::Left::NotOpened);
         break;
     }

@@ -42,7 +42,12 @@ void StagedRows::removeDuplicates()
     DuplicateIndex::Pass pass(m_index, m_rows.size(), [this](std::size_t row) { return m_rows[row]; });
     while (pass.step())
         keepWindowPainted();
-    m_rows.retain(pass.firstRow(), pass.stays());
+    try {
+        m_rows.retain(pass.firstRow(), pass.stays());
+    } catch (...) {
+        m_index.forget();
+        throw;
+    }
 }
 
 } // namespace quilvane

@@ -12,6 +12,7 @@
 #include "framework/strings.h"
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <set>
 
@@ -83,6 +84,7 @@ void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
 void Window1::doSubfolder(const Ref<FolderItem>& folder)
 {
     EmptyFolders emptyFolders;
+    m_lastEvents = std::chrono::steady_clock::now();
     walkFolder(folder, nullptr, emptyFolders);
 }
 
@@ -97,6 +99,10 @@ Window1::WalkResult Window1::walkFolder(
     std::vector<std::string> subfolders;
     if (isEntered)
         listFolder(*folder, files, subfolders);
+    // A file gives the event loop its turn. Where long no file comes, it gets one all the same.
+    constexpr std::chrono::milliseconds longWait(100);
+    if (files.empty() && std::chrono::steady_clock::now() - m_lastEvents > longWait)
+        letEventsIn();
     if (folder) {
         ProgressText.setVisible(true);
         readFiles(files);
@@ -148,19 +154,25 @@ void Window1::readFiles(const std::vector<std::string>& paths)
         const FilesToRead::File f = files.next();
         myProgressText = searchingText(i + 1, paths.size(), f.item->Name());
         nextOne = progressValue(i, paths.size());
-        Application::DoEvents(eventLoopMilliseconds);
+        letEventsIn();
         if (!f.item) {
             // Never seen: the name of a file that is gone has ended the handler before.
             MsgBox("No file was opened.");
-            ProgressText.setText("");
+            clearFinishLine();
             return;
         }
         for (const FileReader reader : f.readers) {
             readStaged(reader, f.item);
             if (reader == FileReader::Word)
-                Application::DoEvents(eventLoopMilliseconds);
+                letEventsIn();
         }
     }
+}
+
+void Window1::letEventsIn()
+{
+    Application::DoEvents(eventLoopMilliseconds);
+    m_lastEvents = std::chrono::steady_clock::now();
 }
 
 } // namespace quilvane

@@ -28,18 +28,17 @@ void Window1::Thread1_Run()
 
 void Window1::noThread()
 {
-    FilesToRead files(itemArrayZ, noThreadReaders);
     for (std::size_t i = 0; i < itemArrayZ.size(); ++i) {
         currentFile = itemArrayZ[i];
         if (stopSwitch) {
             Thread1.Kill();
             break;
         }
-        const FilesToRead::File file = files.next();
-        tellItem(i, *file.item);
+        const Ref<FolderItem> f = GetFolderItem(itemArrayZ[i]);
+        tellItem(i, *f);
         Application::DoEvents(eventLoopMilliseconds);
-        for (const FileReader reader : file.readers) {
-            readStaged(reader, file.item);
+        for (const FileReader reader : readersFor(noThreadReaders, lastExtension(f->Name()))) {
+            readStaged(reader, f);
             Application::DoEvents(eventLoopMilliseconds);
         }
     }

@@ -3,15 +3,15 @@
 #include "documents/documentText.h"
 
 #include "documents/html/htmlText.h"
+#include "documents/html/mimeMessage.h"
 #include "documents/word/binaryWord.h"
 #include "documents/word/openXml.h"
 #include "documents/word/rtf.h"
 #include "documents/word/textRuns.h"
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <utility>
+#include <vector>
 
 namespace quilvane {
 
@@ -21,26 +21,14 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view zipMark = "PK\3\4"sv;
 constexpr std::string_view compoundMark = "\xD0\xCF\x11\xE0"sv;
+constexpr std::string_view word2Mark = "\xDB\xA5"sv;
 
-/// The first characters in lower case, without blanks, byte order mark and the zero bytes of UTF-16.
-std::string beginning(std::string_view bytes)
-{
-    constexpr std::size_t farEnough = 4096;
-    constexpr std::string_view passedOver = "\0\t\n\r \xEF\xBB\xBF\xFE\xFF"sv;
-    std::string result;
-    for (const char c : bytes.substr(0, farEnough)) {
-        if (passedOver.find(c) == std::string_view::npos)
-            result += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return result;
-}
+/// Bytes of a file that is read from its begin to its end. What is packed, or found by a directory, may stand
+/// anywhere.
+constexpr std::size_t mostInARow = std::size_t(256) << 20;
 
-bool looksLikeHtml(std::string_view begin)
-{
-    constexpr std::array marks{ "<html"sv, "<!doctypehtml"sv, "<head>"sv, "<body"sv };
-    return std::any_of(marks.begin(), marks.end(),
-        [begin](std::string_view mark) { return begin.find(mark) != std::string_view::npos; });
-}
+/// Bytes of a web page, which is converted as a whole.
+constexpr std::size_t longestPage = std::size_t(64) << 20;
 
 /// As a compound file keeps a stream's name in its directory: UTF-16, little-endian.
 std::string directoryName(std::string_view name)
@@ -53,9 +41,8 @@ std::string directoryName(std::string_view name)
     return result;
 }
 
-/// Whether a compound file that can't be read was a Word document, and one that is not encrypted. The begin
-/// of its main stream tells ([MS-DOC], section 2.5.1, and the same in earlier versions), or that stream's
-/// name.
+/// Whether a binary file that can't be read was a Word document, and one that is not encrypted. The begin of
+/// its main stream tells ([MS-DOC], section 2.5.1, and the same in earlier versions), or that stream's name.
 bool wasPlainWord(std::string_view bytes)
 {
     if (bytes.find(directoryName("EncryptedPackage")) != std::string_view::npos)
@@ -63,40 +50,54 @@ bool wasPlainWord(std::string_view bytes)
     constexpr std::size_t sectorSize = 512;
     constexpr std::size_t flagsAt = 11;
     constexpr char isEncrypted = 1;
-    for (std::size_t at = sectorSize; at + flagsAt < bytes.size(); at += sectorSize) {
+    for (std::size_t at = 0; at + flagsAt < bytes.size(); at += sectorSize) {
         const std::string_view mark = bytes.substr(at, 2);
-        if (mark == "\xEC\xA5" || mark == "\xDC\xA5")
+        if (mark == "\xEC\xA5" || mark == "\xDC\xA5" || (at == 0 && mark == word2Mark))
             return !(bytes[at + flagsAt] & isEncrypted);
     }
     return bytes.find(directoryName("WordDocument")) != std::string_view::npos;
 }
 
-std::optional<std::string> compoundText(std::string_view bytes)
+std::optional<std::string> binaryText(std::string_view bytes)
 {
     if (std::optional<std::string> text = textOfBinaryWord(bytes))
         return text;
+    bytes = bytes.substr(0, mostInARow);
     std::string left = wasPlainWord(bytes) ? textRuns(bytes) : std::string();
     return left.empty() ? std::nullopt : std::optional(std::move(left));
 }
 
+/// Whether the first character is a '<', after blanks, byte order mark and the zero byte of UTF-16.
+bool beginsAsXml(std::string_view bytes)
+{
+    constexpr std::size_t farEnough = 4096;
+    const std::string_view head = bytes.substr(0, farEnough);
+    const std::size_t begin = head.find_first_not_of("\0\t\n\r \xEF\xBB\xBF\xFE\xFF"sv);
+    return begin != std::string_view::npos && head[begin] == '<';
+}
+
 std::optional<std::string> markupText(std::string_view bytes, ReadingBudget& budget)
 {
-    const std::string begin = beginning(bytes);
-    if (!begin.starts_with('<'))
-        return std::nullopt;
-    std::optional<std::string> text = textOfFlatXml(bytes, budget);
-    if (!text && looksLikeHtml(begin))
-        text = htmlBodyText(bytes, MailtoLinks::Append);
-    return text;
+    if (beginsAsXml(bytes))
+        if (std::optional<std::string> text = textOfFlatXml(bytes, budget))
+            return text;
+    bytes = bytes.substr(0, longestPage);
+    if (looksLikeHtml(bytes))
+        return htmlBodyText(bytes, MailtoLinks::Append);
+    const std::vector<HtmlPart> parts = htmlPartsOf(bytes);
+    std::string text;
+    for (const HtmlPart& part : parts)
+        text += htmlBodyText(part.html, MailtoLinks::Append, part.charset) + '\n';
+    return parts.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
 std::optional<std::string> textOfAnyKind(std::string_view bytes, ReadingBudget& budget)
 {
     if (bytes.starts_with(zipMark))
         return textOfOpenXml(bytes, budget);
-    if (bytes.starts_with(compoundMark))
-        return compoundText(bytes);
-    if (std::optional<std::string> text = textOfRtf(bytes))
+    if (bytes.starts_with(compoundMark) || bytes.starts_with(word2Mark))
+        return binaryText(bytes);
+    if (std::optional<std::string> text = textOfRtf(bytes.substr(0, mostInARow)))
         return text;
     return markupText(bytes, budget);
 }

@@ -77,7 +77,7 @@ std::string patternOf(const Rule& rule, const DomainFilterChoice& choice, std::s
     return dotInFront ? "\\." + text : text;
 }
 
-/// What stands behind the first '@', up to a second one.
+/// What follows the first '@', up to a second one.
 std::string_view domainPart(std::string_view row)
 {
     const std::size_t at = row.find('@');

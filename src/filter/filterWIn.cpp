@@ -106,6 +106,7 @@ void filterWIn::Layout()
     cancelBtn.Action = [this] { cancelBtn_Action(); };
     keepBtn.Action = [this] { keepBtn_Action(); };
     removeBtn.Action = [this] { removeBtn_Action(); };
+    // checkCom_Action to checkTV_Action: one handler for all ten.
     for (const DomainBox& row : domainBoxes) {
         CheckBox& box = this->*row.box;
         box.Action = [&box, &row] { app().*row.pref = box.Value(); };
@@ -117,6 +118,7 @@ void filterWIn::Layout()
         const std::string ordinal = Str(++number);
         box.setAccessibleName("Use custom domain " + ordinal);
         field.setAccessibleName("Custom domain " + ordinal);
+        // check1Field_TextChange to check5Field_TextChange.
         field.TextChange = [&box, &field, &row] {
             box.setValue(true); // also when the field is emptied
             app().*row.pref = field.Text();

@@ -67,7 +67,7 @@ void filterWIn::keepBtn_Action()
     main.Listbox1.ReplaceRows(std::move(kept));
     showCount(main);
     disableButtonsOverEmptyList(main);
-    main.ProgressText.setText("");
+    main.clearFinishLine();
     Close();
 }
 
@@ -92,7 +92,7 @@ void filterWIn::removeBtn_Action()
         std::rethrow_exception(failure);
     disableButtonsOverEmptyList(main);
     showCount(main);
-    main.ProgressText.setText("");
+    main.clearFinishLine();
     Close();
 }
 

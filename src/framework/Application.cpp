@@ -46,17 +46,22 @@ private:
 } // namespace
 
 struct Application::Native {
-    QuitFilter filter;
-    QuitSignals signals_; // "signals" is a macro of Qt's
+    explicit Native(const std::function<void()>& quit)
+        : quitFilter(quit)
+        , quitSignals(quit)
+    {
+    }
+
+    QuitFilter quitFilter;
+    QuitSignals quitSignals;
 };
 
 Application::Application()
 {
     assert(!theApplication);
     theApplication = this;
-    const auto asked = [this] { askedToQuit(); };
-    m_native.reset(new Native{ QuitFilter(asked), QuitSignals(asked) });
-    qApp->installEventFilter(&m_native->filter);
+    m_native = std::make_unique<Native>([this] { askedToQuit(); });
+    qApp->installEventFilter(&m_native->quitFilter);
 }
 
 Application::~Application()

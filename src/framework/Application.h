@@ -27,7 +27,7 @@ struct VersionData {
 
 /// The program's application object, one a process; the program derives its own.
 ///
-/// Made behind a Runtime and before any window. Run() delivers Event_Open and then runs the event loop until
+/// Made after a Runtime and before any window. Run() delivers Event_Open and then runs the event loop until
 /// Quit().
 class Application {
 public:

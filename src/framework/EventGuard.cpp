@@ -96,6 +96,7 @@ void runGuarded(const std::string& name, const std::function<void()>& handler)
         } catch (const std::exception&) {
             reportCurrentException(name);
         }
+    } catch (const CancelUnwinding&) {
     } catch (const QuitUnwinding&) {
     }
 }

@@ -18,6 +18,9 @@ void runGuarded(const std::string& name, const std::function<void()>& handler);
 /// word. Not a std::exception, so that no handler of errors takes it for one.
 struct QuitUnwinding { };
 
+/// The same through a handler whose work the user has cancelled.
+struct CancelUnwinding { };
+
 /// How many handlers are on the stack now; 0 in the bare event loop.
 int handlerDepth();
 

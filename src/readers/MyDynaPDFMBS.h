@@ -4,6 +4,9 @@
 
 #include "framework/documents/DynaPDFMBS.h"
 
+#include <string>
+#include <string_view>
+
 namespace quilvane {
 
 /// The PDF engine of one document, with the dialog that asks the user what to do about its errors and
@@ -12,6 +15,9 @@ class MyDynaPDFMBS : public DynaPDFMBS {
 public:
     /// No more warnings for this document; errors are shown all the same.
     bool IgnoreWarnings = false;
+
+    /// Whether the class of that name handles the engine's Error event, as this one does.
+    bool IsEventImplemented(std::string_view className) const { return className == "MyDynaPDFMBS"; }
 
 protected:
     int Event_Error(int errorCode, const std::string& errorMessage, int errorType) override;

@@ -24,8 +24,8 @@ void Window1::importBtn1_Action()
     resultArray.clear();
     itemArrayZ.clear();
     searchStop.setValue(false);
-    ProgressText.setText("");
-    beginAccount();
+    clearFinishLine();
+    account.clear();
     doCSV();
     // After a cancelled dialog and a file of no known kind as well.
     moveStagedRowsToList();

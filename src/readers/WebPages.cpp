@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Search URL: one web page, scanned as the server sends it. A viewer that nobody sees follows the address,
-// too; what it loads reaches no scan.
+// Search URL: one web page, scanned as the server sends it. A viewer that nobody sees is told each address,
+// too; it loads nothing.
 
 #include "app/Window1.h"
 
@@ -52,6 +52,14 @@ void Window1::urlField_TextChange()
     HTMLViewer1.LoadURL(urlField.Text());
     if (!urlField.Text().empty())
         EnableMenuItems();
+}
+
+bool Window1::urlField_KeyDown(const std::string& key)
+{
+    const bool isReturn = key == Chr(13) || key == Chr(3);
+    if (isReturn)
+        importBtn.Push();
+    return isReturn;
 }
 
 void Window1::HTMLViewer1_DocumentComplete(const std::string&)

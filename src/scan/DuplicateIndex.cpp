@@ -14,6 +14,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include <sys/mman.h>
+
 namespace quilvane {
 
 namespace {
@@ -102,6 +104,21 @@ private:
     std::uint64_t m_v3;
 };
 
+/// Zeroed memory, to be given back with free(). A large table is in huge pages where the system has them: to
+/// have its pages made one by one would take half as long as all the work in them.
+void* allocateTable(std::size_t bytes)
+{
+    constexpr std::uintptr_t pageSize = 4096;
+    constexpr std::size_t large = std::size_t{ 32 } << 20; // no longer from the heap, but from the system
+    void* memory = std::calloc(bytes, 1);
+    if (!memory)
+        throw std::bad_alloc();
+    const std::uintptr_t toPage = -reinterpret_cast<std::uintptr_t>(memory) % pageSize;
+    if (bytes > large) // a hint: it may fail
+        ::madvise(static_cast<char*>(memory) + toPage, (bytes - toPage) / pageSize * pageSize, MADV_HUGEPAGE);
+    return memory;
+}
+
 /// For a text of up to 64 bytes that is wanted soon.
 void prefetch(std::string_view text)
 {
@@ -151,10 +168,7 @@ void DuplicateIndex::resizeFor(std::size_t rows)
     const std::size_t newCount = std::min(rows + rows * 2 / 3 + 16, mostSlots);
     if (newCount == m_slotCount)
         return;
-    // Zeroed as it is first touched.
-    std::unique_ptr<Slot[], Free> old(static_cast<Slot*>(std::calloc(newCount, sizeof(Slot))));
-    if (!old)
-        throw std::bad_alloc();
+    std::unique_ptr<Slot[], Free> old(static_cast<Slot*>(allocateTable(newCount * sizeof(Slot))));
     std::swap(m_slots, old);
     const std::size_t oldCount = std::exchange(m_slotCount, newCount);
     for (const Slot& slot : std::span(old.get(), oldCount)) {
@@ -170,7 +184,7 @@ DuplicateIndex::Pass::Pass(DuplicateIndex& index, std::size_t rowCount, RowText 
     , m_isSmall(rowCount - m_firstRow < m_firstRow / 16)
     , m_phaseSize(rowCount - m_firstRow)
 {
-    constexpr std::size_t usualPartSize = 32768;
+    constexpr std::size_t usualPartSize = 16384;
     if (rowCount > 4'000'000'000)
         throw std::length_error("There are too many rows to look for duplicates.");
     m_partBits = m_isSmall ? 0 : std::min<std::size_t>(std::bit_width(rowCount / usualPartSize), 10);
@@ -263,9 +277,11 @@ void DuplicateIndex::Pass::hash(std::size_t begin, std::size_t end)
 {
     for (std::size_t i = begin; i < end; ++i) {
         const std::string_view text = m_rowText(m_firstRow + i);
-        m_rows[i] = hashOf(text);
-        m_stays[i] = looksLikePictureName(text) ? 0 : 1;
-        m_partEnds[partOf(m_rows[i])] += m_stays[i];
+        const std::uint32_t hash = hashOf(text);
+        const bool isPicture = looksLikePictureName(text);
+        m_rows[i] = hash;
+        m_partEnds[partOf(hash)] += isPicture ? 0U : 1U;
+        m_stays[i] = isPicture ? 0 : 1;
     }
 }
 
@@ -278,11 +294,14 @@ void DuplicateIndex::Pass::sort(std::size_t begin, std::size_t end)
     }
 }
 
-/// About how many of the entries the index will know, a little more than fewer. The first of them have the
-/// lowest hashes of all rows, so equal rows are among them together or not at all.
+/// About how many of the entries the index will know, rather a few more than fewer: equal rows are in the
+/// same part, so the first part tells how many of all differ.
 std::size_t DuplicateIndex::Pass::expectedNewRows() const
 {
-    const std::size_t sampleSize = std::min<std::size_t>(m_phaseSize, 65536);
+    constexpr std::size_t few = std::size_t{ 1 } << 18; // a table for all takes less than four megabytes
+    if (m_phaseSize < few)
+        return m_phaseSize;
+    const std::size_t sampleSize = m_partEnds.front();
     std::vector<std::uint32_t> hashes(sampleSize);
     std::transform(m_entries.get(), m_entries.get() + sampleSize, hashes.begin(),
         [](const Entry& entry) { return entry.hash; });
@@ -293,7 +312,8 @@ std::size_t DuplicateIndex::Pass::expectedNewRows() const
             || m_index.m_slots[m_index.find(hash, [](const Slot&) { return true; })].rowPlusOne == 0;
     };
     const auto count = static_cast<std::size_t>(std::count_if(hashes.begin(), hashes.end(), isNew));
-    return sampleSize == m_phaseSize ? count : m_phaseSize / 20 * (count * 21 / sampleSize + 1);
+    // In hundredths, and five of them more, as it is a sample.
+    return m_phaseSize / 100 * (count * 100 / std::max<std::size_t>(sampleSize, 1) + 5);
 }
 
 void DuplicateIndex::Pass::link(std::size_t begin, std::size_t end)

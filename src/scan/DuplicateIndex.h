@@ -30,7 +30,7 @@ HashSeed processHashSeed();
 /// compared with all after it and those that equal it are removed.
 ///
 /// The index lives as long as the rows: it knows rows [0, knownRows()), and a Pass looks at those after them
-/// only. Who moves or removes known rows calls forget(). Takes 13 bytes a known row, 16 at most.
+/// only. Who moves or removes known rows calls forget(). Takes 11 to 15 bytes a row of a long list.
 class DuplicateIndex {
 public:
     explicit DuplicateIndex(HashSeed seed = processHashSeed())
@@ -58,7 +58,6 @@ private:
     };
 
     std::size_t placeOf(std::uint32_t hash) const { return std::uint64_t{ hash } * m_slotCount >> 32; }
-    std::size_t nextPlace(std::size_t place) const { return place + 1 == m_slotCount ? 0 : place + 1; }
     /// The first place from that of the hash on whose slot is empty or is one that `isWanted`.
     template <typename IsWanted>
     std::size_t find(std::uint32_t hash, IsWanted isWanted) const;
@@ -90,7 +89,8 @@ public:
     Pass(const Pass&) = delete;
     Pass& operator=(const Pass&) = delete;
 
-    /// Works for about a millisecond. False when the pass is done.
+    /// Works for about a millisecond, and some hundred where the table of many million rows has to grow.
+    /// False when the pass is done.
     bool step();
 
     /// The first row that is looked at: knownRows() before the pass.
@@ -116,7 +116,6 @@ private:
     std::size_t expectedNewRows() const;
     void link(std::size_t begin, std::size_t end); // of m_entries
     void settle(std::size_t begin, std::size_t end);
-    void settleBlock(std::size_t begin, std::size_t end);
     void renumber(std::size_t begin, std::size_t end); // of the slots, unless m_isSmall
     bool equalsKnownRow(std::size_t row, std::size_t candidate);
 

@@ -9,7 +9,7 @@
 
 namespace quilvane {
 
-/// Cuts a stream of reads into texts that may be scanned on their own: a text ends behind a byte that no
+/// Cuts a stream of reads into texts that may be scanned on their own: a text ends after a byte that no
 /// address holds, so no match is lost or changed. One buffer is reused for all of them.
 ///
 /// Until the stream ends: read into room(), pass the number of bytes to take(), scan what it gives. Then scan

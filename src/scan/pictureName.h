@@ -6,7 +6,7 @@
 
 namespace quilvane {
 
-/// Whether the row holds the letters png, in any case, behind any one byte that is no line feed, as names of
+/// Whether the row holds the letters png, in any case, after any one byte that is no line feed, as names of
 /// pictures do.
 ///
 /// That byte need not be a dot, on purpose: "xpng@b.com" and "a@png.com" count too; "png@b.com" does not.

@@ -10,7 +10,7 @@
 #include "framework/keepWindowPainted.h"
 #include "framework/regex/RegEx.h"
 #include "framework/strings.h"
-#include "scan/endTexts.h"
+#include "scan/endOfRunTexts.h"
 #include "search/Window2.h"
 
 #include <utility>
@@ -53,6 +53,7 @@ void searchWin::Layout()
 
     Canvas1.MouseDown = [this] { return Canvas1_MouseDown(); };
     searchField.KeyDown = [this](const std::string& key) { return searchField_KeyDown(key); };
+    searchField.TextChange = [this] { searchField_TextChange(); };
     closeBtn.Action = [this] { closeBtn_Action(); };
     searchBtn.Action = [this] { searchBtn_Action(); };
 }
@@ -114,6 +115,10 @@ bool searchWin::searchField_KeyDown(const std::string& key)
     if (key == Chr(13) || key == Chr(3))
         searchAction();
     return false;
+}
+
+void searchWin::searchField_TextChange()
+{
 }
 
 void searchWin::closeBtn_Action()

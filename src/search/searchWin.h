@@ -28,6 +28,7 @@ public:
     /// nothing.
     void searchAction();
     bool searchField_KeyDown(const std::string& key);
+    void searchField_TextChange();
     void closeBtn_Action();
     bool Canvas1_MouseDown();
 

@@ -2,91 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "text/TextDecoder.h"
 
-#include "text/littleEndian.h"
-
-#include <algorithm>
-#include <cerrno>
-#include <iterator>
-#include <map>
-#include <string>
-
-#include <iconv.h>
+#include "text/CodePageConverter.h"
 
 namespace quilvane {
 
-/// One character set, with the system's converter for it.
-struct TextDecoder::CodePage {
-    explicit CodePage(int number);
-    ~CodePage() { iconv_close(converter); }
-    CodePage(const CodePage&) = delete;
-    CodePage& operator=(const CodePage&) = delete;
-
-    /// The one character that the bytes are; `incomplete` if others must follow.
-    char32_t convert(const char* bytes, std::size_t count) const;
-
-    static constexpr char32_t incomplete = 0xFFFFFFFF;
-    /// Where the system has no such converter it fails at each use, and every character is U+FFFD.
-    iconv_t converter;
-    /// The characters of the bytes from 128 on.
-    std::array<char32_t, 128> single;
-};
-
 namespace {
 
-constexpr char32_t replacement = 0xFFFD;
 constexpr std::uint8_t firstBeyondAscii = 0x80;
-constexpr int utf8 = 65001;
-constexpr int macintosh = 10000;
-
-constexpr int knownPages[] = { 437, 850, 852, 855, 866, 874, 932, 936, 949, 950, 1250, 1251, 1252, 1253, 1254,
-    1255, 1256, 1257, 1258, 1361, macintosh, utf8 };
-
-std::string converterName(int codePage)
-{
-    if (codePage == utf8)
-        return "UTF-8";
-    if (codePage == macintosh)
-        return "MACINTOSH";
-    return "CP" + std::to_string(codePage);
-}
 
 } // namespace
 
-TextDecoder::CodePage::CodePage(int number)
-    : converter(iconv_open("UTF-32LE", converterName(number).c_str()))
-{
-    for (std::size_t i = 0; i < single.size(); ++i) {
-        const char byte = static_cast<char>(firstBeyondAscii + i);
-        single[i] = convert(&byte, 1);
-    }
-}
-
-char32_t TextDecoder::CodePage::convert(const char* bytes, std::size_t count) const
-{
-    std::array<char, 16> units{}; // a letter and its accent may come apart
-    char* input = const_cast<char*>(bytes); // iconv does not write there
-    char* output = units.data();
-    std::size_t room = units.size();
-    const std::size_t result = iconv(converter, &input, &count, &output, &room);
-    if (result == std::size_t(-1))
-        return errno == EINVAL ? incomplete : replacement;
-    // Some sets hold a letter back until they know whether an accent follows.
-    iconv(converter, nullptr, nullptr, &output, &room);
-    return room == units.size() ? replacement : char32_t(u32At({ units.data(), units.size() }, 0));
-}
-
-/// They are read when they are first used, and kept.
-const TextDecoder::CodePage& TextDecoder::pageOf(int number)
-{
-    static std::map<int, CodePage> pages;
-    const bool isKnown
-        = std::find(std::begin(knownPages), std::end(knownPages), number) != std::end(knownPages);
-    return pages.try_emplace(isKnown ? number : westernEurope, isKnown ? number : westernEurope)
-        .first->second;
-}
-
 TextDecoder::TextDecoder(int codePage)
-    : m_page(&pageOf(codePage))
+    : m_converter(&CodePageConverter::of(codePage))
 {
 }
 
@@ -95,19 +22,19 @@ std::optional<char32_t> TextDecoder::next(std::uint8_t byte)
     if (!isPending()) {
         if (byte < firstBeyondAscii)
             return byte;
-        const char32_t character = m_page->single[byte - firstBeyondAscii];
-        if (character != CodePage::incomplete)
+        const char32_t character = m_converter->upperCharacter(byte - firstBeyondAscii);
+        if (character != CodePageConverter::incomplete)
             return character;
     }
     m_pending[m_pendingCount++] = static_cast<char>(byte);
-    const char32_t character = m_page->convert(m_pending.data(), m_pendingCount);
-    if (character == CodePage::incomplete && m_pendingCount < m_pending.size())
+    const char32_t character = m_converter->character({ m_pending.data(), m_pendingCount });
+    if (character == CodePageConverter::incomplete && m_pendingCount < m_pending.size())
         return {};
     m_pendingCount = 0;
-    if (character != CodePage::incomplete && character != replacement)
+    if (character != CodePageConverter::incomplete && character != CodePageConverter::replacement)
         return character;
     // Not what must follow the bytes before it, and so a character of its own.
-    return byte < firstBeyondAscii ? byte : replacement;
+    return byte < firstBeyondAscii ? byte : CodePageConverter::replacement;
 }
 
 int codePageOfLanguage(std::uint16_t language)
@@ -165,7 +92,7 @@ int codePageOfLanguage(std::uint16_t language)
     case 0x2A: // Vietnamese
         return 1258;
     default:
-        return TextDecoder::westernEurope;
+        return codePages::westernEurope;
     }
 }
 
@@ -174,8 +101,8 @@ std::optional<int> codePageOfCharset(int charset)
     struct Row {
         int charset, codePage;
     };
-    constexpr Row rows[] = { { 77, macintosh }, { 128, 932 }, { 129, 949 }, { 130, 1361 }, { 134, 936 },
-        { 136, 950 }, { 161, 1253 }, { 162, 1254 }, { 163, 1258 }, { 177, 1255 }, { 178, 1256 },
+    constexpr Row rows[] = { { 77, codePages::macintosh }, { 128, 932 }, { 129, 949 }, { 130, 1361 },
+        { 134, 936 }, { 136, 950 }, { 161, 1253 }, { 162, 1254 }, { 163, 1258 }, { 177, 1255 }, { 178, 1256 },
         { 186, 1257 }, { 204, 1251 }, { 222, 874 }, { 238, 1250 }, { 254, 437 }, { 255, 850 } };
     for (const Row& row : rows)
         if (row.charset == charset)

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "text/charset.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -9,14 +11,15 @@
 
 namespace quilvane {
 
+class CodePageConverter;
+
 /// Turns the bytes of one of Windows' character sets (a "code page", by its number) into characters, one byte
-/// at a time: where a character takes several bytes, all but the last one give nothing. Main thread only.
+/// at a time: where a character takes several bytes, all but the last one give nothing. Belongs to one
+/// thread.
 class TextDecoder {
 public:
-    static constexpr int westernEurope = 1252;
-
     /// A code page that is not known here is taken for Western Europe's.
-    explicit TextDecoder(int codePage = westernEurope);
+    explicit TextDecoder(int codePage = codePages::westernEurope);
 
     /// The character that ends with this byte; U+FFFD for bytes that are none.
     std::optional<char32_t> next(std::uint8_t byte);
@@ -24,11 +27,7 @@ public:
     bool isPending() const { return m_pendingCount > 0; }
 
 private:
-    struct CodePage;
-
-    static const CodePage& pageOf(int number);
-
-    const CodePage* m_page;
+    CodePageConverter* m_converter;
     std::array<char, 4> m_pending{};
     std::size_t m_pendingCount = 0;
 };

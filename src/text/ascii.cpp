@@ -6,19 +6,23 @@
 
 namespace quilvane {
 
-namespace {
-
-char asciiLower(char c)
+std::string lowerCased(std::string_view text)
 {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    std::string result(text);
+    for (char& c : result)
+        c = lowerCased(c);
+    return result;
 }
-
-} // namespace
 
 bool equalsIgnoringCase(std::string_view left, std::string_view right)
 {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-        [](char a, char b) { return asciiLower(a) == asciiLower(b); });
+        [](char a, char b) { return lowerCased(a) == lowerCased(b); });
+}
+
+std::string_view withoutLeading(std::string_view text, std::string_view characters)
+{
+    return text.substr(std::min(text.find_first_not_of(characters), text.size()));
 }
 
 } // namespace quilvane

@@ -8,7 +8,9 @@ cmake_minimum_required(VERSION 3.25)
 # File, what its one include names, and whether the check must object.
 set(cases
     "src/main.cpp|\"scan/Scanner.h\"|bad"
-    X
+    "src/app/Window1.h|\"batch/SearchRun.h\"|good"
+    "src/batch/SearchRun.h|<string>|good"
+    "src/app/App.h|\"search/Window2.h\"|bad"
     "src/app/Rows.cpp|\"readers/internal/Zip.h\"|bad"
     "src/app/Widget.cpp|<QWidget>|bad"
     "src/readers/Text.cpp|\"app/App.h\"|good"

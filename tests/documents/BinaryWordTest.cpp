@@ -97,6 +97,25 @@ TEST(BinaryWord, ReadsTheTextOfThePieces)
         EXPECT_EQ(trimmed(textOfBinaryWord(row.document.bytes())), row.text) << row.name;
 }
 
+TEST(BinaryWord, ReadsWord2)
+{
+    struct Row {
+        const char* name;
+        std::string bytes;
+        std::string text;
+    };
+    for (const Row& row : {
+             Row{ "in one piece", word2File({ "a@x.org\r\x13 HYPERLINK mailto:b@x.org \x14", "c\x15" }),
+                 "a@x.org\nc\nb@x.org" },
+             Row{ "fast-saved", word2File({ "a@", "x.", "org" }, 4), "a@x.org" },
+             Row{ "Russian", word2File({ "\xCF" }, 0, 0x419), "П" },
+             Row{ "encrypted", word2File({ "a@x.org" }, 0x100), "(nothing)" },
+             Row{ "cut off", word2File({ "a@x.org", std::string(600, '\r') }).substr(0, 400), "a@x.org" },
+             Row{ "without its table", word2File({ "kept@", "x.org" }, 4).substr(0, 394), "x.orgkept@" },
+         })
+        EXPECT_EQ(trimmed(documentText(row.bytes)), row.text) << row.name;
+}
+
 TEST(BinaryWord, OtherFilesGiveNothing)
 {
     const std::string document(4096, 'x');
@@ -130,7 +149,7 @@ TEST(BinaryWord, ForgedFilesEnd)
     const std::size_t tableSector = whole.size() - 512;
     std::string circle = whole;
     for (std::size_t at = tableSector; at < whole.size(); at += 4)
-        patch(circle, at, littleEndian((at - tableSector) / 4, 4)); // each sector is behind itself
+        patch(circle, at, littleEndian((at - tableSector) / 4, 4)); // each sector is followed by itself
     textOfBinaryWord(circle);
     std::string listCircle = whole;
     patch(listCircle, 68, littleEndian(0, 4)); // the table's list goes on in the first sector
@@ -189,6 +208,9 @@ TEST(Rtf, TextOfSnippets)
             Row{ "the fallback ends with its group", R"({\u8364}@)", "€@" },
             Row{ "mail link", R"(a)" + field(R"({HYPERLINK "mailto:m@x.org" \\t})", "link") + R"( b\par c)",
                 "alink b\nm@x.org\nc" },
+            Row{ "the tail of an address as a link",
+                R"(john.)" + field(R"(HYPERLINK "mailto:doe@x.org")", "doe@x.org") + R"( b\par c)",
+                "john.doe@x.org b\n\n\n\n\n\n\n\n\n\n\nc" },
             Row{ "web link", field(R"(HYPERLINK "http://x.org/?a@b.org")", "link"), "link" },
             Row{ "note within a word", R"(a@b{\footnote n@x.org\par two}.org\par c)",
                 "a@b.org\nn@x.org\ntwo\nc" },
@@ -202,7 +224,7 @@ TEST(Rtf, TextOfSnippets)
             Row{ "deleted, and no longer", R"(a\deleted b\deleted0 c\deleted d\plain e)", "ace" },
             Row{ "binary data", "a{\\pict\\bin5 }}{\\{}b", "ab" },
             Row{ "binary data that is not there", "a\\bin99999999999 b\\bin99 c", "ab" },
-            Row{ "behind the end", "a}b", "a" },
+            Row{ "after the end", "a}b", "a" },
             Row{ "no end", R"(a{\b b{\footnote c)", "ab\nc" },
             Row{ "broken", R"(\'\'zq\u)", "zq" },
             Row{ "deep", std::string(200'000, '{') + "a" + std::string(200'000, '}') + "b", "ab" },

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "documents/html/htmlText.h"
+#include "documents/documentText.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +42,7 @@ TEST(HtmlTextTest, textsOfPages)
             "d" },
         { "comments and targets are not seen", "<!-- a --><a href='mailto:x@y.org' title=b>c</a>", "c" },
         { "entities", "x&#64y&#x2e;or&commat;g &amp;&nbsp;&#x20AC;&bogus;",
-            "x@y.or@g &\xC2\xA0\xE2\x82\xAC&bogus;" },
+            "x@y.or@g & \xE2\x82\xAC&bogus;" },
         { "what nobody closed", "<div><b>a<table><td>b", "a\nb" },
         { "UTF-8 without a name", "<p>\xC3\xA4", "\xC3\xA4" },
         { "western bytes without a name", "<p>\xE4\x80", "\xC3\xA4\xE2\x82\xAC" },
@@ -56,6 +57,9 @@ TEST(HtmlTextTest, textsOfPages)
         { "as deep as no reader would like", "<b>a" + opened + "b" + closed, "ab" },
         { "attributes of any form", "<p a=\"<i>\" b='>' c=/d =e f>x</p g='>'>y", "x\ny" },
         { "no markup after all", "a<1 <>< </1>b<!x>c<!-->d<!-- -- >-->e", "a<1 <>< bcde" },
+        { "UTF-16 without a mark", std::string("<\0p\0>\0\xE4\0", 8), "\xC3\xA4" },
+        { "hyphens, and what has no width", "a&shy;b\u2011c&zwnj;d&#x2010;e", "ab-cd-e" },
+        { "a letter's name", "&Auml;&yuml;&bogus;", "\u00C4\u00FF&bogus;" },
         { "cut off in a tag", "a<b c='>", "a" },
         { "cut off in a script", "a<script>b</scrip", "a" },
     };
@@ -68,6 +72,52 @@ TEST(HtmlTextTest, targetsOfMailtoLinksFollowTheText)
     EXPECT_EQ(htmlBodyText("<p>to <a class=c HREF='MAILTO:x%40y.org?subject=%4'>us</a><p>end<a href='http:'>",
                   MailtoLinks::Append),
         "to us\nend\nx@y.org?subject=%4");
+    EXPECT_EQ(htmlBodyText("john.<a href='mailto:doe@y.org'>doe@y.org</a>. <a href='mailto:doe@y.org'>he</a>",
+                  MailtoLinks::Append),
+        "john.doe@y.org. he\ndoe@y.org");
+}
+
+TEST(HtmlTextTest, tellsPagesByTheirFirstTag)
+{
+    const std::string comment = "<!-- " + std::string(10'000, 'x') + " -->";
+    for (const std::string& page : { std::string("<table><tr>"), std::string(" \n<P class=a>"),
+             comment + "<b>", std::string("<!doctype html>"),
+             std::string("<?xml version='1.0'?><o:x/><html>"), std::string("\xFF\xFE<\0p\0>\0", 8) })
+        EXPECT_TRUE(looksLikeHtml(page)) << page.substr(0, 40);
+    for (const std::string& other : { std::string("<?xml version='1.0'?><a/>"), std::string("<a@x.org>"),
+             std::string("a <p>"), comment, std::string("<project><p/></project>") })
+        EXPECT_FALSE(looksLikeHtml(other)) << other.substr(0, 40);
+}
+
+TEST(HtmlTextTest, pagesInMessages)
+{
+    const std::string head
+        = "From: x\r\nMIME-Version: 1.0\r\nContent-Type: multipart/related;\r\n\tboundary=\"-b\"\r\n\r\n"
+          "no part\r\n---b\r\n";
+    const std::string quoted = "Content-Type: text/html; charset=windows-1251\r\nContent-Transfer-Encoding: "
+                               "Quoted-Printable\r\n\r\n<p>a@=\r\nx=2Eorg =CF=zz=\r\n---b";
+    struct Case {
+        const char* name;
+        std::string message;
+        const char* text;
+    };
+    const Case cases[] = {
+        { "quoted-printable", head + quoted + "--\r\n", "a@x.org \u041F=zz\n" },
+        { "base64 in parts in parts",
+            head
+                + "Content-Type: multipart/alternative; boundary=c\n\n--c\nContent-Type: "
+                  "text/plain\n\nno\n--c\n"
+                  "content-type: TEXT/HTML\ncontent-transfer-encoding: "
+                  "base64\n\nPGI+\nYUB4Lm9yZw==\n--c--\n---b--",
+            "a@x.org\n" },
+        { "two pages, the last one cut off", head + quoted + "\r\nContent-Type: text/html\r\n\r\n<p>b",
+            "a@x.org \u041F=zz\nb\n" },
+        { "one page alone", "\r\nSubject: s\r\nContent-Type: text/html\r\n\r\n<p>a", "a\n" },
+        { "no page", "MIME-Version: 1.0\n\n<p>a", "(nil)" },
+        { "no header", "Dear all: <p>\nContent-Type: text/html\n\n<p>a", "(nil)" },
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(documentText(c.message).value_or("(nil)"), c.text) << c.name;
 }
 
 } // namespace quilvane

@@ -147,6 +147,11 @@ TEST(OpenXml, ReadsTheTextOfABody)
                 "<w:p><w:r><w:t>to </w:t>" + mark("begin") + code("HYPERLINK \"mail") + code("to:a%40x.org\"")
                     + mark("separate") + "<w:t>Ann</w:t>" + mark("end") + "<w:t>.</w:t></w:r></w:p>",
                 "to Ann.\na@x.org" },
+            Row{ "the tail of an address as a link",
+                "<w:p><w:r><w:t>john.</w:t></w:r><w:fldSimple w:instr='HYPERLINK mailto:doe@x.org'><w:r><w:t>"
+                "doe@x.org</w:t></w:r></w:fldSimple><w:r><w:t>, </w:t></w:r><w:fldSimple "
+                "w:instr='HYPERLINK mailto:doe@x.org'/></w:p>",
+                "john.doe@x.org, \n\n\n\n\n\n\n\n\n\n\ndoe@x.org" },
             Row{ "a field in a field's code",
                 "<w:p><w:r>" + mark("begin") + code("IF ") + mark("begin") + code("REF x") + mark("separate")
                     + "<w:t>1</w:t>" + mark("end") + code(" \"a@x.org\"") + mark("separate") + "<w:t>b</w:t>"
@@ -288,6 +293,33 @@ TEST(WordFile, TakesWhatATruncatedDocumentHolds)
     EXPECT_TRUE(textOf(std::string_view(whole).substr(0, whole.size() / 2)).starts_with("a@x.org\nb\n"));
 }
 
+TEST(OpenXml, ReadsOnAfterDamage)
+{
+    struct Row {
+        const char* name;
+        std::string body;
+        const char* text;
+    };
+    for (const Row& row : {
+             Row{ "a tag that is none", "<w:p><w:r><w:rPr><w:i/ ></w:rPr><w:t>a</w:t></w:r></w:p>", "a" },
+             Row{ "a tag in a tag", "<w:p><w:r <w:t>a</w:t></w:r></w:p>" + paragraph("b"), "a\nb" },
+             Row{ "a value without a quote", "<w:p w:a='1 w:b=2><w:r><w:t>a</w:t></w:r></w:p>", "a" },
+             Row{ "end tags too early and too many", "<w:p><w:r><w:t>a</w:p></w:t></x>" + paragraph("b"),
+                 "a\nb" },
+             Row{ "what refers to nothing", paragraph("a&nbsp;&lt;&none;&#0;&"), "a <&none;&#0;&" },
+             Row{ "other markup", "<?a <w:t>?><!-- <w:t> -->" + paragraph("<![CDATA[<a&amp;>]]>"),
+                 "<a&amp;>" },
+             Row{ "an end in a tag", paragraph("a") + "<w:p a='", "a" },
+             Row{ "an end in a comment", paragraph("a") + "<!-- ", "a" },
+         })
+        EXPECT_EQ(withoutLineEnd(textOf(packageOf(row.body))), row.text) << row.name;
+    const std::string rootless = document(paragraph("a")).substr(3);
+    EXPECT_EQ(withoutLineEnd(textOf(package({ { "word/document.xml", rootless } }))), "a");
+    const std::string cyrillic
+        = R"(<?xml version="1.0" encoding="windows-1251"?>)" + document(paragraph("\xCF"));
+    EXPECT_EQ(withoutLineEnd(textOf(cyrillic)), "П");
+}
+
 /// Each of them takes minutes, gigabytes or the stack of whoever believes it.
 TEST(WordFile, EndsOnHostileDocuments)
 {
@@ -321,6 +353,28 @@ TEST(WordFile, EndsOnHostileDocuments)
         overlapping.list(
             "word/header" + std::to_string(i) + ".xml", 8 * megabyte, ZipBuilder::Method::Deflated);
 
+    const auto oneHeader = [] {
+        ZipBuilder zip;
+        zip.add("word/document.xml", document(paragraph("a@x.org")));
+        zip.add(std::string(65'000, 'a'), "", ZipBuilder::Method::Stored);
+        for (int i = 0; i < 400'000; ++i)
+            zip.list("", 0, ZipBuilder::Method::Stored);
+        return zip.archive();
+    };
+    const auto longFolder = [&] {
+        const std::string folder = "word/" + std::string(200, 'f') + "/";
+        ZipBuilder zip;
+        std::string parts;
+        for (int i = 0; i < 200; ++i) {
+            const std::string name = std::to_string(i) + ".xml";
+            parts += relationship("m" + name, "officeDocument", folder + name);
+            zip.add(folder + name, document(paragraph("a@x.org")));
+            zip.add(folder + "_rels/" + name + ".rels",
+                relationships(numbered("<Relationship Type='/header' Id='h", "' Target='h'/>", 4000)));
+        }
+        return zip.add("_rels/.rels", relationships(parts)).archive();
+    };
+
     struct Row {
         const char* name;
         std::function<std::string()> make;
@@ -341,6 +395,11 @@ TEST(WordFile, EndsOnHostileDocuments)
             Row{ "fields in fields", [&] { return unclosed("", "<w:fldChar w:fldCharType='begin'/>", 36); } },
             Row{ "300,000 files", [&] { return many(300'000, "word/a"); } },
             Row{ "overlapping files", [&] { return overlapping.archive(); } },
+            Row{ "comments in comments", [&] { return unclosed("", "<!--<", 30); } },
+            Row{ "end tags of nothing", [&] { return unclosed(repeated("<x>", 9000), "</y>", 30); } },
+            Row{ "tags in tags", [&] { return unclosed("", "<w:p a='<w:p b=\"", 30); } },
+            Row{ "names for one file", [&] { return oneHeader(); } },
+            Row{ "relationships below a long folder", [&] { return longFolder(); } },
         }) {
         const std::string text = textOf(row.make());
         EXPECT_TRUE(text.starts_with("a@x.org\n")) << row.name << ": " << text.substr(0, 100);

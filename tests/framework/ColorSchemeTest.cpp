@@ -167,7 +167,7 @@ TEST(ColorSchemeTest, leavesTheDesktopsOwnDarkColorsAlone)
     const ColorScheme scheme(bus.programsEnd());
     EXPECT_TRUE(QTest::qWaitFor([&portal] { return portal.wasAsked; }));
     portal.change("color-scheme", 0);
-    // What the portal has sent by now comes in ahead of this answer.
+    // What the portal has sent by now comes in before this answer.
     bus.programsEnd().call(QDBusMessage::createMethodCall(
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"));
     QApplication::processEvents();

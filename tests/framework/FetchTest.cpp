@@ -67,6 +67,7 @@ TEST_F(FetchTest, bodies)
     const std::pair<std::string, std::string> cases[] = {
         { server.url("/page"), page },
         { server.url("/page").substr(8), page }, // no scheme
+        { " \t\xC2\xA0" + server.url("/page") + "\n ", page }, // as it was copied
         { "HTTPS" + server.url("/page#part").substr(5), page },
         { server.url("/gzip"), "x@y.org" },
         { server.url("/chunked"), "x@y.org" },
@@ -79,8 +80,7 @@ TEST_F(FetchTest, bodies)
         { plain.url("/insecure"), page },
     };
     for (const auto& [url, body] : cases)
-        EXPECT_EQ(fetch(url, options).body, body) << url;
-    EXPECT_EQ(fetch(plain.url("/insecure"), options).url, server.url("/page"));
+        EXPECT_EQ(fetch(url, options), body) << url;
 }
 
 TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
@@ -94,6 +94,21 @@ TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
     server.answer("/file", redirection("file:///etc/passwd"));
     server.page("/large", std::string(100'001, 'x'));
     server.page("/damaged", "no archive", "Content-Encoding: gzip\r\n");
+    server.answer("/insecure", redirection(plain.url("/page")));
+    plain.answer("/toAndFro", redirection(server.url("/insecure")));
+    plain.page("/page", "x@y.org");
+    std::string lines;
+    while (lines.size() < 300'000)
+        lines += "X-Line: " + std::string(1000, 'x') + "\r\n";
+    server.answer("/headers", begin + lines + "\r\nx");
+    server.answer("/header", begin + "X-Line: " + std::string(200'000, 'x') + "\r\n\r\nx");
+    server.answer("/trailers", begin + "Transfer-Encoding: chunked\r\n\r\n1\r\nx\r\n0\r\n" + lines + "\r\n");
+    server.answer("/chunks", begin + "Transfer-Encoding: chunked\r\n\r\nno number\r\n");
+    server.answer("/noHttp", "220 mail.example.org ready\r\n");
+    server.answer("/toNoHttp", redirection("/noHttp"));
+    server.answer("/noVersion", "HTTP/9.9 200 OK\r\n\r\nx");
+    server.answer("/headersCut", begin + "Content-Type: text/html\r\n");
+    server.answer("/secondHeadersCut", "HTTP/1.1 103 Early Hints\r\n\r\n" + begin);
 
     struct Case {
         std::string url;
@@ -118,6 +133,18 @@ TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
         { server.url("/large"), "larger than 100000 bytes" },
         { server.url("/loop"), "without an end" },
         { server.url("/damaged"), "compressed content" },
+        { server.url("/insecure"), "one that is not" },
+        { plain.url("/toAndFro"), "one that is not" },
+        { server.url("/headers"), "headers are too long" },
+        { server.url("/header"), "headers are too long" },
+        { server.url("/trailers"), "headers are too long" },
+        { server.url("/chunks"), "chunked-encoding" },
+        { server.url("/noHttp"), "the server at 127.0.0.1 did not answer in HTTP" },
+        { server.url("/toNoHttp"), "the server at 127.0.0.1 did not answer in HTTP" },
+        { server.url("/noVersion"), "the server at 127.0.0.1 did not answer in HTTP" },
+        { server.url("/headersCut"), "broke off before the page began" },
+        { server.url("/secondHeadersCut"), "broke off before the page began" },
+        { "https" + plain.url("/page").substr(4), "no encrypted connection" },
     };
     for (const Case& c : cases) {
         const std::string what = failure(c.url);
@@ -127,6 +154,47 @@ TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
     options.authoritiesFile.clear();
     EXPECT_NE(failure(server.url("/page")).find("certificate"), std::string::npos)
         << "signed by nobody known";
+}
+
+TEST_F(FetchTest, aServerThatNeverStallsIsLeftAfterAWhile)
+{
+    server.answer("/drip", "HTTP/1.1 200 OK\r\n\r\nx", Ending::Drip);
+    options.stallTimeout = std::chrono::hours(1);
+    options.timeout = std::chrono::seconds(1);
+    const std::string what = failure(server.url("/drip"));
+    EXPECT_NE(what.find("not complete after 1 seconds"), std::string::npos) << what;
+}
+
+TEST_F(FetchTest, publicServersDoNotLeadToThisMachine)
+{
+    // 127.0.0.1 is the public one here, and 127.0.0.2 this machine.
+    options.isOwn = [](const std::string& address) { return address == "127.0.0.2"; };
+    WebServer own(WebServer::Scheme::Http, INADDR_LOOPBACK + 1);
+    plain.page("/page", "public");
+    own.page("/page", "own");
+    plain.answer("/inwards", redirection(own.url("/page", "127.0.0.2")));
+    own.answer("/outwards", redirection(plain.url("/page")));
+    own.answer("/aside", redirection("/page"));
+    own.answer("/outAndIn", redirection(plain.url("/inwards")));
+
+    EXPECT_EQ(fetch(own.url("/aside", "127.0.0.2"), options), "own");
+    EXPECT_EQ(fetch(own.url("/outwards", "127.0.0.2"), options), "public");
+    const std::size_t asked = own.requests().size();
+    EXPECT_NE(failure(plain.url("/inwards")).find("an address of this computer"), std::string::npos);
+    EXPECT_EQ(own.requests().size(), asked);
+    EXPECT_NE(
+        failure(own.url("/outAndIn", "127.0.0.2")).find("an address of this computer"), std::string::npos);
+    EXPECT_EQ(own.requests().size(), asked + 1) << "not over the connection that stands either";
+}
+
+TEST(OwnAddressTest, addresses)
+{
+    for (const char* own : { "127.0.0.1", "127.9.8.7", "0.0.0.0", "169.254.169.254", "::1", "::", "fe80::1",
+             "::ffff:127.0.0.1", "::ffff:169.254.0.1" })
+        EXPECT_TRUE(isOwnAddress(own)) << own;
+    for (const char* other :
+        { "192.0.2.1", "126.255.255.255", "2001:db8::1", "::ffff:192.0.2.1", "", "localhost" })
+        EXPECT_FALSE(isOwnAddress(other)) << other;
 }
 
 TEST_F(FetchTest, aRequestToStopEndsTheTransferAtOnce)
@@ -150,7 +218,7 @@ TEST_F(FetchTest, longBodiesOfUnknownLengthComeWhole)
         body += std::to_string(body.size()) + '\n';
     server.answer("/long", "HTTP/1.0 200 OK\r\n\r\n" + body);
     options.largestBody = body.size();
-    EXPECT_TRUE(fetch(server.url("/long"), options).body == body);
+    EXPECT_TRUE(fetch(server.url("/long"), options) == body);
 }
 
 } // namespace quilvane

@@ -19,14 +19,24 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <csignal>
+#include <cstddef>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace quilvane {
@@ -70,6 +80,20 @@ public:
 
 private:
     FileDescriptor m_socket{ ::socket(AF_UNIX, SOCK_STREAM, 0) };
+};
+
+/// To root, as which tests may run, nothing is forbidden; so root is somebody else while this lives.
+class AsNobody {
+public:
+    AsNobody()
+    {
+        constexpr uid_t nobody = 65534;
+        EXPECT_EQ(::seteuid(m_user == 0 ? nobody : m_user), 0);
+    }
+    ~AsNobody() { EXPECT_EQ(::seteuid(m_user), 0); }
+
+private:
+    uid_t m_user = ::geteuid();
 };
 
 class Files : public testing::Test {
@@ -172,7 +196,7 @@ TEST_F(Files, WhatIsNoRegularFileIsNoTextAndAnEmptyDocument)
             << name;
         const auto document = BinaryStream::Open(*item(name));
         EXPECT_EQ(document->Length(), 0u) << name;
-        EXPECT_EQ(document->Read(10), "") << name;
+        EXPECT_EQ(document->Read(10).length(), 0u) << name;
     }
     EXPECT_NE(whyNil(item("none")->OpenAsTextFile()).find("No such file"), std::string::npos);
     EXPECT_EQ(whyNil(BinaryStream::Open(*item("none"))), whyNil(item("none")->OpenAsTextFile()));
@@ -191,7 +215,7 @@ TEST_F(Files, AnEndIsFoundInFilesThatTellNoSizeOrGrowOrShrink)
         const auto bytes = BinaryStream::Open(*item("file"));
         folder.write("file", after);
         EXPECT_EQ(text->ReadAll(), after);
-        EXPECT_EQ(bytes->Read(bytes->Length()), after);
+        EXPECT_EQ(bytes->Read(bytes->Length()).length(), after.size());
     }
 }
 
@@ -209,14 +233,10 @@ TEST_F(Files, WhatTheUserHasNoPermissionForDoesNotOpen)
     std::filesystem::permissions(folder.write("secret", ""), perms::none);
     std::filesystem::permissions(folder.write("protected", "old"), perms(0444));
     std::filesystem::permissions(folder.makeFolder("sub"), perms(0555));
-    // To root, as which tests may run, nothing is forbidden; so root becomes somebody else for a while.
-    const uid_t user = ::geteuid();
-    constexpr uid_t nobody = 65534;
-    ASSERT_EQ(::seteuid(user == 0 ? nobody : user), 0);
+    const AsNobody nobody;
     const std::string reasons[] = { whyNil(GetFolderItem(folder / "secret")->OpenAsTextFile()),
         whyNil(BinaryStream::Open(*item("secret"))), whyNil(item("protected")->CreateTextFile()),
         whyNil(item("sub/new")->CreateTextFile()) };
-    ASSERT_EQ(::seteuid(user), 0);
     for (const std::string& reason : reasons)
         EXPECT_NE(reason.find("Permission denied"), std::string::npos) << reason;
     EXPECT_EQ(folder.count(), 3);
@@ -260,26 +280,73 @@ TEST_F(Files, RefusesWhatDoesNotFitIntoMemory)
     std::filesystem::resize_file(
         folder.write("huge", ""), std::uint64_t(1) << 43); // takes no room on the disk
     const auto text = item("huge")->OpenAsTextFile();
-    const auto bytes = BinaryStream::Open(*item("huge"));
     for (const std::string& message : { messageOf<OutOfMemoryException>([&] { text->ReadAll(); }),
-             messageOf<OutOfMemoryException>([&] { text->ReadLine(); }),
-             messageOf<OutOfMemoryException>([&] { bytes->Read(bytes->Length()); }) }) {
+             messageOf<OutOfMemoryException>([&] { text->ReadLine(); }) }) {
         EXPECT_NE(message.find(folder / "huge"), std::string::npos) << message;
         EXPECT_NE(message.find("MiB"), std::string::npos) << message;
     }
-    EXPECT_EQ(bytes->Read(5), std::string(5, '\0'));
 }
 
-TEST_F(Files, BinaryStreamReadsInParts)
+TEST_F(Files, WideTextIsReadAsUtf8)
 {
-    folder.write("file", std::string("a\0b\r\nc", 6));
+    using namespace std::string_literals;
+    std::string longText;
+    std::string longWide = "\xFF\xFE"s;
+    for (int i = 0; i < 5'000; ++i) { // more than is read at a time, and no piece ends where a character does
+        longText += "a\xF0\x9F\x98\x80";
+        longWide += "a\0\x3D\xD8\x00\xDE"s;
+    }
+    const struct {
+        const char* name;
+        std::string bytes;
+        std::string text;
+    } cases[] = {
+        { "UTF-16, little-endian", "\xFF\xFE@\0\xE9\0\n\0b\0"s, "@\xC3\xA9\nb" },
+        { "UTF-16, big-endian", "\xFE\xFF\0@\x20\xAC"s, "@\xE2\x82\xAC" },
+        { "UTF-32, little-endian", "\xFF\xFE\0\0@\0\0\0\x00\xF6\x01\0"s, "@\xF0\x9F\x98\x80" },
+        { "UTF-32, big-endian", "\0\0\xFE\xFF\0\0\0@"s, "@" },
+        { "many pieces", longWide, longText },
+        { "the mark alone", "\xFF\xFE"s, "" },
+        { "an odd byte at the end", "\xFF\xFE@\0@"s, "@\xEF\xBF\xBD" },
+        { "halves of pairs", "\xFF\xFE\x3D\xD8@\0\x00\xDE\x3D\xD8"s,
+            "\xEF\xBF\xBD@\xEF\xBF\xBD\xEF\xBF\xBD" },
+        { "no mark", "\xFFx@\0"s, "\xFFx@\0"s },
+        { "UTF-8's mark", "\xEF\xBB\xBF@", "\xEF\xBB\xBF@" },
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        folder.write("wide.txt", c.bytes);
+        EXPECT_EQ(item("wide.txt")->OpenAsTextFile()->ReadAll(), c.text);
+        for (const std::size_t size : { 1U, 5U, 100'000U }) {
+            const auto stream = item("wide.txt")->OpenAsTextFile();
+            std::string text;
+            std::string piece(size, ' ');
+            while (const std::size_t count = stream->Read(piece))
+                text.append(piece, 0, count);
+            EXPECT_EQ(text, c.text) << size;
+        }
+        const auto stream = item("wide.txt")->OpenAsTextFile();
+        EXPECT_EQ(stream->ReadLine(), c.text.substr(0, c.text.find('\n')));
+    }
+}
+
+TEST_F(Files, BinaryStreamNamesItsBytesInParts)
+{
+    using Part = std::pair<std::uint64_t, std::uint64_t>;
+    const auto read = [](BinaryStream& stream, std::uint64_t count) {
+        const FileBytes bytes = stream.Read(count);
+        return Part(bytes.offset(), bytes.length());
+    };
+    folder.write("file", "abcdef");
     const auto stream = BinaryStream::Open(*item("file"));
     EXPECT_EQ(stream->Length(), 6u);
-    EXPECT_EQ(stream->Read(2), std::string("a\0", 2));
-    EXPECT_EQ(stream->Read(std::numeric_limits<std::uint64_t>::max()), "b\r\nc");
-    EXPECT_EQ(stream->Read(1), "");
+    EXPECT_EQ(read(*stream, 2), Part(0, 2));
+    EXPECT_EQ(read(*stream, std::numeric_limits<std::uint64_t>::max()), Part(2, 4));
+    EXPECT_EQ(read(*stream, 1), Part(6, 0));
+    const FileBytes bytes = stream->Read(0);
     stream->Close();
     EXPECT_THROW(stream->Read(1), IOException);
+    EXPECT_EQ(::lseek(bytes.descriptor(), 0, SEEK_END), 6) << "stays open by itself";
 }
 
 TEST_F(Files, AvailableMemoryIsTheLeastOfMachineAndGroups)
@@ -371,6 +438,115 @@ TEST_F(Files, AnExceptionOnItsWayLeavesTheTargetAndNothingElse)
     EXPECT_THROW(exportThatFails(), IOException);
     EXPECT_EQ(TempFolder::contentOf(path), "old");
     EXPECT_EQ(folder.count(), 1);
+}
+
+TEST_F(Files, WhatCannotBeReplacedIsFilledInPlace)
+{
+    using std::filesystem::perms;
+    std::filesystem::permissions(folder.path(), perms::all);
+    struct Case {
+        const char* name;
+        mode_t folderMode;
+        bool hasOtherName;
+    };
+    const std::string longer = std::string(3'000'000, 'n') + '\n';
+    for (const auto& [name, folderMode, hasOtherName] :
+        { Case{ "closed", 0555, false }, Case{ "shared", 01777, false }, Case{ "linked", 0777, true } }) {
+        if (::geteuid() != 0 && name == std::string("shared"))
+            continue; // it takes a second user
+        const std::string path = folder.write(std::string(name) + "/file", "the old text");
+        std::filesystem::permissions(path, perms(0666));
+        if (hasOtherName)
+            std::filesystem::create_hard_link(path, folder / "other");
+        std::filesystem::permissions(folder / name, perms(folderMode));
+        struct stat before { };
+        ASSERT_EQ(::stat(path.c_str(), &before), 0);
+        const auto write = [&path](const std::string& text) {
+            const auto stream = itemAt(path)->CreateTextFile();
+            stream->Write(text);
+            stream->Close();
+        };
+        std::optional<AsNobody> nobody(std::in_place);
+        write(longer);
+        EXPECT_EQ(TempFolder::contentOf(path), longer) << name;
+        write("short");
+        EXPECT_EQ(TempFolder::contentOf(hasOtherName ? folder / "other" : path), "short") << name;
+        rlimit limit{};
+        ::getrlimit(RLIMIT_FSIZE, &limit);
+        const rlimit small{ 4096, limit.rlim_max };
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        EXPECT_THROW(write(longer), IOException) << name;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        EXPECT_EQ(TempFolder::contentOf(path), "short") << name;
+        struct stat after { };
+        EXPECT_TRUE(::stat(path.c_str(), &after) == 0 && after.st_ino == before.st_ino) << name;
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / name), {}), 1) << name;
+        nobody.reset();
+        std::filesystem::permissions(folder / name, perms::all);
+    }
+}
+
+/// From now on this process can make no file without a name, as on some network shares.
+void forbidNamelessFiles()
+{
+    constexpr auto flags = static_cast<unsigned>(offsetof(seccomp_data, args) + 2 * sizeof(std::uint64_t));
+    constexpr unsigned onlyTemporary = O_TMPFILE & ~O_DIRECTORY;
+    sock_filter rules[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_openat, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, flags),
+        BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, onlyTemporary, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EOPNOTSUPP),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog program{ static_cast<unsigned short>(std::size(rules)), rules };
+    if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0
+        || ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+        std::_Exit(1);
+}
+
+/// Begins to write "file" in another process, which is killed in the middle.
+void killWhileWriting(const std::string& path, bool hasNamelessFiles, const std::function<void()>& meanwhile)
+{
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe(ends.data()), 0);
+    const FileDescriptor told(ends[0]);
+    FileDescriptor telling(ends[1]);
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        if (!hasNamelessFiles)
+            forbidNamelessFiles();
+        const auto stream = itemAt(path)->CreateTextFile();
+        stream->Write("half");
+        telling.close();
+        ::pause();
+        std::_Exit(1);
+    }
+    telling.close();
+    char byte = 0;
+    EXPECT_EQ(::read(told.number(), &byte, 1), 0);
+    meanwhile();
+    ::kill(writer, SIGKILL);
+    ::waitpid(writer, nullptr, 0);
+}
+
+TEST_F(Files, AWriterThatIsKilledLeavesNothing)
+{
+    const std::string path = folder.write("file", "old");
+    const auto writeAnother = [&] { item("another")->CreateTextFile()->WriteLine("whole"); };
+    killWhileWriting(path, true, writeAnother);
+    EXPECT_EQ(folder.count(), 2);
+
+    killWhileWriting(path, false, [&] {
+        writeAnother();
+        EXPECT_EQ(folder.count(), 3) << "the file of one who still writes was removed";
+    });
+    EXPECT_EQ(folder.count(), 3) << "it has no name, so this test shows nothing";
+    folder.write(".quilvane-is-no-name-of-ours", "");
+    writeAnother();
+    EXPECT_EQ(folder.count(), 3);
+    EXPECT_EQ(TempFolder::contentOf(path), "old");
+    EXPECT_EQ(TempFolder::contentOf(folder / "another"), "whole\n");
 }
 
 TEST_F(Files, AFileThatCannotComeToItsPlaceIsReportedAndRemoved)

@@ -2,25 +2,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TempFolder.h"
 
-#include "documents/reader/frames.h"
+#include "documents/reader/messages.h"
 #include "framework/documents/DynaPDFMBS.h"
+#include "framework/documents/internal/ReaderProcess.h"
 #include "framework/files/FileDescriptor.h"
 #include "framework/files/FolderItem.h"
 
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,24 +31,6 @@ namespace quilvane {
 namespace {
 
 using namespace std::chrono_literals;
-
-TEST(Frames, EndInTheirOwnWays)
-{
-    std::array<int, 2> sockets{};
-    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets.data()), 0);
-    const auto soon = [] { return Deadline::clock::now() + 20ms; };
-    std::string frame;
-    // More than the socket holds, so both directions of waiting are gone through.
-    const std::string large(4 << 20, 'x');
-    EXPECT_EQ(sendFrame(sockets[0], large, soon()), Transfer::TooLate);
-    EXPECT_EQ(receiveFrame(sockets[1], frame, large.size(), soon()), Transfer::TooLate);
-    ASSERT_EQ(::send(sockets[1], "\12\0\0\0\12\0", 6, 0), 6); // ten bytes announced, and half a length
-    EXPECT_EQ(receiveFrame(sockets[0], frame, 9, soon()), Transfer::Refused);
-    ::close(sockets[1]);
-    EXPECT_EQ(receiveFrame(sockets[0], frame, 9, soon()), Transfer::Closed);
-    EXPECT_EQ(sendFrame(sockets[0], "into nothing", soon()), Transfer::Closed);
-    ::close(sockets[0]);
-}
 
 /// An engine that keeps what its event tells.
 class RecordingEngine : public DynaPDFMBS {
@@ -71,6 +55,7 @@ public:
 
     std::vector<int> errors; // codes
     std::vector<std::string> warnings;
+    std::string lastMessage;
     int answer = 0;
 
 protected:
@@ -80,6 +65,7 @@ protected:
             warnings.push_back(errorMessage);
         else
             errors.push_back(errorCode);
+        lastMessage = errorMessage;
         return answer;
     }
 };
@@ -215,34 +201,59 @@ TEST_F(Pdf, SaysOnceWhyThereIsNoPage)
     EXPECT_EQ(engine.open(locked, "open"), 0);
 }
 
-TEST_F(Pdf, WarnsOnceAndCanBeStopped)
+TEST_F(Pdf, WarnsOnceOfAllAndCanBeStopped)
 {
     std::string content = show("me@example.com");
     for (int i = 0; i < 1000; ++i)
         content += "nonsense" + std::to_string(i) + ' ';
-    const std::string path = folder.write("a.pdf", onePage(content));
-    ASSERT_EQ(engine.open(path), 0);
-    engine.answer = -1;
-    ASSERT_TRUE(engine.EditPage(1));
-    EXPECT_EQ(engine.ExtractPageText(), "");
-    EXPECT_EQ(engine.warnings, std::vector<std::string>{ "Unknown operator 'nonsense0'" });
-    EXPECT_EQ(engine.ExtractPageText(), "me@example.com\n");
-    EXPECT_EQ(engine.warnings.size(), 1u);
-
+    content += "odd ";
     std::string damaged = onePage(content);
-    const std::string repairable = folder.write("b.pdf", damaged.replace(damaged.find("/Size"), 5, "/Sise"));
-    EXPECT_NE(engine.open(repairable), 0);
-    EXPECT_FALSE(engine.EditPage(1));
-    engine.answer = 0;
-    EXPECT_EQ(engine.open(repairable), 0);
+    const std::string path = folder.write("a.pdf", damaged.replace(damaged.find("/Size"), 5, "/Sise"));
+    ASSERT_EQ(engine.open(path), 0);
     EXPECT_EQ(engine.pageText(1), "me@example.com\n");
+    ASSERT_EQ(engine.warnings.size(), 1u);
+    for (const char* part : { "trailer", "\nUnknown operator 'nonsense0'\n", "'odd'" })
+        EXPECT_NE(engine.warnings[0].find(part), std::string::npos) << part << " in\n" << engine.warnings[0];
+
+    engine.answer = -1;
+    ASSERT_EQ(engine.open(path), 0);
+    EXPECT_EQ(engine.GetPageCount(), 0);
+    EXPECT_FALSE(engine.EditPage(1));
+    EXPECT_EQ(engine.warnings.size(), 2u);
     EXPECT_TRUE(engine.errors.empty());
 }
 
-std::vector<pid_t> children()
+std::vector<pid_t> childrenOf(pid_t process)
 {
-    std::ifstream file("/proc/thread-self/children");
+    const std::string number = std::to_string(process);
+    std::ifstream file("/proc/" + number + "/task/" + number + "/children");
     return { std::istream_iterator<pid_t>(file), {} };
+}
+
+pid_t readerProcess()
+{
+    return childrenOf(::getpid()).at(0);
+}
+
+/// Those that live: the one that reads, if one does, and the one that waits for the next document.
+std::vector<pid_t> documentChildren()
+{
+    std::vector<pid_t> children = childrenOf(readerProcess());
+    std::erase_if(children, [](pid_t child) {
+        const std::string status = TempFolder::contentOf("/proc/" + std::to_string(child) + "/stat");
+        return status.find(") Z ") != std::string::npos;
+    });
+    return children;
+}
+
+/// Once there are that many, the first of them.
+pid_t firstOfChildren(std::size_t count)
+{
+    std::vector<pid_t> children;
+    do
+        children = documentChildren();
+    while (children.size() != count);
+    return children[0];
 }
 
 std::ptrdiff_t openFiles(const std::string& process)
@@ -250,47 +261,235 @@ std::ptrdiff_t openFiles(const std::string& process)
     return std::distance(std::filesystem::directory_iterator("/proc/" + process + "/fd"), {});
 }
 
-TEST_F(Pdf, LosesNothingButTheDocumentWithItsEngine)
+TEST_F(Pdf, LosesNothingButTheDocumentWithItsChild)
 {
-    const auto toEngine = [](int signal) { return [signal] { ::kill(children().at(0), signal); }; };
+    const auto toChild = [](int signal) {
+        return [signal] {
+            const pid_t child = firstOfChildren(2);
+            // The standard three, the socket and the document. Only root sees them.
+            EXPECT_TRUE(::geteuid() != 0 || openFiles(std::to_string(child)) == 5);
+            ::kill(child, signal);
+        };
+    };
     const auto nothing = [] {};
-    const std::string healthy = onePage(show("me@example.com"));
-    constexpr PdfLimits usual;
-    constexpr PdfLimits hasty{ .time = 500ms };
+    const std::string endless = onePage(std::string(100'000, 'Q'), 20'000);
+    constexpr DocumentLimits usual;
     struct Case {
         std::string_view name;
         std::string pdf;
-        PdfLimits limits;
+        DocumentLimits limits;
         std::function<void()> meanwhile;
+        std::string_view reason;
     };
     const std::vector<Case> cases{
-        { "killed", healthy, usual, toEngine(SIGKILL) },
-        { "crashed", healthy, usual, toEngine(SIGSEGV) },
-        { "stopped", healthy, hasty, toEngine(SIGSTOP) },
-        { "endless page", onePage(std::string(100'000, 'Q'), 20'000), hasty, nothing },
+        { "killed", endless, usual, toChild(SIGKILL), "broke down: Killed." },
+        { "crashed", endless, usual, toChild(SIGSEGV), "broke down: Segmentation fault." },
+        { "asleep", endless, { .silence = 300ms }, toChild(SIGSTOP), "did nothing for 0 seconds." },
+        { "endless page", endless, { .step = 1s }, nothing, "a page of it takes more than 1 seconds." },
+        { "endless document", endless, { .document = 1s }, nothing, "It takes more than 1 seconds." },
 #ifndef __SANITIZE_ADDRESS__ // no limit of memory under it
-        { "memory", onePage(show("some words"), 100'000), { .memory = 64 << 20 }, nothing },
+        { "memory", onePage(show("some words"), 100'000), { .memory = 16 << 20 }, nothing,
+            "It needs more than 16 MiB of memory." },
 #endif
     };
+    ASSERT_EQ(engine.open(flyer), 0);
     const FileDescriptor leaky(::open("/dev/null", O_RDONLY));
     const std::ptrdiff_t filesBefore = openFiles("self");
-    for (const auto& [name, pdf, limits, meanwhile] : cases) {
+    for (const auto& [name, pdf, limits, meanwhile, reason] : cases) {
         RecordingEngine suffering(limits);
-        ASSERT_EQ(suffering.open(folder.write("a.pdf", pdf)), 0) << name;
-        ASSERT_TRUE(suffering.EditPage(1)) << name;
-        // The standard three, the socket, the document, and the document as the library has opened it.
-        EXPECT_EQ(openFiles(std::to_string(children().at(0))), 6) << name;
+        suffering.CreateNewPDF();
+        firstOfChildren(1); // that of the last document has gone
+        ASSERT_EQ(suffering.OpenImportFile(*GetFolderItem(folder.write("a.pdf", pdf))), 0) << name;
         meanwhile();
-        EXPECT_EQ(suffering.ExtractPageText(), "") << name;
+        EXPECT_EQ(suffering.ImportPDFFile(1), -1) << name;
         EXPECT_EQ(suffering.errors, std::vector<int>{ DynaPDFMBS::engineLost }) << name;
+        EXPECT_TRUE(suffering.lastMessage.ends_with(reason)) << name << ": " << suffering.lastMessage;
         EXPECT_EQ(suffering.GetPageCount(), 0) << name;
         EXPECT_FALSE(suffering.EditPage(1)) << name;
         EXPECT_EQ(suffering.errors.size(), 1u) << name;
-        EXPECT_TRUE(children().empty()) << name;
+        firstOfChildren(1);
         EXPECT_EQ(openFiles("self"), filesBefore) << name;
-        EXPECT_EQ(suffering.open(folder.write("b.pdf", healthy)), 0) << name;
-        EXPECT_EQ(suffering.pageText(1), "me@example.com\n") << name;
+        EXPECT_EQ(engine.open(flyer), 0) << name;
+        EXPECT_EQ(engine.GetPageCount(), 3) << name;
     }
+}
+
+TEST_F(Pdf, EndsWhereTheTimeEnds)
+{
+    const auto slow = [](int count) {
+        std::vector<std::string> objects{ catalog, "",
+            "<</Length 100000>>\nstream\n" + std::string(100'000, 'q') + "\nendstream" };
+        std::string kids;
+        std::string contents;
+        for (int i = 0; i < 100; ++i)
+            contents += "3 0 R ";
+        for (int i = 0; i < count; ++i) {
+            objects.push_back("<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]/Contents[" + contents + "]>>");
+            kids += std::to_string(objects.size()) + " 0 R ";
+        }
+        objects[1] = "<</Type/Pages/Kids[" + kids + "]/Count " + std::to_string(count) + ">>";
+        return pdfOf(objects);
+    };
+    RecordingEngine hasty({ .document = 2s });
+    ASSERT_EQ(hasty.open(folder.write("a.pdf", slow(500))), 0);
+    EXPECT_GT(hasty.GetPageCount(), 0);
+    EXPECT_LT(hasty.GetPageCount(), 500);
+    EXPECT_EQ(hasty.errors, std::vector<int>{ DynaPDFMBS::pagesLeftOut });
+    EXPECT_TRUE(hasty.EditPage(hasty.GetPageCount()));
+}
+
+TEST_F(Pdf, IsReadAgainWhenTheReaderIsLost)
+{
+    ASSERT_EQ(engine.open(flyer), 0);
+    const std::string expected = engine.pageText(3);
+    const auto kill = [] {
+        const pid_t reader = readerProcess();
+        ::kill(reader, SIGKILL);
+    };
+    kill();
+    EXPECT_EQ(engine.open(flyer), 0);
+    EXPECT_EQ(engine.pageText(3), expected);
+    engine.CreateNewPDF();
+    ASSERT_EQ(
+        engine.OpenImportFile(*GetFolderItem(folder.write("a.pdf", onePage(show("me@example.com"), 2000)))),
+        0);
+    kill();
+    EXPECT_EQ(engine.ImportPDFFile(1), 1);
+    EXPECT_TRUE(engine.errors.empty());
+}
+
+/// What a reader could say, as a file for the one that says it.
+class Frames {
+public:
+    template <typename Message>
+    Frames& add(const Message& message)
+    {
+        return addRaw(encode(message));
+    }
+
+    Frames& addRaw(const std::string& frame, std::size_t announced)
+    {
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            m_bytes += static_cast<char>(announced >> shift & 0xFFu);
+        m_bytes += frame;
+        return *this;
+    }
+    Frames& addRaw(const std::string& frame) { return addRaw(frame, frame.size()); }
+
+    const std::string& bytes() const { return m_bytes; }
+
+private:
+    std::string m_bytes;
+};
+
+class LiedToPdf : public Pdf {
+protected:
+    LiedToPdf() { use(QUILVANE_LYING_READER); }
+    ~LiedToPdf() override { use(m_reader); }
+
+private:
+    static void use(const std::string& program)
+    {
+        ReaderProcess::forget();
+        ReaderProcess::program() = program;
+    }
+
+    const std::string m_reader = ReaderProcess::program();
+};
+
+/// A document of these pages: 'p' for one that shows its number, '-' for one that can't be read.
+std::string pages(const std::string& kinds)
+{
+    Frames frames;
+    frames.add(PdfOpening{ .pageCount = static_cast<std::uint32_t>(kinds.size()) });
+    for (std::size_t i = 0; i < kinds.size(); ++i)
+        frames.add(PdfPage{ kinds[i] == 'p', std::to_string(i + 1) });
+    return frames.add(PdfEnd{}).bytes();
+}
+
+TEST_F(LiedToPdf, TellsOfAFewBadPagesOnly)
+{
+    using Code = DynaPDFMBS::ErrorCode;
+    const auto badPages = [](std::size_t count) { return std::vector<int>(count, Code::noSuchPage); };
+    const auto thenLeftOut = [&](std::size_t count) {
+        std::vector<int> codes = badPages(count);
+        codes.push_back(Code::pagesLeftOut);
+        return codes;
+    };
+    const std::string many(99'000, '-');
+    struct Case {
+        std::string_view name;
+        std::string kinds;
+        int pageCount;
+        std::vector<int> errors;
+        std::string lastText;
+    };
+    for (const auto& [name, kinds, pageCount, errors, lastText] : {
+             Case{ "two in a row", "p--p", 4, badPages(2), "4" },
+             { "the last one is good", many + "p", 99'001, badPages(3), "99001" },
+             { "none is good", many, 3, thenLeftOut(3), "" },
+             { "a good one between", "----p" + many, 5, thenLeftOut(3), "5" },
+             { "every other one", "-p-p-p-p-p-p-p-p-p-p-p-p", 24, badPages(8), "24" },
+             { "the last three", "pp---", 5, badPages(3), "2" },
+         }) {
+        RecordingEngine patient;
+        ASSERT_EQ(patient.open(folder.write("a.pdf", pages(kinds))), 0) << name;
+        std::string last;
+        for (int page = 1; page <= patient.GetPageCount(); ++page)
+            if (patient.EditPage(page))
+                last = patient.ExtractPageText();
+        EXPECT_EQ(patient.GetPageCount(), pageCount) << name;
+        EXPECT_EQ(patient.errors, errors) << name;
+        EXPECT_EQ(last, lastText) << name;
+    }
+    ASSERT_EQ(engine.open(folder.write("a.pdf", pages("---p"))), 0);
+    for (int i = 0; i < 9; ++i)
+        EXPECT_FALSE(engine.EditPage(1));
+    EXPECT_TRUE(engine.EditPage(4)) << "a page that is asked for often counts once";
+    engine.answer = -1;
+    EXPECT_FALSE(engine.EditPage(2));
+    EXPECT_EQ(engine.GetPageCount(), 0);
+    EXPECT_FALSE(engine.EditPage(4));
+    EXPECT_EQ(engine.errors.size(), 10u);
+}
+
+TEST_F(LiedToPdf, BelievesNothing)
+{
+    const std::string page = encode(PdfPage{ true, "text" });
+    const PdfOpening ofOne{ .pageCount = 1 };
+    struct Case {
+        std::string_view name;
+        Frames frames;
+        bool opens = true;
+    };
+    for (const auto& [name, frames, opens] :
+        {
+            Case{ "nothing", {}, false },
+            { "no opening", Frames().addRaw("?"), false },
+            { "a long opening", Frames().addRaw("", largestPdfHead + 1), false },
+            { "too many pages", Frames().addRaw(encode(PdfOpening{ .pageCount = mostPdfPages + 1 })), false },
+            { "no end", Frames().add(ofOne).addRaw(page) },
+            { "a page too many", Frames().add(ofOne).addRaw(page).addRaw(page).add(PdfEnd{}) },
+            { "a page of any length", Frames().add(ofOne).addRaw("", UINT32_MAX) },
+            { "a cut page", Frames().add(ofOne).addRaw(page, page.size() + 1) },
+            { "a long reason",
+                Frames().add(ofOne).add(PdfPage{ false, std::string(longestPdfMessage + 1, 'x') }) },
+            { "no frame", Frames().add(ofOne).addRaw("") },
+            { "many warnings",
+                Frames().add(ofOne).addRaw(page).add(
+                    PdfEnd{ std::vector<std::string>(mostPdfMessages + 1) }) },
+        }) {
+        RecordingEngine careful;
+        careful.CreateNewPDF();
+        EXPECT_EQ(
+            careful.OpenImportFile(*GetFolderItem(folder.write("a.pdf", frames.bytes()))), opens ? 0 : -1)
+            << name;
+        EXPECT_EQ(careful.ImportPDFFile(1), -1) << name;
+        EXPECT_EQ(careful.GetPageCount(), 0) << name;
+        EXPECT_EQ(careful.errors, std::vector<int>{ DynaPDFMBS::engineLost }) << name;
+    }
+    ASSERT_EQ(engine.open(folder.write("a.pdf", Frames().add(ofOne).add(PdfEnd{}).bytes())), 0);
+    EXPECT_EQ(engine.errors, std::vector<int>{ DynaPDFMBS::pagesLeftOut });
 }
 
 } // namespace

@@ -59,7 +59,7 @@ TEST(RegEx, FindsAllMatchesInOrder)
              { "an empty pattern matches everywhere", "", "ab", { "", "", "" } },
              { "empty and other matches", "b*", "abba", { "", "bb", "", "" } },
              { "matches that empty themselves", "a\\K", "aaa", { "", "", "" } },
-             { "looks behind the previous match", "(?<=a)a", "aaa", { "a", "a" } },
+             { "looks back at the previous match", "(?<=a)a", "aaa", { "a", "a" } },
              { "no match", "x", "abc", {} },
              { "beyond the first stretch", "x|^-|.$", longText + "x" + longText + "y", { "-", "x", "y" } },
              { "across stretches", "-+", longText, { longText } },

@@ -240,7 +240,7 @@ TEST_F(BatchTest, quittingEndsTheRun)
     quit.setEnabled(true);
     Window1& w = window();
     searchFolder(tree.path());
-    EXPECT_EQ(w.rCounter, 0) << "overtaken ahead of its first file";
+    EXPECT_EQ(w.rCounter, 0) << "overtaken before its first file";
     EXPECT_FALSE(isOpen<Window1>()) << "and nothing brings a window back";
 }
 
@@ -248,7 +248,7 @@ TEST_F(BatchTest, dropsOfFilesAndFolders)
 {
     const TempFolder tree;
     const std::string text = tree.write("one.txt", "a@y.org b@y.org");
-    const std::string rtf = tree.write("mytxt.rtf", "c@y.org"); // its name holds txt behind a character
+    const std::string rtf = tree.write("mytxt.rtf", "c@y.org"); // its name holds txt after a character
     const std::string picture = tree.write("a.png", "d@y.org");
     const std::string folderOne = tree.makeFolder("f1");
     tree.write("f1/e.txt", "e@y.org");

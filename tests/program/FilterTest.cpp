@@ -136,7 +136,7 @@ TEST_F(FilterTest, badPatternsAreReportedAndTheListStandsAsFarAsTheFiltersGot)
     EXPECT_TRUE(isOpen<filterWIn>());
 
     dialog.checkOrg.setValue(true);
-    desktop.willReport({ "What the boxes before it have removed is gone." });
+    desktop.willReport({ "Rows that were removed before the failure are gone." });
     dialog.removeBtn.Push();
     EXPECT_EQ(rows(), Rows{ "a@x.com" }) << "the filter before the bad one had removed its row";
 

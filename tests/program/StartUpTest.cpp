@@ -99,7 +99,7 @@ TEST_F(StartUpTest, closedMainWindowComesBackEmpty)
     EXPECT_FALSE(isOpen<Window1>());
     EXPECT_EQ(TempFolder::contentOf(folder / "Quilvane/QuilvanePreferences"), "kept\n");
     settle();
-    ASSERT_TRUE(isOpen<Window1>()) << "the menu update behind the last window makes the next one";
+    ASSERT_TRUE(isOpen<Window1>()) << "the menu update after the last window makes the next one";
     EXPECT_TRUE(rows().empty());
 }
 

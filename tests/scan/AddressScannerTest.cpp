@@ -55,7 +55,7 @@ const std::vector<Case> cases{
     { "x...@y.org", { "x...@y.org" } },
     { "_@y.org", { "_@y.org" } },
     { "\xc3\xa4.x@y.org", { "x@y.org" } },
-    // Right behind a match a local part may begin on any of its bytes, but not on an '@'.
+    // Right after a match a local part may begin on any of its bytes, but not on an '@'.
     { "a@b.com-x@y.org", { "a@b.com", "-x@y.org" } },
     { "a@b.com%+@y.org+@z.de", { "a@b.com", "%+@y.org", "+@z.de" } },
     { "a@b.com@y.org", { "a@b.com" } },

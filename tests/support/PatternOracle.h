@@ -35,7 +35,7 @@ public:
         m_match.reset(pcre2_match_data_create_from_pattern(m_code.get(), nullptr));
     }
 
-    /// The first match at or behind `offset`, as a view into the text; a view without data if there is none.
+    /// The first match at or after `offset`, as a view into the text; a view without data if there is none.
     std::string_view find(std::string_view text, std::size_t offset = 0) const
     {
         const int status

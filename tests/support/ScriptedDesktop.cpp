@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 namespace quilvane {
 
 ScriptedDesktop::ScriptedDesktop()
@@ -57,6 +60,15 @@ void ScriptedDesktop::showError(std::string_view what, std::string_view where)
     const std::string shown = std::string(what) + "\n" + std::string(where);
     for (const std::string& text : next("error", shown).texts)
         EXPECT_NE(shown.find(text), std::string::npos) << '"' << text << "\" is missing in: " << shown;
+}
+
+bool ScriptedDesktop::waitForPage(std::string_view host, const BytesSoFar& bytesSoFar)
+{
+    if (!m_plans.empty() && m_plans.front().kind == "page")
+        return next("page", "").user(host, bytesSoFar);
+    while (bytesSoFar())
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return true;
 }
 
 bool ScriptedDesktop::openWithDefaultApplication(std::string_view path)

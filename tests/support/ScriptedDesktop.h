@@ -32,6 +32,14 @@ public:
     /// Each of `texts` must stand somewhere in the report.
     void willReport(std::vector<std::string> texts) { plan({ .kind = "error", .texts = std::move(texts) }); }
 
+    using BytesSoFar = std::function<std::optional<std::uint64_t>()>;
+    /// A page takes so long that the user looks on, who says whether to go on waiting. Unplanned, the page is
+    /// waited for: the machine may be slow.
+    void willLookOn(std::function<bool(std::string_view host, const BytesSoFar& bytesSoFar)> user)
+    {
+        plan({ .kind = "page", .user = std::move(user) });
+    }
+
     /// What the save dialog offered last.
     std::string offeredName;
     /// Paths that were handed to their default application.
@@ -45,6 +53,7 @@ public:
     void showMessage(std::string_view text) override;
     MessageDialog::Button showDialog(const MessageDialog& dialog) override;
     void showError(std::string_view what, std::string_view where) override;
+    bool waitForPage(std::string_view host, const BytesSoFar& bytesSoFar) override;
     bool openWithDefaultApplication(std::string_view path) override;
 
 private:
@@ -53,6 +62,7 @@ private:
         std::vector<std::string> texts = {};
         std::optional<std::string> answer = {};
         MessageDialog::Button button = MessageDialog::Button::Cancel;
+        std::function<bool(std::string_view, const BytesSoFar&)> user = {};
     };
 
     void plan(Plan plan) { m_plans.push_back(std::move(plan)); }

@@ -12,6 +12,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -35,15 +36,16 @@ public:
         CutOff, // without the end of the encryption
         Stall, // nothing more comes, and the connection stays
         Endless, // the answer comes again and again
+        Drip, // a letter now and then
     };
 
-    explicit WebServer(Scheme scheme = Scheme::Https)
+    explicit WebServer(Scheme scheme = Scheme::Https, in_addr_t host = INADDR_LOOPBACK)
     {
         if (scheme == Scheme::Https)
             makeCertificate();
         sockaddr_in address{};
         address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_addr.s_addr = htonl(host);
         auto* const any = reinterpret_cast<sockaddr*>(&address);
         socklen_t size = sizeof address;
         require(::bind(m_listener, any, size) == 0 && ::listen(m_listener, 16) == 0
@@ -151,7 +153,7 @@ private:
             = waitFor(socket, stop) && (!ssl || (SSL_set_fd(ssl, socket) == 1 && SSL_accept(ssl) == 1));
         std::string request;
         char byte = 0;
-        while (ready && !request.ends_with("\r\n\r\n")
+        while (ready && !request.ends_with("\r\n\r\n") && (request.empty() || request[0] == 'G')
             && (ssl ? SSL_read(ssl, &byte, 1) : ::recv(socket, &byte, 1, 0)) == 1)
             request += byte;
         if (request.starts_with("GET "))
@@ -176,6 +178,8 @@ private:
         };
         write(answer.bytes);
         while (answer.ending == Ending::Endless && !stop.stop_requested() && write(answer.bytes)) { }
+        while (answer.ending == Ending::Drip && !stop.stop_requested() && write("x"))
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
         if (answer.ending == Ending::Stall)
             waitFor(socket, stop);
         if (answer.ending != Ending::CutOff && ssl)

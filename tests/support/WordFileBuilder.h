@@ -39,7 +39,7 @@ inline std::string wide(std::string_view text)
     return bytes;
 }
 
-/// A compound file with streams of any size, each in large sectors one behind the other: the directory first,
+/// A compound file with streams of any size, each in large sectors one after the other: the directory first,
 /// the streams in their order, the allocation table last. The names hang below each other in one long branch.
 inline std::string compoundFile(const std::vector<std::pair<std::string, std::string>>& streams)
 {
@@ -165,5 +165,32 @@ struct WordFileBuilder {
         return compoundFile({ { mainName, text }, { tableName, table + bins } });
     }
 };
+
+/// A document of Word 2. Its text stands in the file in one piece, or, with `flags` & 4, in pieces that a
+/// table puts into order, the last one first.
+inline std::string word2File(
+    const std::vector<std::string>& pieces, unsigned flags = 0, unsigned language = 0x409)
+{
+    const bool isFastSaved = flags & 4;
+    std::string file(384, '\0');
+    std::string positions = littleEndian(0, 4), descriptors, text;
+    for (const std::string& piece : pieces)
+        text.insert(isFastSaved ? 0 : text.size(), piece);
+    std::size_t position = 0;
+    for (const std::string& piece : pieces) {
+        position += piece.size();
+        positions += littleEndian(position, 4);
+        descriptors += littleEndian(0, 2) + littleEndian(file.size() + text.size() - position, 4) + "\x83\1";
+    }
+    file += text;
+    patch(file, 0, littleEndian(0xA5DB, 2) + littleEndian(45, 2));
+    patch(file, 6, littleEndian(language, 2));
+    patch(file, 10, littleEndian(flags, 2));
+    patch(file, 24, littleEndian(384, 4) + littleEndian(file.size(), 4));
+    const std::string table = '\1' + littleEndian(2, 2) + "xx\2"
+        + littleEndian(positions.size() + descriptors.size(), 2) + positions + descriptors;
+    patch(file, 0x11E, littleEndian(file.size(), 4) + littleEndian(table.size(), 2));
+    return isFastSaved ? file + table : file;
+}
 
 } // namespace quilvane

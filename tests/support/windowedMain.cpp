@@ -28,7 +28,9 @@ int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1); // the desktop at hand is not to choose the colours
+    // The desktop at hand is to choose neither colours nor dialogs.
+    setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
+    setenv("QT_QPA_PLATFORMTHEME", "none", 1);
     qInstallMessageHandler(failOnWarning);
     const quilvane::Runtime runtime(argc, argv, "Quilvane");
     return RUN_ALL_TESTS();

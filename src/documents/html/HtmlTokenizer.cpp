@@ -3,15 +3,13 @@
 #include "documents/html/HtmlTokenizer.h"
 
 #include "text/ascii.h"
-
-#include <libxml/HTMLparser.h>
+#include "text/utf8.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <iterator>
 #include <optional>
-#include <unordered_map>
 
 namespace quilvane {
 
@@ -24,66 +22,67 @@ constexpr std::string_view hexDigits = "0123456789ABCDEFabcdef";
 constexpr std::string_view digits = hexDigits.substr(0, 10);
 constexpr std::string_view unseenElements[] = { "iframe", "noembed", "noframes", "script", "style", "title" };
 
-bool isLetter(char c)
-{
-    const int lower = c | 0x20;
-    return lower >= 'a' && lower <= 'z';
-}
-
-std::string inLowerCase(std::string_view text)
-{
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c + ('a' - 'A'));
-    return lower;
-}
-
-std::string utf8(std::uint32_t code)
-{
-    const auto tail = [code](int shift) { return static_cast<char>(0x80 | ((code >> shift) & 0x3F)); };
-    const auto lead = [code](unsigned mark, int shift) { return static_cast<char>(mark | (code >> shift)); };
-    if (code < 0x80)
-        return { static_cast<char>(code) };
-    if (code < 0x800)
-        return { lead(0xC0, 6), tail(0) };
-    if (code < 0x10000)
-        return { lead(0xE0, 12), tail(6), tail(0) };
-    return { lead(0xF0, 18), tail(12), tail(6), tail(0) };
-}
-
 std::optional<std::string> characterNumbered(std::string_view number, int base)
 {
     std::uint32_t code = 0;
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), code, base);
-    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-    if (error != std::errc() || code == 0 || code > 0x10FFFF || surrogate)
+    if (error != std::errc() || code == 0)
         return {};
-    return utf8(code);
+    std::string character;
+    appendUtf8(character, code);
+    return character;
 }
 
-using Characters = std::unordered_map<std::string_view, std::uint32_t>;
+/// The names of the characters from U+00A0 to U+00FF, in their order.
+constexpr std::string_view latinNames[] = { "nbsp", "iexcl", "cent", "pound", "curren", "yen", "brvbar",
+    "sect", "uml", "copy", "ordf", "laquo", "not", "shy", "reg", "macr", "deg", "plusmn", "sup2", "sup3",
+    "acute", "micro", "para", "middot", "cedil", "sup1", "ordm", "raquo", "frac14", "frac12", "frac34",
+    "iquest", "Agrave", "Aacute", "Acirc", "Atilde", "Auml", "Aring", "AElig", "Ccedil", "Egrave", "Eacute",
+    "Ecirc", "Euml", "Igrave", "Iacute", "Icirc", "Iuml", "ETH", "Ntilde", "Ograve", "Oacute", "Ocirc",
+    "Otilde", "Ouml", "times", "Oslash", "Ugrave", "Uacute", "Ucirc", "Uuml", "Yacute", "THORN", "szlig",
+    "agrave", "aacute", "acirc", "atilde", "auml", "aring", "aelig", "ccedil", "egrave", "eacute", "ecirc",
+    "euml", "igrave", "iacute", "icirc", "iuml", "eth", "ntilde", "ograve", "oacute", "ocirc", "otilde",
+    "ouml", "divide", "oslash", "ugrave", "uacute", "ucirc", "uuml", "yacute", "thorn", "yuml" };
 
-/// libxml2 looks names up one by one, in a list of all.
-Characters namedCharacters()
+struct NamedCharacter {
+    std::string_view name;
+    std::string_view character;
+};
+
+/// Those of HTML that stand beside addresses, or that addresses are written with, to hide them from programs
+/// like this one. Sorted by name.
+constexpr NamedCharacter namedCharacters[] = { { "NewLine", "\n" }, { "OElig", "\u0152" },
+    { "Scaron", "\u0160" }, { "Tab", "\t" }, { "Yuml", "\u0178" }, { "amp", "&" }, { "apos", "'" },
+    { "bdquo", "\u201E" }, { "bull", "\u2022" }, { "colon", ":" }, { "comma", "," }, { "commat", "@" },
+    { "darr", "\u2193" }, { "dash", "\u2010" }, { "emsp", "\u2003" }, { "ensp", "\u2002" },
+    { "euro", "\u20AC" }, { "excl", "!" }, { "gt", ">" }, { "hellip", "\u2026" }, { "hyphen", "\u2010" },
+    { "larr", "\u2190" }, { "ldquo", "\u201C" }, { "lowbar", "_" }, { "lpar", "(" }, { "lrm", "\u200E" },
+    { "lsaquo", "\u2039" }, { "lsqb", "[" }, { "lsquo", "\u2018" }, { "lt", "<" }, { "mdash", "\u2014" },
+    { "ndash", "\u2013" }, { "num", "#" }, { "oelig", "\u0153" }, { "percnt", "%" }, { "period", "." },
+    { "plus", "+" }, { "quot", "\"" }, { "rarr", "\u2192" }, { "rdquo", "\u201D" }, { "rlm", "\u200F" },
+    { "rpar", ")" }, { "rsaquo", "\u203A" }, { "rsqb", "]" }, { "rsquo", "\u2019" }, { "sbquo", "\u201A" },
+    { "scaron", "\u0161" }, { "semi", ";" }, { "sol", "/" }, { "thinsp", "\u2009" }, { "trade", "\u2122" },
+    { "uarr", "\u2191" }, { "zwj", "\u200D" }, { "zwnj", "\u200C" } };
+
+constexpr bool isLower(const NamedCharacter& left, const NamedCharacter& right)
 {
-    constexpr unsigned last = 0x2666; // "diams"
-    // Those of HTML 5 that addresses are written with, to hide them from programs like this one.
-    Characters characters{ { "apos", '\'' }, { "commat", '@' }, { "lowbar", '_' }, { "period", '.' },
-        { "plus", '+' } };
-    for (unsigned code = 1; code <= last; ++code)
-        if (const htmlEntityDesc* entity = htmlEntityValueLookup(code))
-            characters.emplace(entity->name, code);
-    return characters;
+    return left.name < right.name;
 }
+static_assert(std::is_sorted(std::begin(namedCharacters), std::end(namedCharacters), isLower));
 
 std::optional<std::string> characterNamed(std::string_view name)
 {
-    static const Characters characters = namedCharacters();
-    const auto found = characters.find(name);
-    if (found == characters.end())
+    const auto* found = std::lower_bound(
+        std::begin(namedCharacters), std::end(namedCharacters), NamedCharacter{ name, {} }, isLower);
+    if (found != std::end(namedCharacters) && found->name == name)
+        return std::string(found->character);
+    const auto* latin = std::find(std::begin(latinNames), std::end(latinNames), name);
+    if (latin == std::end(latinNames))
         return {};
-    return utf8(found->second);
+    constexpr char32_t firstLatin = 0xA0;
+    std::string character;
+    appendUtf8(character, firstLatin + static_cast<char32_t>(latin - std::begin(latinNames)));
+    return character;
 }
 
 struct Reference {
@@ -91,7 +90,7 @@ struct Reference {
     std::size_t length; // of the reference in the text; where it refers to nothing, of what is no reference
 };
 
-/// `text` begins with an ampersand. Many pages forget the semicolon behind a number.
+/// `text` begins with an ampersand. Many pages forget the semicolon after a number.
 Reference firstReference(std::string_view text)
 {
     const std::string_view number = text.substr(1).starts_with('#') ? text.substr(2) : std::string_view();
@@ -185,7 +184,7 @@ HtmlToken HtmlTokenizer::takeTag()
         tag.kind = HtmlToken::Kind::EndTag;
         take(1);
     }
-    tag.name = inLowerCase(takeUntil(" \t\r\n\f/>"));
+    tag.name = lowerCased(takeUntil(" \t\r\n\f/>"));
     for (;;) {
         skip(" \t\r\n\f/");
         if (m_rest.empty() || m_rest.starts_with('>')) {

@@ -35,6 +35,8 @@ public:
     }
 
     HtmlToken next();
+    /// Bytes of the page that are not cut into tokens yet.
+    std::size_t left() const { return m_rest.size(); }
 
 private:
     bool atMarkup() const;
@@ -51,8 +53,8 @@ private:
     std::string_view m_rest;
 };
 
-/// `text` with its character references (&#64; or &amp;) replaced: the numeric ones, and those named in HTML
-/// 4 and some more. Others stay as they stand.
+/// `text` with its character references (&#64; or &amp;) replaced: the numeric ones, and those
+/// of the names that stand beside addresses. Others stay as they stand.
 std::string withoutReferences(std::string_view text);
 
 } // namespace quilvane

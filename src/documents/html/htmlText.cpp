@@ -3,11 +3,14 @@
 #include "documents/html/htmlText.h"
 
 #include "documents/html/HtmlTokenizer.h"
+#include "text/addressCharacters.h"
 #include "text/ascii.h"
 #include "text/charset.h"
+#include "text/mailLink.h"
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -15,7 +18,9 @@ namespace quilvane {
 
 namespace {
 
+constexpr std::string_view whiteSpace = " \t\r\n\f";
 constexpr std::size_t longestHead = 4096; // bytes in which a character set is looked for
+constexpr std::size_t longestSniffed = std::size_t(1) << 20; // a comment may come first
 
 // Each table is sorted.
 constexpr std::string_view cellElements[] = { "td", "th" };
@@ -25,6 +30,13 @@ constexpr std::string_view lineElements[] = { "address", "article", "aside", "bl
     "figcaption", "figure", "footer", "form", "h1", "h2", "h3", "h4", "h5", "h6", "head", "header", "hr",
     "legend", "li", "listing", "main", "menu", "nav", "ol", "optgroup", "option", "p", "pre", "section",
     "select", "summary", "table", "tbody", "textarea", "tfoot", "thead", "tr", "ul", "xmp" };
+// What stands within a line, or is not seen.
+constexpr std::string_view otherElements[] = { "a", "abbr", "acronym", "applet", "area", "audio", "b", "base",
+    "basefont", "bdi", "bdo", "big", "canvas", "cite", "code", "col", "colgroup", "data", "datalist", "del",
+    "dfn", "em", "embed", "font", "frame", "frameset", "html", "i", "img", "input", "ins", "kbd", "label",
+    "link", "map", "mark", "meta", "meter", "noscript", "object", "output", "param", "picture", "progress",
+    "q", "s", "samp", "slot", "small", "source", "span", "strike", "strong", "sub", "sup", "svg", "template",
+    "time", "tt", "u", "var", "video", "wbr" };
 constexpr std::string_view preformattedElements[] = { "listing", "pre", "textarea", "xmp" };
 
 template <std::size_t count>
@@ -33,31 +45,15 @@ bool isOneOf(std::string_view name, const std::string_view (&names)[count])
     return std::binary_search(std::begin(names), std::end(names), name);
 }
 
+bool isKnown(std::string_view element)
+{
+    return isOneOf(element, lineElements) || isOneOf(element, otherElements)
+        || isOneOf(element, cellElements);
+}
+
 bool isWhiteSpace(char c)
 {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f';
-}
-
-int hexDigit(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    const int lower = c | 0x20;
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-/// RFC 3986, section 2.1.
-std::string percentDecoded(std::string_view text)
-{
-    std::string decoded;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool escape = text[i] == '%' && i + 2 < text.size() && hexDigit(text[i + 1]) >= 0
-            && hexDigit(text[i + 2]) >= 0;
-        decoded += escape ? static_cast<char>(16 * hexDigit(text[i + 1]) + hexDigit(text[i + 2])) : text[i];
-        if (escape)
-            i += 2;
-    }
-    return decoded;
+    return whiteSpace.find(c) != std::string_view::npos;
 }
 
 /// Gathers the text of a page from its tokens.
@@ -94,10 +90,10 @@ public:
         }
     }
 
-    void addLine(std::string_view line)
+    /// Where in the text a word will stand that goes on from the one before it; nothing between words.
+    std::optional<std::size_t> placeInWord() const
     {
-        widenGap(Gap::Line);
-        addWord(line);
+        return m_gap == Gap::None ? std::optional(m_text.size()) : std::nullopt;
     }
 
     std::string take() { return std::move(m_text); }
@@ -125,55 +121,79 @@ private:
 
 struct ByteOrderMark {
     std::string_view bytes;
-    const char* charset;
+    int codePage;
 };
 
 constexpr ByteOrderMark byteOrderMarks[] = {
-    { "\xEF\xBB\xBF", "UTF-8" },
-    { "\xFF\xFE", "UTF-16LE" },
-    { "\xFE\xFF", "UTF-16BE" },
+    { "\xEF\xBB\xBF", codePages::utf8 },
+    { "\xFF\xFE", codePages::utf16LittleEndian },
+    { "\xFE\xFF", codePages::utf16BigEndian },
 };
 
-/// What pages of that character set are really in (WHATWG, Encoding Standard, 4.2).
-std::string customary(const std::string& charset)
+/// UTF-16 without a mark shows in the zero byte beside the first tag's '<'.
+int wideCodePageOf(std::string_view html)
 {
-    for (const std::string_view western : { "iso-8859-1", "iso8859-1", "latin1", "us-ascii", "ascii" })
-        if (equalsIgnoringCase(charset, western))
-            return "windows-1252";
-    return charset;
+    using namespace std::string_view_literals;
+    return html.starts_with("<\0"sv) ? codePages::utf16LittleEndian
+        : html.starts_with("\0<"sv)  ? codePages::utf16BigEndian
+                                     : 0;
 }
 
 /// A page that does not say what it is in.
 std::string utf8OfUnnamed(std::string_view html)
 {
-    std::string text = toUtf8(html, "UTF-8");
-    return text == html ? text : toUtf8(html, "windows-1252");
+    std::string text = toUtf8(html, codePages::utf8);
+    return text == html ? text : toUtf8(html, codePages::westernEurope);
 }
 
 std::string utf8Page(std::string_view html, const std::string& charset)
 {
     for (const ByteOrderMark& mark : byteOrderMarks)
         if (html.starts_with(mark.bytes))
-            return toUtf8(html.substr(mark.bytes.size()), mark.charset);
+            return toUtf8(html.substr(mark.bytes.size()), mark.codePage);
+    if (const int wide = wideCodePageOf(html))
+        return toUtf8(html, wide);
     if (!charset.empty())
-        return toUtf8(html, customary(charset));
+        return toUtf8(html, codePageNamed(charset).value_or(codePages::utf8));
     const std::string named = charsetNamedIn(html.substr(0, longestHead));
     if (named.empty())
         return utf8OfUnnamed(html);
     // The name was read in single bytes, so it is no set of wider units that the page is in.
-    const bool unicode = equalsIgnoringCase(named.substr(0, 3), "UTF");
-    return toUtf8(html, unicode ? "UTF-8" : customary(named));
+    const bool isUnicode = beginsIgnoringCase(named, "UTF");
+    return toUtf8(html, isUnicode ? codePages::utf8 : codePageNamed(named).value_or(codePages::utf8));
 }
 
-void takeLink(std::string_view href, std::vector<std::string>& targets)
-{
-    constexpr std::string_view scheme = "mailto:";
-    const std::string target = withoutReferences(href);
-    if (equalsIgnoringCase(std::string_view(target).substr(0, scheme.size()), scheme))
-        targets.push_back(percentDecoded(std::string_view(target).substr(scheme.size())));
-}
+struct MailTarget {
+    std::string address;
+    std::optional<std::size_t> place; // in the text, where the link begins inside a word
+};
 
 } // namespace
+
+bool looksLikeHtml(std::string_view bytes)
+{
+    constexpr std::size_t farEnough = 4096;
+    const std::string page = utf8Page(bytes.substr(0, longestSniffed), {});
+    const std::string_view begin = withoutLeading(page, whiteSpace);
+    if (!begin.starts_with('<'))
+        return false;
+    if (beginsIgnoringCase(begin, "<!doctype html"))
+        return true;
+    // In other XML, names like "a" or "table" may mean anything.
+    bool isAnyEnough = !begin.starts_with("<?xml");
+    HtmlTokenizer tokens(begin);
+    for (HtmlToken token = tokens.next(); token.kind != HtmlToken::Kind::End; token = tokens.next()) {
+        if (token.kind == HtmlToken::Kind::Text)
+            continue;
+        if (token.name == "html" || token.name == "head" || token.name == "body"
+            || (isAnyEnough && isKnown(token.name)))
+            return true;
+        isAnyEnough = false;
+        if (begin.size() - tokens.left() > farEnough)
+            return false;
+    }
+    return false;
+}
 
 std::string htmlBodyText(
     std::string_view html, MailtoLinks links, const std::string& charset, const std::stop_token& stop)
@@ -181,20 +201,23 @@ std::string htmlBodyText(
     const std::string page = utf8Page(html, charset);
     HtmlTokenizer tokens(page);
     BodyText body;
-    std::vector<std::string> targets;
+    std::vector<MailTarget> targets;
     for (HtmlToken token = tokens.next(); token.kind != HtmlToken::Kind::End; token = tokens.next()) {
         if (token.kind == HtmlToken::Kind::Text)
-            body.addText(withoutReferences(token.text));
+            body.addText(withPlainCharacters(withoutReferences(token.text)));
         else
             body.addTag(token);
         if (links == MailtoLinks::Append && !token.href.empty())
-            takeLink(token.href, targets);
+            targets.push_back({ mailTarget(withoutReferences(token.href)), body.placeInWord() });
         if (stop.stop_requested())
             break;
     }
-    for (const std::string& target : targets)
-        body.addLine(target);
-    return body.take();
+    std::string text = body.take();
+    std::string lines;
+    for (const auto& [address, place] : targets)
+        if (!address.empty() && !(place && isTailOfAddress(address, text, *place)))
+            lines += (text.empty() && lines.empty() ? "" : "\n") + address;
+    return text += lines;
 }
 
 } // namespace quilvane

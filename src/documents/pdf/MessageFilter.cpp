@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "documents/pdf/MessageFilter.h"
 
-#include "documents/reader/pdfMessages.h"
+#include "documents/reader/messages.h"
 
 #include <algorithm>
 #include <utility>

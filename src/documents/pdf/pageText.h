@@ -11,7 +11,7 @@ namespace quilvane {
 ///
 /// Ligatures, full-width forms and typographic hyphens become the ASCII characters that they stand for;
 /// soft hyphens, zero-width characters and the form feed at the end go. So does a line break inside an
-/// address that is not whole yet: behind its @, or behind a hyphen or a dot of its domain. Bytes that are no
+/// address that is not whole yet: after its @, or after a hyphen or a dot of its domain. Bytes that are no
 /// UTF-8 stay as they are. Linear in the text.
 std::string tidyPageText(std::string_view text);
 

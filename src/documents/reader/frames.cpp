@@ -5,30 +5,22 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdint>
-#include <span>
+#include <cstring>
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/uio.h>
+#include <unistd.h>
 
 namespace quilvane {
 
 namespace {
 
-constexpr int forEver = -1;
-
-/// For poll: in milliseconds, rounded up so that it does not spin through the last one.
-int timeLeft(Deadline deadline)
-{
-    if (deadline == Deadline::max())
-        return forEver;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Deadline::clock::now());
-    return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, INT32_MAX));
-}
+constexpr std::size_t mostDescriptors = 4;
 
 /// Calls `transfer`, a send or a receive that never waits, on what is left of `bytes` until nothing is.
 template <typename Bytes, typename Function>
-Transfer transferAll(int socket, short event, Bytes bytes, Deadline deadline, Function transfer)
+Transfer transferAll(int socket, short event, Bytes bytes, const SocketWait& wait, Function transfer)
 {
     while (!bytes.empty()) {
         const ssize_t count = transfer(bytes);
@@ -37,42 +29,54 @@ Transfer transferAll(int socket, short event, Bytes bytes, Deadline deadline, Fu
         } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
             return Transfer::Closed;
         } else if (errno == EAGAIN) {
-            pollfd ready{ socket, event, 0 };
-            if (::poll(&ready, 1, timeLeft(deadline)) == 0)
-                return Transfer::TooLate;
+            if (!wait(socket, event))
+                return Transfer::GivenUp;
         }
     }
     return Transfer::Done;
 }
 
-Transfer sendAll(int socket, std::span<const char> bytes, Deadline deadline)
+Transfer sendAll(int socket, std::span<const char> bytes, const SocketWait& wait)
 {
-    return transferAll(socket, POLLOUT, bytes, deadline, [socket](std::span<const char> rest) {
+    return transferAll(socket, POLLOUT, bytes, wait, [socket](std::span<const char> rest) {
         return ::send(socket, rest.data(), rest.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
     });
 }
 
-Transfer receiveAll(int socket, std::span<char> bytes, Deadline deadline)
+Transfer receiveAll(int socket, std::span<char> bytes, const SocketWait& wait)
 {
-    return transferAll(socket, POLLIN, bytes, deadline,
+    return transferAll(socket, POLLIN, bytes, wait,
         [socket](std::span<char> rest) { return ::recv(socket, rest.data(), rest.size(), MSG_DONTWAIT); });
 }
 
+/// The room for descriptors beside a message, aligned as it must be.
+union Ancillary {
+    cmsghdr header;
+    std::array<char, CMSG_SPACE(mostDescriptors * sizeof(int))> bytes;
+};
+
 } // namespace
 
-Transfer sendFrame(int socket, std::string_view frame, Deadline deadline)
+bool waitForEver(int socket, short event)
+{
+    pollfd ready{ socket, event, 0 };
+    ::poll(&ready, 1, -1);
+    return true;
+}
+
+Transfer sendFrame(int socket, std::string_view frame, const SocketWait& wait)
 {
     std::array<char, 4> length;
     for (std::size_t i = 0; i < length.size(); ++i)
         length[i] = static_cast<char>(frame.size() >> (8 * i) & 0xFFu);
-    const Transfer sent = sendAll(socket, length, deadline);
-    return sent == Transfer::Done ? sendAll(socket, frame, deadline) : sent;
+    const Transfer sent = sendAll(socket, length, wait);
+    return sent == Transfer::Done ? sendAll(socket, frame, wait) : sent;
 }
 
-Transfer receiveFrame(int socket, std::string& frame, std::size_t largest, Deadline deadline)
+Transfer receiveFrame(int socket, std::string& frame, std::size_t largest, const SocketWait& wait)
 {
     std::array<char, 4> length;
-    const Transfer received = receiveAll(socket, length, deadline);
+    const Transfer received = receiveAll(socket, length, wait);
     if (received != Transfer::Done)
         return received;
     std::size_t size = 0;
@@ -81,7 +85,66 @@ Transfer receiveFrame(int socket, std::string& frame, std::size_t largest, Deadl
     if (size > largest)
         return Transfer::Refused;
     frame.resize(size);
-    return receiveAll(socket, frame, deadline);
+    return receiveAll(socket, frame, wait);
+}
+
+bool sendMessage(int socket, std::string_view message, std::span<const int> numbers)
+{
+    iovec part{ const_cast<char*>(message.data()), message.size() }; // is not written to
+    Ancillary ancillary{};
+    msghdr whole{};
+    whole.msg_iov = &part;
+    whole.msg_iovlen = 1;
+    if (!numbers.empty()) {
+        whole.msg_control = ancillary.bytes.data();
+        whole.msg_controllen = CMSG_SPACE(numbers.size_bytes());
+        ancillary.header.cmsg_level = SOL_SOCKET;
+        ancillary.header.cmsg_type = SCM_RIGHTS;
+        ancillary.header.cmsg_len = CMSG_LEN(numbers.size_bytes());
+        std::memcpy(CMSG_DATA(&ancillary.header), numbers.data(), numbers.size_bytes());
+    }
+    ssize_t sent = 0;
+    do
+        sent = ::sendmsg(socket, &whole, MSG_NOSIGNAL);
+    while (sent < 0 && errno == EINTR);
+    return sent == static_cast<ssize_t>(message.size());
+}
+
+bool receiveMessage(int socket, std::string& message, std::size_t largest, std::span<int> numbers)
+{
+    message.resize(largest);
+    iovec part{ message.data(), message.size() };
+    Ancillary ancillary{};
+    msghdr whole{};
+    whole.msg_iov = &part;
+    whole.msg_iovlen = 1;
+    whole.msg_control = ancillary.bytes.data();
+    whole.msg_controllen = ancillary.bytes.size();
+    ssize_t received = 0;
+    do
+        received = ::recvmsg(socket, &whole, MSG_CMSG_CLOEXEC);
+    while (received < 0 && errno == EINTR);
+
+    std::fill(numbers.begin(), numbers.end(), -1);
+    const bool fits = received > 0 && (whole.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) == 0;
+    std::size_t taken = 0;
+    for (cmsghdr* header = received < 0 ? nullptr : CMSG_FIRSTHDR(&whole); header;
+         header = CMSG_NXTHDR(&whole, header)) {
+        if (header->cmsg_level != SOL_SOCKET || header->cmsg_type != SCM_RIGHTS)
+            continue;
+        const std::size_t count = (header->cmsg_len - CMSG_LEN(0)) / sizeof(int);
+        for (std::size_t i = 0; i < count; ++i) {
+            int number = -1;
+            std::memcpy(&number, CMSG_DATA(header) + i * sizeof number, sizeof number);
+            if (fits && taken < numbers.size())
+                numbers[taken++] = number;
+            else
+                ::close(number);
+        }
+    }
+    if (fits)
+        message.resize(static_cast<std::size_t>(received));
+    return fits;
 }
 
 } // namespace quilvane

@@ -2,25 +2,39 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <chrono>
 #include <cstddef>
+#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace quilvane {
 
-// Messages of any bytes over a stream socket, each behind its length in four bytes, least significant first.
-
-using Deadline = std::chrono::steady_clock::time_point;
+// Messages of any bytes over a stream socket, each after its length in four bytes, least significant first.
 
 /// Refused: the other side announced more than the largest that is taken; nothing useful can follow.
-/// Closed: the other side is gone, or the socket is broken.
-enum class Transfer { Done, Closed, TooLate, Refused };
+/// Closed: the other side is gone, or the socket is broken. GivenUp: the wait has returned false.
+enum class Transfer { Done, Closed, GivenUp, Refused };
 
-/// Deadline::max() waits for ever. A peer that has gone raises no signal.
-Transfer sendFrame(int socket, std::string_view frame, Deadline deadline);
+/// Waits until poll's `event` comes to pass on the socket; false gives the message up.
+using SocketWait = std::function<bool(int socket, short event)>;
+
+bool waitForEver(int socket, short event);
+
+/// A peer that has gone raises no signal.
+Transfer sendFrame(int socket, std::string_view frame, const SocketWait& wait);
 
 /// Replaces `frame` with the next message, of `largest` bytes at most.
-Transfer receiveFrame(int socket, std::string& frame, std::size_t largest, Deadline deadline);
+Transfer receiveFrame(int socket, std::string& frame, std::size_t largest, const SocketWait& wait);
+
+// Messages over a socket that keeps them apart. Both wait; a signal does not disturb them.
+
+/// `numbers` are descriptors, which the other side gets for its own. False if it is gone.
+bool sendMessage(int socket, std::string_view message, std::span<const int> numbers = {});
+
+/// Replaces `message` with the next one, of `largest` bytes at most, and fills `numbers` with the descriptors
+/// that came with it, -1 for each that is missing. False at the end, and for a message that does not fit;
+/// what came with such a one is closed.
+bool receiveMessage(int socket, std::string& message, std::size_t largest, std::span<int> numbers = {});
 
 } // namespace quilvane

@@ -1,146 +1,211 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The process that reads one PDF document for the program: pdfMessages.h tells what the two say to each
-// other.
+// The process that reads documents for the program. It loads what documents need, and then does nothing but
+// fork: each document gets a child of its own, which closes itself in. messages.h tells what is said.
 
-#include "documents/pdf/MessageFilter.h"
-#include "documents/pdf/pageText.h"
+#include "documents/pdf/PdfDocument.h"
+#include "documents/reader/buildId.h"
+#include "documents/reader/documentChild.h"
 #include "documents/reader/frames.h"
-#include "documents/reader/pdfMessages.h"
+#include "documents/reader/messages.h"
+#include "documents/reader/sandbox.h"
+#include "text/charset.h"
 
-#include <poppler-document.h>
-#include <poppler-global.h>
-#include <poppler-page.h>
-
-#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
-#include <memory>
-#include <new>
+#include <cstring>
+#include <ctime>
+#include <map>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <vector>
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace quilvane {
 
 namespace {
 
-using Operation = PdfRequest::Operation;
-using Outcome = PdfReply::Outcome;
+/// It ends after that long without a child: a program that stands open all day needs no reader beside it.
+constexpr std::chrono::milliseconds idleTime = std::chrono::minutes(1);
+constexpr pid_t notForked = -1;
+constexpr int firstFreeNumber = readerDocument + 1;
 
-/// The largest side of a page, in its own units: ISO 32000-1, annex C.
-constexpr double largestSide = 14400;
-/// The page with all of its surroundings. Text that sticks out of a page is cut off at the border of what is
-/// asked for.
-const poppler::rectf everywhere(-largestSide, -largestSide, 3 * largestSide, 3 * largestSide);
+/// What a fresh child does: waits for an order, with the two descriptors, and obeys it. Returns its exit
+/// status.
+int obeyOne(int socket, const Sandbox& sandbox, pid_t reader)
+{
+    std::string bytes;
+    std::array<int, 2> descriptors{ -1, -1 };
+    if (!receiveMessage(socket, bytes, largestControlMessage, descriptors) || descriptors[1] < 0)
+        return EXIT_FAILURE;
+    const std::optional<ReaderOrder> order = decodeOrder(bytes);
+    // To other numbers first: the two may have each other's.
+    const int document = ::fcntl(descriptors[0], F_DUPFD, firstFreeNumber);
+    ::dup2(descriptors[1], readerSocket);
+    ::dup2(document, readerDocument);
+    ::close_range(firstFreeNumber, ~0u, 0);
+    return order ? readDocument(*order, sandbox, reader) : EXIT_FAILURE;
+}
 
-class PdfReader {
+class DocumentReader {
 public:
-    PdfReply answer(const PdfRequest& request)
+    /// Until the program closes its side, says something else than an order, or has nothing to do for long.
+    /// Returns an exit status.
+    int serve()
     {
-        switch (request.operation) {
-        case Operation::Open:
-            return open(request.password);
-        case Operation::EditPage:
-            return editPage(request.page);
-        case Operation::ExtractText:
-            return extractText();
+        if (!sendMessage(readerSocket, encode(ReaderGreeting{ buildId(), missingFrom(m_walls) })))
+            return EXIT_FAILURE;
+        forkSpare();
+        std::string bytes;
+        std::array<int, 2> descriptors{ -1, -1 };
+        while (isBusySoon() && receiveMessage(readerSocket, bytes, largestControlMessage, descriptors)) {
+            const std::optional<ReaderOrder> order = decodeOrder(bytes);
+            if (!order)
+                return EXIT_FAILURE;
+            if (order->action == ReaderOrder::Action::Read)
+                read(order->document, bytes, descriptors);
+            else
+                obey(*order);
         }
-        return {};
+        return EXIT_SUCCESS;
     }
 
 private:
-    PdfReply open(const std::string& password)
+    bool isBusySoon() const
     {
-        static const std::string path = "/dev/fd/" + std::to_string(pdfChildDocument);
-        m_page.reset();
-        m_document.reset(poppler::document::load_from_file(path, password, password));
-        if (!m_document)
-            return { .outcome = Outcome::Damaged };
-        if (m_document->is_locked())
-            return { .outcome = Outcome::Locked };
-        return { .pageCount = std::max(m_document->pages(), 0) };
+        pollfd ready{ readerSocket, POLLIN, 0 };
+        return ::poll(&ready, 1, m_children.empty() ? static_cast<int>(idleTime.count()) : -1) != 0;
     }
 
-    PdfReply editPage(int number)
+    /// The next document's child is there before the document: it starts at once, and the fork takes no time
+    /// of the program's.
+    void read(std::uint32_t document, const std::string& order, const std::array<int, 2>& descriptors)
     {
-        m_page.reset(m_document && number > 0 ? m_document->create_page(number - 1) : nullptr);
-        return { .outcome = m_page ? Outcome::Done : Outcome::NoSuchPage };
+        if (m_spare == notForked || !sendMessage(m_spareSocket, order, descriptors)) {
+            // Somebody has killed it, for which no document is to blame.
+            dropSpare();
+            forkSpare();
+            sendMessage(m_spareSocket, order, descriptors);
+        }
+        // Before the next fork: no child holds what is another one's.
+        for (const int descriptor : { m_spareSocket, descriptors[0], descriptors[1] })
+            ::close(descriptor);
+        m_children[document] = m_spare;
+        forkSpare();
     }
 
-    PdfReply extractText() const
+    void forkSpare()
     {
-        if (!m_page)
-            return { .outcome = Outcome::NoSuchPage };
-        // In reading order, words are glued together over hyphens, and addresses arise that nobody wrote.
-        const poppler::byte_array text = m_page->text(everywhere, poppler::page::raw_order_layout).to_utf8();
-        return { .text = tidyPageText({ text.data(), text.size() }).substr(0, longestPdfText) };
+        std::array<int, 2> pair{ -1, -1 };
+        ::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, pair.data());
+        const pid_t reader = ::getpid();
+        m_spareSocket = pair[0];
+        m_spare = ::fork();
+        if (m_spare == 0) {
+            ::close(m_spareSocket);
+            ::close(readerSocket);
+            ::_exit(obeyOne(pair[1], m_sandbox, reader)); // nothing in the memory is worth taking apart
+        }
+        ::close(pair[1]);
     }
 
-    std::unique_ptr<poppler::document> m_document;
-    std::unique_ptr<poppler::page> m_page;
+    void dropSpare()
+    {
+        ::close(m_spareSocket);
+        if (m_spare != notForked)
+            m_ended.push_back(m_spare);
+    }
+
+    void obey(const ReaderOrder& order)
+    {
+        std::erase_if(m_ended, [](pid_t child) { return ::waitpid(child, nullptr, WNOHANG) != 0; });
+        switch (order.action) {
+        case ReaderOrder::Action::GetCpuTime:
+            answer(order.document, cpuTimeOf(order.document));
+            break;
+        case ReaderOrder::Action::End:
+            if (const pid_t child = take(order.document); child != notForked) {
+                ::kill(child, SIGKILL);
+                m_ended.push_back(child);
+            }
+            break;
+        case ReaderOrder::Action::EndAndTell:
+            answer(order.document, end(order.document));
+            break;
+        case ReaderOrder::Action::Read:
+            break;
+        }
+    }
+
+    std::uint32_t cpuTimeOf(std::uint32_t document) const
+    {
+        const auto found = m_children.find(document);
+        clockid_t clock{};
+        timespec time{};
+        if (found == m_children.end() || found->second == notForked
+            || ::clock_getcpuclockid(found->second, &clock) != 0 || ::clock_gettime(clock, &time) != 0)
+            return ReaderAnswer::noChild;
+        return static_cast<std::uint32_t>(time.tv_sec * 1000 + time.tv_nsec / 1'000'000);
+    }
+
+    pid_t take(std::uint32_t document)
+    {
+        const auto found = m_children.find(document);
+        return found == m_children.end() ? notForked : m_children.extract(found).mapped();
+    }
+
+    /// One that is ending by itself keeps the status that it ends with.
+    std::uint32_t end(std::uint32_t document)
+    {
+        const pid_t child = take(document);
+        if (child == notForked)
+            return ReaderAnswer::noChild;
+        ::kill(child, SIGKILL);
+        int status = 0;
+        while (::waitpid(child, &status, 0) < 0 && errno == EINTR) { }
+        return static_cast<std::uint32_t>(status);
+    }
+
+    static void answer(std::uint32_t document, std::uint32_t value)
+    {
+        sendMessage(readerSocket, encode(ReaderAnswer{ document, value }));
+    }
+
+    const Walls m_walls = availableWalls();
+    const Sandbox m_sandbox{ m_walls, readerSocket, readerDocument };
+    pid_t m_spare = notForked;
+    int m_spareSocket = -1;
+    std::map<std::uint32_t, pid_t> m_children;
+    std::vector<pid_t> m_ended; // and not waited for yet
 };
 
-/// Called by the library with "poppler/error (12): text", where 12 is a position in the file that there need
-/// not be, and a line end comes out as <0a>.
-void hear(const std::string& line, void* filter)
+/// What the user's session has told the program is no business of a document's.
+void forgetEnvironment()
 {
-    constexpr std::string_view separator = ": ";
-    constexpr std::string_view lineEnd = "<0a>";
-    std::string_view message = line;
-    message.remove_prefix(std::min(message.find(separator) + separator.size(), message.size()));
-    if (message.ends_with(lineEnd))
-        message.remove_suffix(lineEnd.size());
-    static_cast<MessageFilter*>(filter)->add(message);
-}
-
-/// Until the program closes the socket or says something else than a request. Returns an exit status.
-int serve()
-{
-    MessageFilter messages;
-    poppler::set_debug_error_function(hear, &messages);
-    PdfReader reader;
-    std::string bytes;
-    while (receiveFrame(pdfChildSocket, bytes, largestPdfRequest, Deadline::max()) == Transfer::Done) {
-        const std::optional<PdfRequest> request = decodeRequest(bytes);
-        if (!request)
-            return EXIT_FAILURE;
-        PdfReply reply = reader.answer(*request);
-        reply.messages = messages.take();
-        if (sendFrame(pdfChildSocket, encode(reply), Deadline::max()) != Transfer::Done)
-            return EXIT_FAILURE;
-    }
-    return EXIT_SUCCESS;
+    for (char** entry = environ; *entry; ++entry)
+        std::memset(*entry, 0, std::strlen(*entry));
+    ::clearenv();
 }
 
 } // namespace
 
 } // namespace quilvane
 
-namespace {
-
-[[noreturn]] void reportOutOfMemory()
-{
-    ::_exit(quilvane::pdfChildOutOfMemory);
-}
-
-/// The library aborts where malloc gives it nothing; it does so for other reasons, too.
-void onAbort(int)
-{
-    if (errno == ENOMEM)
-        reportOutOfMemory();
-}
-
-} // namespace
-
 int main()
 {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL); // a page that never ends must not outlive the program
-    std::set_new_handler(reportOutOfMemory);
-    std::signal(SIGABRT, onAbort);
-    ::_exit(quilvane::serve()); // nothing in the memory is worth taking apart
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL); // nothing that is read must outlive the program
+    quilvane::openAllConverters();
+    quilvane::warmPdfLibrary();
+    quilvane::forgetEnvironment();
+    ::_exit(quilvane::DocumentReader().serve());
 }

@@ -39,17 +39,22 @@ constexpr std::size_t smallShift = 9;
 constexpr std::size_t largeShift = 12;
 constexpr std::size_t miniSectorSize = 64;
 
+/// Bytes of a stream or a table. Chains may run in circles, or share sectors, so that they are longer than
+/// the file.
+constexpr std::size_t longestChain = std::size_t(128) << 20;
+
 /// The pieces of a chain, joined until they are `size` bytes or the chain leaves the `count` pieces there
 /// are. A chain that runs in a circle ends once it was as long as all pieces together.
-template <typename PieceAt, typename Behind>
-std::string joined(std::uint32_t first, std::uint64_t size, std::size_t count, PieceAt pieceAt, Behind behind)
+template <typename PieceAt, typename NextOf>
+std::string joined(std::uint32_t first, std::uint64_t size, std::size_t count, PieceAt pieceAt, NextOf nextOf)
 {
     std::string result;
+    size = std::min<std::uint64_t>(size, longestChain);
     std::uint32_t number = first;
     for (std::size_t taken = 0; taken < count && number < count && result.size() < size; ++taken) {
         const std::string_view piece = pieceAt(number);
         result.append(piece.substr(0, std::min<std::uint64_t>(piece.size(), size - result.size())));
-        number = behind(number);
+        number = nextOf(number);
     }
     return result;
 }
@@ -146,7 +151,7 @@ std::string_view CompoundFile::sector(std::uint32_t number) const
     return bytesAt(m_bytes, (std::size_t(number) + 1) * m_sectorSize, m_sectorSize);
 }
 
-std::uint32_t CompoundFile::sectorBehind(std::uint32_t number) const
+std::uint32_t CompoundFile::sectorAfter(std::uint32_t number) const
 {
     const std::size_t entriesInSector = m_sectorSize / 4;
     const std::size_t index = number / entriesInSector;
@@ -161,7 +166,7 @@ std::string CompoundFile::chain(std::uint32_t first, std::uint64_t size) const
 {
     return joined(
         first, size, sectorCount(), [this](std::uint32_t number) { return sector(number); },
-        [this](std::uint32_t number) { return sectorBehind(number); });
+        [this](std::uint32_t number) { return sectorAfter(number); });
 }
 
 /// Small streams lie in sectors of 64 bytes within one large stream, which is the root's, and have a table of

@@ -25,7 +25,7 @@ public:
     /// Names are ASCII; case does not count.
     bool has(std::string_view name) const;
 
-    /// Nothing if there is no such stream, or the file does not hold all of it.
+    /// Nothing if there is no such stream, the file does not hold all of it, or it has more than 128 MB.
     std::optional<std::string> stream(std::string_view name) const;
 
 private:
@@ -42,7 +42,7 @@ private:
 
     std::size_t sectorCount() const;
     std::string_view sector(std::uint32_t number) const;
-    std::uint32_t sectorBehind(std::uint32_t number) const;
+    std::uint32_t sectorAfter(std::uint32_t number) const;
     std::string chain(std::uint32_t first, std::uint64_t size) const;
     std::string miniChain(std::uint32_t first, std::uint64_t size) const;
     std::string_view directoryEntry(std::size_t index) const;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 #include <optional>
 
 namespace quilvane {
@@ -61,8 +62,16 @@ std::string Relationships::partFor(std::string_view source)
 
 Relationships::Entry* Relationships::find(std::string_view id)
 {
-    const auto found = m_byId.find(std::string(id));
-    return found == m_byId.end() ? nullptr : &m_entries[found->second];
+    if (m_byId.size() != m_entries.size()) {
+        m_byId.resize(m_entries.size());
+        std::iota(m_byId.begin(), m_byId.end(), 0U);
+        std::stable_sort(m_byId.begin(), m_byId.end(), [this](std::uint32_t left, std::uint32_t right) {
+            return m_entries[left].id < m_entries[right].id;
+        });
+    }
+    const auto found = std::lower_bound(m_byId.begin(), m_byId.end(), id,
+        [this](std::uint32_t index, std::string_view wanted) { return m_entries[index].id < wanted; });
+    return found == m_byId.end() || m_entries[*found].id != id ? nullptr : &m_entries[*found];
 }
 
 void Relationships::startElement(
@@ -86,16 +95,16 @@ void Relationships::startElement(
     const std::optional<Kind> kind = kindOf(type);
     if (!kind || (isExternal && *kind != Kind::Link))
         return;
-    if (m_byId.try_emplace(std::string(id), m_entries.size()).second)
-        m_entries.push_back({ *kind, *kind == Kind::Link ? std::string(target) : resolved(target) });
+    m_entries.push_back({ *kind, std::string(id), std::string(target) });
 }
 
-/// The part that a target means, seen from the source's folder (RFC 3986, section 5.2.4).
-std::string Relationships::resolved(std::string_view target) const
+/// Seen from the source's folder (RFC 3986, section 5.2.4).
+std::string Relationships::partOf(const Entry& entry) const
 {
-    const std::string path = target.starts_with('/') || target.starts_with('\\')
-        ? ZipArchive::normalised(target)
-        : ZipArchive::normalised(m_folder + std::string(target));
+    const bool isAbsolute = entry.target.starts_with('/') || entry.target.starts_with('\\');
+    if (entry.target.size() + (isAbsolute ? 0 : m_folder.size()) > ZipArchive::longestName)
+        return {};
+    const std::string path = ZipArchive::normalised(isAbsolute ? entry.target : m_folder + entry.target);
     std::string result;
     for (std::size_t at = 0; at <= path.size();) {
         const std::size_t end = std::min(path.find('/', at), path.size());

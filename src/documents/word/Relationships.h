@@ -5,9 +5,9 @@
 #include "documents/word/XmlReader.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace quilvane {
@@ -25,7 +25,8 @@ public:
     };
     struct Entry {
         Kind kind;
-        std::string target; // name of a part, as a ZipArchive has it; of a link, as written
+        std::string id;
+        std::string target; // as written
         bool isUsed = false; // for whoever follows each entry once
     };
 
@@ -36,10 +37,14 @@ public:
     static std::string partFor(std::string_view source);
 
     /// In the order of the file; at most 50,000.
-    std::vector<Entry>& entries() { return m_entries; }
+    const std::vector<Entry>& entries() const { return m_entries; }
 
-    /// Null if there is none with that id, or none that concerns text.
+    /// Null if there is none with that id, or none that concerns text. Once the part is read.
     Entry* find(std::string_view id);
+
+    /// The name of the part that an entry which is no link leads to, as a ZipArchive compares names; empty if
+    /// it is longer than an archive's names are.
+    std::string partOf(const Entry& entry) const;
 
     void startElement(
         std::string_view uri, std::string_view name, std::span<const XmlAttribute> attributes) override;
@@ -47,11 +52,9 @@ public:
     void characters(std::string_view) override { }
 
 private:
-    std::string resolved(std::string_view target) const;
-
     std::string m_folder; // of the source, with its '/'
     std::vector<Entry> m_entries;
-    std::unordered_map<std::string, std::size_t> m_byId;
+    std::vector<std::uint32_t> m_byId; // indices of the entries, sorted when first needed
 };
 
 } // namespace quilvane

@@ -13,7 +13,7 @@ namespace quilvane {
 /// stands in one piece. Put characters and line ends, then take the text, once.
 ///
 /// What interrupts a text (a footnote, the code of a field) is an aside: opened and closed where it stands,
-/// it comes out on lines of its own behind the paragraph, so that it tears no word apart. Asides nest.
+/// it comes out on lines of its own after the paragraph, so that it tears no word apart. Asides nest.
 class TextCollector {
 public:
     /// Bytes. What comes beyond is dropped, so that no document makes more text than that.
@@ -24,9 +24,11 @@ public:
     {
     }
 
-    /// A character of any kind but a line's end. Hyphens of all kinds become '-', blanks ' '; what has no
-    /// width is dropped, and so are control characters other than the tab.
+    /// A character of any kind but a line's end, in its plain form (see plainForm()). Control characters
+    /// other than the tab are dropped.
     void put(char32_t character);
+    /// The same for UTF-8, with a blank for each line end.
+    void putText(std::string_view text);
     /// The same for many characters at once, all from ' ' to '~'.
     void putPlain(std::string_view characters);
     static constexpr bool isPlain(char32_t character) { return character >= ' ' && character <= '~'; }
@@ -41,6 +43,11 @@ public:
     void closeAside();
     /// Of the code of a field, only what may hold an address comes out; see fieldText().
     void closeFieldCode();
+    /// An aside of one line; nothing for an empty one.
+    void putAside(std::string_view line);
+    /// Where a mail link leads, as mailTarget() gives it: an aside, unless it is only the tail of an address
+    /// in what the link shows, which must follow.
+    void putMailTarget(std::string_view target);
 
     /// From then on nothing that is put makes a difference.
     bool isFull() const { return m_size >= mostText; }
@@ -49,12 +56,21 @@ public:
     std::string take();
 
 private:
+    struct Link {
+        std::size_t at; // of the text that it is in, where what it shows begins
+        std::size_t begin, size; // of its target in m_aside
+    };
+    struct OpenText {
+        std::string text;
+        std::vector<Link> links; // that begin inside a word
+    };
+
     void append(char byte);
-    void appendUtf8(char32_t character);
-    void setAside(const std::string& text);
+    void appendAside(std::string_view text);
+    void dropTails(OpenText& open);
 
     /// The text itself, then the asides that are open, the innermost one last.
-    std::vector<std::string> m_open;
+    std::vector<OpenText> m_open;
     /// Closed asides that wait for their paragraph's end; each ends in a line end.
     std::string m_aside;
     std::size_t m_size = 0;

@@ -17,8 +17,10 @@ struct WordHeader {
         std::uint32_t size = 0;
     };
 
-    /// Word 6 and 95: their tables stand in the main stream, and their text is 8-bit but for `isWide`.
+    /// Word 2, 6 and 95: their tables stand in the main stream, and their text is 8-bit but for `isWide`.
     bool isOld = false;
+    /// Word 2, whose main stream is the file itself.
+    bool isOldest = false;
     /// Of an old document from the Far East: UTF-16.
     bool isWide = false;
     bool isEncrypted = false;
@@ -29,11 +31,12 @@ struct WordHeader {
     /// The text of a document without a piece table, in the main stream.
     Place text;
     Place pieceTable;
-    /// Where the properties of characters stand.
+    /// Where the properties of characters stand. Not of Word 2, which keeps them in another form; what is
+    /// marked as deleted there stays in the text.
     Place characterBins;
 };
 
-/// Nothing if the stream does not begin as a Word document of version 6 or later does.
+/// Nothing if the stream does not begin as a Word document of version 2 or later does.
 std::optional<WordHeader> readWordHeader(std::string_view mainStream);
 
 } // namespace quilvane

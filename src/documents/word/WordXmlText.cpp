@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "documents/word/WordXmlText.h"
 
-#include "documents/word/fieldText.h"
+#include "text/mailLink.h"
 
 #include <algorithm>
 #include <charconv>
@@ -158,18 +158,6 @@ std::string_view valueOf(std::span<const XmlAttribute> attributes, std::string_v
     return {};
 }
 
-/// The character that begins at `at` in well-formed UTF-8; moves `at` behind it.
-char32_t nextCharacter(std::string_view text, std::size_t& at)
-{
-    const auto first = static_cast<unsigned char>(text[at++]);
-    if (first < 0x80)
-        return first;
-    char32_t character = first < 0xE0 ? first & 0x1F : first < 0xF0 ? first & 0x0F : first & 0x07;
-    while (at < text.size() && (text[at] & 0xC0) == 0x80)
-        character = character << 6 | (static_cast<unsigned char>(text[at++]) & 0x3F);
-    return character;
-}
-
 } // namespace
 
 WordXmlText::WordXmlText(Relationships& relationships)
@@ -203,16 +191,16 @@ void WordXmlText::startElement(
         break;
     case Role::Tab:
         if (parentRole() == Role::Run) // elsewhere it is a tab stop
-            put("\t");
+            m_text.put('\t');
         break;
     case Role::PositionedTab:
-        put("\t");
+        m_text.put('\t');
         break;
     case Role::Break:
         m_text.endLine();
         break;
     case Role::NoBreakHyphen:
-        put("-");
+        m_text.put('-');
         break;
     case Role::Symbol:
         putSymbol(valueOf(attributes, "char"));
@@ -230,30 +218,32 @@ void WordXmlText::startElement(
         markField(valueOf(attributes, "fldCharType"));
         break;
     case Role::SimpleField:
-        putBeside(fieldText(valueOf(attributes, "instr")));
+        m_text.openAside();
+        m_text.putText(valueOf(attributes, "instr"));
+        m_text.closeFieldCode();
         break;
     case Role::OldLink:
-        putBeside(mailTarget(valueOf(attributes, "dest")));
+        m_text.putMailTarget(mailTarget(valueOf(attributes, "dest")));
         break;
     case Role::Alternatives:
-        m_givenBefore.push_back(m_given);
+        m_outputBefore.push_back(m_outputSize);
         break;
     case Role::Alternative:
-        if (!m_givenBefore.empty() && m_given > m_givenBefore.back())
+        if (!m_outputBefore.empty() && m_outputSize > m_outputBefore.back())
             skipThis();
         break;
     case Role::Annotation:
         beginAnnotation(attributes);
         break;
     case Role::WordArt:
-        m_given += valueOf(attributes, "string").size();
-        putBeside(valueOf(attributes, "string"));
+        m_outputSize += valueOf(attributes, "string").size();
+        m_text.putAside(valueOf(attributes, "string"));
         break;
     default:
         break;
     }
     if (vocabulary == Vocabulary::Vml)
-        putBeside(mailTarget(valueOf(attributes, "href")));
+        m_text.putMailTarget(mailTarget(valueOf(attributes, "href")));
 }
 
 void WordXmlText::endElement()
@@ -278,7 +268,7 @@ void WordXmlText::endElement()
         endBeside();
         break;
     case Role::Alternatives:
-        m_givenBefore.pop_back();
+        m_outputBefore.pop_back();
         break;
     default:
         break;
@@ -292,12 +282,12 @@ void WordXmlText::characters(std::string_view text)
     switch (m_open.back()) {
     case Role::Text:
     case Role::Line:
-        m_given += text.size();
-        put(text);
+        m_outputSize += text.size();
+        m_text.putText(text);
         break;
     case Role::FieldCode:
         if (isInFieldCode())
-            put(text);
+            m_text.putText(text);
         break;
     default:
         break; // between the elements
@@ -319,30 +309,6 @@ void WordXmlText::skipNearest(Role role)
     const auto found = std::find(m_open.rbegin(), m_open.rend(), role);
     if (found != m_open.rend())
         m_skipped = static_cast<std::size_t>(m_open.rend() - found) - 1;
-}
-
-void WordXmlText::put(std::string_view text)
-{
-    for (std::size_t at = 0; at < text.size();) {
-        std::size_t plainEnd = at;
-        while (plainEnd < text.size() && TextCollector::isPlain(static_cast<unsigned char>(text[plainEnd])))
-            ++plainEnd;
-        m_text.putPlain(text.substr(at, plainEnd - at));
-        at = plainEnd;
-        if (at < text.size()) {
-            const char32_t character = nextCharacter(text, at);
-            m_text.put(character == '\n' || character == '\r' ? ' ' : character);
-        }
-    }
-}
-
-void WordXmlText::putBeside(std::string_view line)
-{
-    if (line.empty())
-        return;
-    m_text.openAside();
-    put(line);
-    m_text.closeAside();
 }
 
 /// Outside of paragraphs the text has no word to be torn apart, and goes on in its order.
@@ -439,9 +405,9 @@ void WordXmlText::follow(std::span<const XmlAttribute> attributes)
         if (!entry || std::exchange(entry->isUsed, true))
             continue;
         if (entry->kind == Relationships::Kind::Link) {
-            putBeside(mailTarget(entry->target));
+            m_text.putMailTarget(mailTarget(entry->target));
         } else if (entry->kind != Relationships::Kind::Story) {
-            ++m_given;
+            ++m_outputSize;
             m_references.push_back(entry);
         }
     }

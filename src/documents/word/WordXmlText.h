@@ -18,7 +18,7 @@ namespace quilvane {
 /// Takes the text out of one XML part of a Word document: of its body, a header, notes, comments, a chart, a
 /// diagram, or of all of them where they are one file (Word 2003 XML).
 ///
-/// Handler of one XmlReader; takeText() when that has finished. Words whose letters have different looks come
+/// Handler of one readXml(); takeText() when that has finished. Words whose letters have different looks come
 /// in one piece; paragraphs, cells and breaks stay apart. What stands beside the text of a paragraph (text
 /// boxes, field codes, the targets of mail links) follows it on lines of its own, since its place may be
 /// inside a word.
@@ -60,8 +60,6 @@ private:
     void skipThis();
     void skipNearest(Role role);
 
-    void put(std::string_view text);
-    void putBeside(std::string_view line);
     void beginBeside();
     void endBeside();
     void endParagraph();
@@ -80,8 +78,8 @@ private:
     std::vector<bool> m_isMarkDeleted; // of each open paragraph: whether it goes on in the next one
     std::vector<Beside> m_beside;
     TextCollector m_text;
-    std::size_t m_given = 0; // how much text and how many references came out so far
-    std::vector<std::size_t> m_givenBefore; // the same at the begin of each open set of alternatives
+    std::size_t m_outputSize = 0; // how much text and how many references came out so far
+    std::vector<std::size_t> m_outputBefore; // the same at the begin of each open set of alternatives
     std::vector<const Relationships::Entry*> m_references;
     std::string_view m_lastUri; // most elements are of the same namespace as the one before
     Vocabulary m_lastVocabulary{};

@@ -2,234 +2,311 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "documents/word/XmlReader.h"
 
+#include "documents/html/HtmlTokenizer.h"
+#include "text/ascii.h"
+#include "text/charset.h"
+
 #include <algorithm>
+#include <array>
 #include <cstddef>
-#include <cstdint>
-#include <exception>
-#include <new>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
-
-#include <libxml/parser.h>
 
 namespace quilvane {
 
 namespace {
 
-constexpr int deepest = 10'000;
-constexpr std::size_t mostAttributes = 1000;
+constexpr auto npos = std::string_view::npos;
 
-std::string_view viewOf(const xmlChar* text)
+constexpr bool isBlank(char c)
 {
-    return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-std::string_view viewOf(const xmlChar* begin, const xmlChar* end)
-{
-    return { reinterpret_cast<const char*>(begin), static_cast<std::size_t>(end - begin) };
-}
+/// Whether a byte ends the name of an element or of an attribute.
+constexpr std::array<bool, 256> endsName = [] {
+    std::array<bool, 256> result{};
+    for (const char c : { ' ', '\t', '\r', '\n', '/', '=', '<', '>' })
+        result[static_cast<unsigned char>(c)] = true;
+    return result;
+}();
 
-/// Counts the attributes of a start tag while its bytes come in.
-class TagMeter {
+/// Which namespace each prefix stands for at the moment.
+class Namespaces {
 public:
-    /// `tag` begins with the tag's '<' and holds what was seen before, too.
-    std::size_t attributesIn(std::string_view tag)
+    Namespaces()
     {
-        for (; m_seen < tag.size(); ++m_seen) {
-            const char c = tag[m_seen];
-            if (m_quote)
-                m_quote = c == m_quote ? '\0' : m_quote;
-            else if (c == '"' || c == '\'')
-                m_quote = c;
-            else if (c == '=')
-                ++m_attributes;
-        }
-        return m_attributes;
+        // For a document whose root element is damaged, with all that is declared there: what word processors
+        // write.
+        using Uri = std::string_view;
+        for (const auto& [prefix, uri] :
+            { std::pair<Uri, Uri>{ "w", "http://schemas.openxmlformats.org/wordprocessingml/2006/main" },
+                { "r", "http://schemas.openxmlformats.org/officeDocument/2006/relationships" },
+                { "a", "http://schemas.openxmlformats.org/drawingml/2006/main" },
+                { "mc", "http://schemas.openxmlformats.org/markup-compatibility/2006" },
+                { "v", "urn:schemas-microsoft-com:vml" } })
+            m_uris.emplace(prefix, uri);
+    }
+
+    /// `depth` is that of the element with the declaration. Both views must outlive this.
+    void declare(std::string_view prefix, std::string_view uri, std::size_t depth)
+    {
+        constexpr std::size_t most = 100'000;
+        if (m_declared.size() == most || m_uris.size() == most)
+            return;
+        const auto place = m_uris.try_emplace(prefix).first;
+        m_declared.push_back({ place, std::exchange(place->second, uri), depth });
+        m_lastPlace = m_uris.end();
+    }
+
+    void leave(std::size_t depth)
+    {
+        for (; !m_declared.empty() && m_declared.back().depth == depth; m_declared.pop_back())
+            m_declared.back().place->second = m_declared.back().before;
+    }
+
+    /// Empty for a prefix that was not declared.
+    std::string_view uriOf(std::string_view prefix)
+    {
+        if (m_lastPlace == m_uris.end() || m_lastPlace->first != prefix)
+            m_lastPlace = m_uris.find(prefix);
+        return m_lastPlace == m_uris.end() ? std::string_view() : m_lastPlace->second;
     }
 
 private:
-    std::size_t m_seen = 0;
-    std::size_t m_attributes = 0;
-    char m_quote = '\0';
+    using Uris = std::map<std::string_view, std::string_view>;
+    struct Declared {
+        Uris::iterator place;
+        std::string_view before; // what the prefix stood for
+        std::size_t depth;
+    };
+
+    Uris m_uris;
+    Uris::iterator m_lastPlace = m_uris.end();
+    std::vector<Declared> m_declared;
 };
+
+/// The two halves of "w:p"; the first one is empty without a prefix.
+std::pair<std::string_view, std::string_view> split(std::string_view name)
+{
+    const std::size_t colon = name.find(':');
+    if (colon == npos)
+        return { {}, name };
+    return { name.substr(0, colon), name.substr(colon + 1) };
+}
+
+/// One reading of one document, in UTF-8.
+class Reading {
+public:
+    Reading(std::string_view xml, XmlHandler& handler)
+        : m_rest(xml)
+        , m_handler(handler)
+    {
+    }
+
+    void read()
+    {
+        constexpr std::size_t deepest = 10'000;
+        while (!m_rest.empty() && m_open.size() < deepest) {
+            takeText();
+            if (m_rest.starts_with("</"))
+                takeEndTag();
+            else if (m_rest.starts_with("<!DOCTYPE"))
+                return; // entities would be declared there
+            else if (m_rest.starts_with("<![CDATA["))
+                m_handler.characters(takeThrough("<![CDATA[", "]]>"));
+            else if (m_rest.starts_with("<!--"))
+                takeThrough("<!--", "-->");
+            else if (m_rest.starts_with("<?"))
+                takeThrough("<?", "?>");
+            else
+                takeStartTag();
+        }
+        while (!m_open.empty())
+            closeElement();
+    }
+
+private:
+    std::string_view take(std::size_t count)
+    {
+        const std::string_view taken = m_rest.substr(0, count);
+        m_rest.remove_prefix(taken.size());
+        return taken;
+    }
+
+    std::string_view takeName()
+    {
+        std::size_t size = 0;
+        while (size < m_rest.size() && !endsName[static_cast<unsigned char>(m_rest[size])])
+            ++size;
+        return take(size);
+    }
+
+    void skipBlanks()
+    {
+        while (!m_rest.empty() && isBlank(m_rest.front()))
+            m_rest.remove_prefix(1);
+    }
+
+    /// What stands between those two, of which the first one comes now.
+    std::string_view takeThrough(std::string_view begin, std::string_view end)
+    {
+        take(begin.size());
+        const std::string_view content = take(m_rest.find(end));
+        take(end.size());
+        return content;
+    }
+
+    /// With its references replaced; good until the next start tag is told.
+    std::string_view plain(std::string_view text)
+    {
+        if (text.find('&') == npos)
+            return text;
+        return m_replaced.emplace_back(withoutReferences(text));
+    }
+
+    void forgetReplaced()
+    {
+        if (!m_replaced.empty())
+            m_replaced.clear();
+    }
+
+    void takeText()
+    {
+        const std::string_view text = take(m_rest.find('<'));
+        if (!text.empty() && !m_open.empty())
+            m_handler.characters(plain(text));
+        forgetReplaced();
+    }
+
+    /// Closes what is open in its element, if that is not too much; passes over one that fits nothing.
+    void takeEndTag()
+    {
+        take(2);
+        const std::string_view name = takeName();
+        take(std::min(m_rest.find_first_of("<>"), m_rest.size()));
+        if (m_rest.starts_with('>'))
+            take(1);
+        constexpr std::size_t mostLeftOpen = 100;
+        const auto farthest
+            = m_open.rbegin() + static_cast<std::ptrdiff_t>(std::min(m_open.size(), mostLeftOpen));
+        const auto found = std::find(m_open.rbegin(), farthest, name);
+        if (found == farthest)
+            return;
+        const auto left = static_cast<std::size_t>(m_open.rend() - found) - 1;
+        while (m_open.size() > left)
+            closeElement();
+    }
+
+    void closeElement()
+    {
+        m_namespaces.leave(m_open.size());
+        m_open.pop_back();
+        m_handler.endElement();
+    }
+
+    /// One that is damaged is passed over up to the next '<' or '>', with no element.
+    void takeStartTag()
+    {
+        take(1);
+        m_attributes.clear();
+        const std::string_view name = takeName();
+        const std::size_t depth = m_open.size() + 1;
+        skipBlanks();
+        while (!m_rest.empty() && m_rest.front() != '/' && m_rest.front() != '>') {
+            if (!takeAttribute(depth))
+                break;
+            skipBlanks();
+        }
+        const bool isEmpty = m_rest.starts_with("/>");
+        if (name.empty() || (!isEmpty && !m_rest.starts_with('>'))) {
+            m_namespaces.leave(depth);
+            forgetReplaced();
+            take(m_rest.find_first_of("<>"));
+            if (m_rest.starts_with('>'))
+                take(1);
+            return;
+        }
+        take(isEmpty ? 2 : 1);
+        for (XmlAttribute& attribute : m_attributes)
+            if (!attribute.uri.empty())
+                attribute.uri = m_namespaces.uriOf(attribute.uri);
+        const auto [prefix, ownName] = split(name);
+        m_open.push_back(name);
+        m_handler.startElement(m_namespaces.uriOf(prefix), ownName, m_attributes);
+        forgetReplaced();
+        if (isEmpty)
+            closeElement();
+    }
+
+    /// False if there is none.
+    bool takeAttribute(std::size_t depth)
+    {
+        constexpr std::size_t mostAttributes = 1000;
+        const std::string_view name = takeName();
+        skipBlanks();
+        if (name.empty() || !m_rest.starts_with('='))
+            return false;
+        take(1);
+        skipBlanks();
+        if (!m_rest.starts_with('"') && !m_rest.starts_with('\''))
+            return false;
+        const char quote = take(1).front();
+        const std::string_view value = m_rest.substr(0, m_rest.find(quote));
+        if (value.size() == m_rest.size() || value.find('<') != npos)
+            return false;
+        take(value.size() + 1);
+        const auto [prefix, ownName] = split(name);
+        if (prefix == "xmlns" || (prefix.empty() && ownName == "xmlns"))
+            m_namespaces.declare(prefix.empty() ? prefix : ownName, value, depth);
+        else if (m_attributes.size() < mostAttributes)
+            m_attributes.push_back({ prefix, ownName, plain(value) });
+        return true;
+    }
+
+    std::string_view m_rest;
+    XmlHandler& m_handler;
+    Namespaces m_namespaces;
+    std::vector<std::string_view> m_open; // the names of the open elements
+    std::vector<XmlAttribute> m_attributes; // of the tag at hand
+    std::deque<std::string> m_replaced; // what held references, of the tag or the text at hand
+};
+
+/// The code page that a document is in by its first bytes (XML 1.0, appendix F); nothing for UTF-8.
+std::optional<int> codePageOf(std::string_view xml)
+{
+    using namespace std::string_view_literals;
+    if (xml.starts_with("\xFF\xFE"sv) || xml.starts_with("<\0"sv))
+        return codePages::utf16LittleEndian;
+    if (xml.starts_with("\xFE\xFF"sv) || xml.starts_with("\0<"sv))
+        return codePages::utf16BigEndian;
+    const std::string_view declaration = xml.substr(0, xml.find("?>"));
+    constexpr std::string_view key = "encoding=";
+    const std::size_t at = declaration.find(key);
+    if (!xml.starts_with("<?xml") || at == npos)
+        return {};
+    const std::string_view quoted = withoutLeading(declaration.substr(at + key.size()), "\"'");
+    const std::string_view name = quoted.substr(0, quoted.find_first_of("\"'"));
+    // What was read here has one byte for a letter, whatever it says.
+    if (beginsIgnoringCase(name, "UTF"))
+        return {};
+    return codePageNamed(name);
+}
 
 } // namespace
 
-struct XmlReader::Native {
-    XmlHandler& handler;
-    ReadingBudget& budget;
-    xmlParserCtxtPtr parser;
-    std::vector<XmlAttribute> attributes; // of the element told at the moment
-    std::vector<int> namespaceCounts; // declared by each open element
-    std::size_t namespacesInScope = 0;
-    bool isStopped = false;
-    std::exception_ptr thrown; // by the handler: it must not fly through libxml2's frames
-    unsigned long tokenBegin = 0;
-    TagMeter tagMeter;
-
-    Native(XmlHandler& itsHandler, ReadingBudget& itsBudget)
-        : handler(itsHandler)
-        , budget(itsBudget)
-    {
-        xmlSAXHandler sax = callbacks();
-        parser = xmlCreatePushParserCtxt(&sax, this, nullptr, 0, nullptr);
-        if (!parser)
-            throw std::bad_alloc();
-        // NOENT: or else "&amp;" in an attribute's value stays as it is.
-        xmlCtxtUseOptions(parser, XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_RECOVER);
-    }
-    ~Native() { xmlFreeParserCtxt(parser); }
-    Native(const Native&) = delete;
-    Native& operator=(const Native&) = delete;
-
-    static Native& of(void* context) { return *static_cast<Native*>(context); }
-
-    void stop()
-    {
-        isStopped = true;
-        xmlStopParser(parser);
-    }
-
-    template <typename Call>
-    void tell(Call call)
-    {
-        if (isStopped)
-            return;
-        try {
-            call();
-        } catch (...) {
-            thrown = std::current_exception();
-            stop();
-        }
-    }
-
-    /// Ends the reading if the budget does not cover the cost.
-    void spend(std::uint64_t cost)
-    {
-        if (cost > budget.xmlWork)
-            stop();
-        budget.xmlWork -= std::min(cost, budget.xmlWork);
-    }
-
-    /// libxml2 compares each attribute with all others, and each prefix with all namespaces in scope.
-    std::uint64_t costOfElement(std::size_t attributeCount) const
-    {
-        constexpr std::uint64_t ofAny = 100; // as much as so many comparisons
-        return ofAny + attributeCount * attributeCount + (attributeCount + 1) * (namespacesInScope + 1);
-    }
-
-    void startElement(const xmlChar* name, const xmlChar* uri, int namespaceCount, int attributeCount,
-        const xmlChar** rawAttributes)
-    {
-        namespaceCounts.push_back(namespaceCount);
-        namespacesInScope += static_cast<std::size_t>(namespaceCount);
-        spend(costOfElement(static_cast<std::size_t>(attributeCount)));
-        if (namespaceCounts.size() > deepest)
-            stop();
-        if (isStopped)
-            return;
-        attributes.clear();
-        for (int i = 0; i < attributeCount; ++i) {
-            constexpr int fieldsEach = 5; // name, prefix, URI, begin and end of the value
-            const xmlChar** fields = rawAttributes + static_cast<std::ptrdiff_t>(i) * fieldsEach;
-            attributes.push_back({ viewOf(fields[2]), viewOf(fields[0]), viewOf(fields[3], fields[4]) });
-        }
-        handler.startElement(viewOf(uri), viewOf(name), attributes);
-    }
-
-    void endElement()
-    {
-        namespacesInScope -= static_cast<std::size_t>(namespaceCounts.back());
-        namespaceCounts.pop_back();
-        handler.endElement();
-    }
-
-    /// A token comes to us when all of it is there. While it is not, libxml2 keeps its bytes, and looks
-    /// through them again with each piece. When a tag is complete, it compares the attributes before we are
-    /// told, so one of a great many must not get that far.
-    void watchUnfinishedToken()
-    {
-        const xmlParserInput* input = parser->input;
-        if (isStopped || !input)
-            return;
-        const unsigned long begin = input->consumed + static_cast<unsigned long>(input->cur - input->base);
-        if (begin != tokenBegin) {
-            tokenBegin = begin;
-            tagMeter = {};
-            return; // what is new is shorter than a piece
-        }
-        const std::string_view token = viewOf(input->cur, input->end);
-        // Stopping frees the bytes that the token is a view of, so that comes last.
-        const bool isTag = token.size() > 1 && token[0] == '<' && token[1] != '!' && token[1] != '?';
-        if (isTag && tagMeter.attributesIn(token) > mostAttributes)
-            stop();
-        else
-            spend(token.size());
-    }
-
-    void parse(std::string_view bytes, bool isLast)
-    {
-        const int failed = xmlParseChunk(parser, bytes.data(), static_cast<int>(bytes.size()), isLast);
-        if (thrown)
-            std::rethrow_exception(std::exchange(thrown, nullptr));
-        if (failed == XML_ERR_NO_MEMORY)
-            throw std::bad_alloc();
-    }
-
-    /// The functions that libxml2 calls.
-    static xmlSAXHandler callbacks()
-    {
-        xmlSAXHandler sax{};
-        sax.initialized = XML_SAX2_MAGIC;
-        sax.startElementNs
-            = [](void* context, const xmlChar* name, const xmlChar*, const xmlChar* uri, int namespaceCount,
-                  const xmlChar**, int attributeCount, int, const xmlChar** rawAttributes) {
-                  Native& native = Native::of(context);
-                  native.tell(
-                      [&] { native.startElement(name, uri, namespaceCount, attributeCount, rawAttributes); });
-              };
-        sax.endElementNs = [](void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
-            Native& native = Native::of(context);
-            native.tell([&] { native.endElement(); });
-        };
-        sax.characters = [](void* context, const xmlChar* text, int size) {
-            Native& native = Native::of(context);
-            native.tell([&] { native.handler.characters(viewOf(text, text + size)); });
-        };
-        sax.cdataBlock = sax.characters;
-        sax.internalSubset = [](void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
-            Native::of(context).stop(); // before any entity is declared
-        };
-        sax.serror = [](void* context, xmlErrorPtr) {
-            Native& native = Native::of(context);
-            if (--native.budget.xmlErrors <= 0)
-                native.stop();
-        };
-        return sax;
-    }
-};
-
-XmlReader::XmlReader(XmlHandler& handler, ReadingBudget& budget)
-    : m_native(std::make_unique<Native>(handler, budget))
+void readXml(std::string_view xml, XmlHandler& handler)
 {
-}
-
-XmlReader::~XmlReader() = default;
-
-bool XmlReader::feed(std::string_view bytes)
-{
-    constexpr std::size_t pieceSize = std::size_t(1) << 14;
-    for (std::size_t at = 0; at < bytes.size() && !m_native->isStopped; at += pieceSize) {
-        m_native->parse(bytes.substr(at, pieceSize), false);
-        m_native->watchUnfinishedToken();
+    std::string converted;
+    if (const std::optional<int> codePage = codePageOf(xml)) {
+        converted = toUtf8(xml, *codePage);
+        xml = converted;
     }
-    return !m_native->isStopped;
-}
-
-void XmlReader::finish()
-{
-    if (!m_native->isStopped)
-        m_native->parse({}, true);
+    Reading(xml, handler).read();
 }
 
 } // namespace quilvane

@@ -2,9 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "documents/word/ZipArchive.h"
 
+#include "text/ascii.h"
+#include "text/littleEndian.h"
+
 #include <algorithm>
 #include <array>
 #include <new>
+#include <numeric>
+#include <span>
 
 #include <zlib.h>
 
@@ -25,30 +30,29 @@ constexpr std::size_t longestComment = 0xFFFF;
 
 constexpr std::size_t unknownSize = 0xFFFFFFFF; // also what archives of the 64-bit kind say
 
-constexpr std::size_t pieceSize = std::size_t(1) << 14;
+constexpr std::string_view slashes = "/\\";
 
-/// A little-endian number. `offset + byteCount` lies within the bytes.
-std::size_t numberAt(std::string_view bytes, std::size_t offset, std::size_t byteCount)
+constexpr std::size_t mostEntries = 500'000;
+
+/// Bytes in which the files of an archive without a directory are looked for.
+constexpr std::size_t mostSearched = std::size_t(256) << 20;
+
+constexpr std::array<char, 256> comparedAs = [] {
+    std::array<char, 256> result{};
+    for (std::size_t i = 0; i < result.size(); ++i)
+        result[i] = i == '\\' ? '/' : lowerCased(static_cast<char>(i));
+    return result;
+}();
+
+char compared(char c)
 {
-    std::size_t number = 0;
-    for (std::size_t i = byteCount; i > 0; --i)
-        number = number << 8 | static_cast<unsigned char>(bytes[offset + i - 1]);
-    return number;
+    return comparedAs[static_cast<unsigned char>(c)];
 }
 
-std::size_t numberAt2(std::string_view bytes, std::size_t offset)
+bool isLower(std::string_view left, std::string_view right)
 {
-    return numberAt(bytes, offset, 2);
-}
-
-std::size_t numberAt4(std::string_view bytes, std::size_t offset)
-{
-    return numberAt(bytes, offset, 4);
-}
-
-bool holds(std::string_view bytes, std::size_t offset, std::size_t size)
-{
-    return offset <= bytes.size() && size <= bytes.size() - offset;
+    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
+        [](char a, char b) { return compared(a) < compared(b); });
 }
 
 /// zlib's side of unpacking one file.
@@ -66,21 +70,17 @@ public:
     Inflater(const Inflater&) = delete;
     Inflater& operator=(const Inflater&) = delete;
 
-    /// The next bytes, good until the next call; empty when there are no more.
-    std::string_view next()
+    /// Fills the room with the next bytes, and tells how many those are: fewer only where no more come.
+    std::size_t next(std::span<char> room)
     {
-        if (m_isAtEnd)
-            return {};
-        m_stream.next_out = reinterpret_cast<Bytef*>(m_piece.data());
-        m_stream.avail_out = static_cast<uInt>(m_piece.size());
-        m_isAtEnd = inflate(&m_stream, Z_NO_FLUSH) != Z_OK;
-        return { m_piece.data(), m_piece.size() - m_stream.avail_out };
+        m_stream.next_out = reinterpret_cast<Bytef*>(room.data());
+        m_stream.avail_out = static_cast<uInt>(room.size());
+        while (m_stream.avail_out > 0 && inflate(&m_stream, Z_NO_FLUSH) == Z_OK) { }
+        return room.size() - m_stream.avail_out;
     }
 
 private:
     z_stream m_stream{};
-    std::array<char, pieceSize> m_piece;
-    bool m_isAtEnd = false;
 };
 
 } // namespace
@@ -93,103 +93,112 @@ ZipArchive::ZipArchive(std::string_view bytes)
         m_entries.clear();
         findLocalHeaders();
     }
-    for (std::size_t i = 0; i < m_entries.size(); ++i)
-        m_byName.try_emplace(m_entries[i].name, i);
+    m_byName.resize(m_entries.size());
+    std::iota(m_byName.begin(), m_byName.end(), 0U);
+    std::stable_sort(m_byName.begin(), m_byName.end(), [this](std::uint32_t left, std::uint32_t right) {
+        return isLower(m_entries[left].name, m_entries[right].name);
+    });
 }
 
 bool ZipArchive::readDirectory()
 {
     const std::size_t tail = m_bytes.size() - std::min(m_bytes.size(), directoryEndSize + longestComment);
     const std::size_t mark = m_bytes.substr(tail).rfind(directoryEndMark);
-    if (mark == std::string_view::npos || !holds(m_bytes, tail + mark, directoryEndSize))
+    if (mark == std::string_view::npos || !holdsBytes(m_bytes, tail + mark, directoryEndSize))
         return false;
     const std::size_t end = tail + mark;
-    const std::size_t count = numberAt2(m_bytes, end + 10);
-    const std::size_t size = numberAt4(m_bytes, end + 12);
-    const std::size_t offset = numberAt4(m_bytes, end + 16);
+    const std::size_t count = u16At(m_bytes, end + 10);
+    const std::size_t size = u32At(m_bytes, end + 12);
+    const std::size_t offset = u32At(m_bytes, end + 16);
     if (offset > end || size > end - offset)
         return false;
-    // Offsets count from where the archive begins, which is behind the bytes that may stand in front of it.
+    // Offsets count from where the archive begins, which is after the bytes that may stand in front of it.
     const std::size_t base = end - size - offset;
 
     std::size_t at = end - size;
     std::size_t found = 0;
-    for (; holds(m_bytes, at, directoryEntrySize) && m_bytes.substr(at).starts_with(directoryEntryMark);
+    for (; found < mostEntries && holdsBytes(m_bytes, at, directoryEntrySize)
+         && m_bytes.substr(at).starts_with(directoryEntryMark);
          ++found) {
-        if (!addEntry(base + numberAt4(m_bytes, at + 42), numberAt4(m_bytes, at + 20)))
+        if (!addEntry(base + u32At(m_bytes, at + 42), u32At(m_bytes, at + 20)))
             return false;
-        at += directoryEntrySize + numberAt2(m_bytes, at + 28) + numberAt2(m_bytes, at + 30)
-            + numberAt2(m_bytes, at + 32);
+        at += directoryEntrySize + u16At(m_bytes, at + 28) + u16At(m_bytes, at + 30)
+            + u16At(m_bytes, at + 32);
     }
-    return found > 0 && (found & 0xFFFF) == count;
+    return found == mostEntries || (found > 0 && (found & 0xFFFF) == count);
 }
 
 void ZipArchive::findLocalHeaders()
 {
-    for (std::size_t at = 0; (at = m_bytes.find(localHeaderMark, at)) != std::string_view::npos;
+    const std::string_view searched = m_bytes.substr(0, mostSearched);
+    for (std::size_t at = 0; m_entries.size() < mostEntries
+         && (at = searched.find(localHeaderMark, at)) != std::string_view::npos;
          at += localHeaderMark.size()) {
-        // Written at one go, an archive tells the size of a file behind it only.
+        // Written at one go, an archive tells the size of a file only after it.
         constexpr std::size_t sizeFollows = 8;
         const bool isSizeKnown
-            = holds(m_bytes, at, localHeaderSize) && !(numberAt2(m_bytes, at + 6) & sizeFollows);
-        addEntry(at, isSizeKnown ? numberAt4(m_bytes, at + 18) : unknownSize);
+            = holdsBytes(m_bytes, at, localHeaderSize) && !(u16At(m_bytes, at + 6) & sizeFollows);
+        addEntry(at, isSizeKnown ? u32At(m_bytes, at + 18) : unknownSize);
     }
 }
 
-/// False if there is no header of a file. One of a kind that can't be unpacked is passed over.
+/// False if there is no header of a file. What is no file of a document is passed over.
 bool ZipArchive::addEntry(std::size_t headerOffset, std::size_t packedSize)
 {
-    if (!holds(m_bytes, headerOffset, localHeaderSize))
+    if (!holdsBytes(m_bytes, headerOffset, localHeaderSize))
         return false;
     const std::string_view header = m_bytes.substr(headerOffset);
-    const std::size_t nameSize = numberAt2(header, 26);
-    const std::size_t dataOffset = localHeaderSize + nameSize + numberAt2(header, 28);
+    const std::size_t nameSize = u16At(header, 26);
+    const std::size_t dataOffset = localHeaderSize + nameSize + u16At(header, 28);
     if (!header.starts_with(localHeaderMark) || dataOffset > header.size())
         return false;
 
     constexpr std::size_t encrypted = 1;
     constexpr std::size_t stored = 0;
     constexpr std::size_t deflated = 8;
-    const std::size_t method = numberAt2(header, 8);
-    if ((numberAt2(header, 6) & encrypted) || (method != stored && method != deflated))
+    const std::size_t method = u16At(header, 8);
+    if ((u16At(header, 6) & encrypted) || (method != stored && method != deflated) || nameSize > longestName)
         return true;
     std::string_view packed = header.substr(dataOffset);
     if (packedSize != unknownSize)
         packed = packed.substr(0, packedSize);
-    m_entries.push_back({ normalised(header.substr(localHeaderSize, nameSize)), packed, method == deflated });
+    m_entries.push_back(
+        { withoutLeading(header.substr(localHeaderSize, nameSize), slashes), packed, method == deflated });
     return true;
 }
 
 const ZipArchive::Entry* ZipArchive::find(std::string_view name) const
 {
-    const auto found = m_byName.find(normalised(name));
-    return found == m_byName.end() ? nullptr : &m_entries[found->second];
+    name = withoutLeading(name, slashes);
+    const auto found = std::lower_bound(
+        m_byName.begin(), m_byName.end(), name, [this](std::uint32_t index, std::string_view wanted) {
+            return isLower(m_entries[index].name, wanted);
+        });
+    if (found == m_byName.end() || isLower(name, m_entries[*found].name))
+        return nullptr;
+    return &m_entries[*found];
 }
 
-void ZipArchive::unpack(const Entry& entry, const std::function<bool(std::string_view)>& take)
+std::string ZipArchive::unpacked(const Entry& entry, std::size_t most)
 {
-    if (entry.isDeflated) {
-        Inflater inflater(entry.packed);
-        for (std::string_view piece = inflater.next(); !piece.empty() && take(piece);)
-            piece = inflater.next();
-    } else {
-        for (std::size_t at = 0; at < entry.packed.size(); at += pieceSize) {
-            if (!take(entry.packed.substr(at, pieceSize)))
-                return;
-        }
-    }
+    if (!entry.isDeflated)
+        return std::string(entry.packed.substr(0, most));
+    constexpr std::size_t firstSize = std::size_t(1) << 16;
+    std::string result;
+    Inflater inflater(entry.packed);
+    std::size_t size = 0;
+    do {
+        result.resize(std::min(most, std::max(firstSize, size * 2)));
+        size += inflater.next({ result.data() + size, result.size() - size });
+    } while (size == result.size() && size < most);
+    result.resize(size);
+    return result;
 }
 
 std::string ZipArchive::normalised(std::string_view name)
 {
-    name.remove_prefix(std::min(name.find_first_not_of("/\\"), name.size()));
-    std::string result(name);
-    for (char& c : result) {
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-        else if (c == '\\')
-            c = '/';
-    }
+    std::string result(withoutLeading(name, slashes));
+    std::transform(result.begin(), result.end(), result.begin(), compared);
     return result;
 }
 

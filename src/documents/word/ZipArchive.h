@@ -4,10 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace quilvane {
@@ -17,15 +15,19 @@ namespace quilvane {
 ///
 /// Reads the layout of PKWARE's APPNOTE.TXT, sections 4.3.6 to 4.3.16, by itself: the time that libgsf takes
 /// grows with the square of the number of folders. Names are compared without regard to ASCII case, with
-/// either slash between folders. An archive holds a view: the bytes must outlive it.
+/// either slash between folders. An archive holds a view: the bytes must outlive it. It looks at the
+/// directory and at what is unpacked only, and keeps some forty bytes for each of at most 500,000 files.
 class ZipArchive {
 public:
     /// One of the archive's files. Where its size is not known, `packed` reaches to the end of the archive.
     struct Entry {
-        std::string name; // in lower case, with '/' between folders and none in front
+        std::string_view name; // as the archive has it; at most `longestName`
         std::string_view packed;
         bool isDeflated;
     };
+
+    /// Bytes. Files of longer names are passed over: no part of a document has one.
+    static constexpr std::size_t longestName = 255;
 
     explicit ZipArchive(std::string_view bytes);
     ZipArchive(const ZipArchive&) = delete;
@@ -39,12 +41,11 @@ public:
     /// Null if there is no file of that name. Of several, the first.
     const Entry* find(std::string_view name) const;
 
-    /// Hands the unpacked bytes over in pieces of at most 16 KB, until `take` returns false, the file ends or
-    /// its packed bytes make no sense any more. Check sums are not looked at: half a file is better than
-    /// none.
-    static void unpack(const Entry& entry, const std::function<bool(std::string_view)>& take);
+    /// The file's unpacked bytes, `most` at most; fewer if its packed bytes make no sense any more. Check
+    /// sums are not looked at: half a file is better than none.
+    static std::string unpacked(const Entry& entry, std::size_t most);
 
-    /// As names are compared.
+    /// As names are compared: in lower case, with '/' between folders and none in front.
     static std::string normalised(std::string_view name);
 
 private:
@@ -54,7 +55,8 @@ private:
 
     std::string_view m_bytes;
     std::vector<Entry> m_entries;
-    std::unordered_map<std::string_view, std::size_t> m_byName; // of the entries' own names
+    /// Indices of the entries, sorted by their names: a table of hashes could be made to collide.
+    std::vector<std::uint32_t> m_byName;
     bool m_isDamaged = false;
 };
 

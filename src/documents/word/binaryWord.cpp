@@ -199,18 +199,12 @@ private:
 
 /// Nothing if it is damaged.
 std::optional<std::string> textOf(
-    const WordHeader& header, const std::string& mainStream, const CompoundFile& file)
+    const WordHeader& header, std::string_view mainStream, std::string_view tableStream)
 {
-    const std::optional<std::string> ownTable
-        = header.isOld ? std::nullopt : file.stream(header.hasTable1 ? "1Table" : "0Table");
-    if (!header.isOld && !ownTable)
-        return {};
-    const std::string& table = header.isOld ? mainStream : *ownTable;
-    const std::optional<std::vector<Piece>> pieces = readPieceTable(header, table);
+    const std::optional<std::vector<Piece>> pieces = readPieceTable(header, tableStream);
     if (!pieces)
         return {};
-
-    PieceReader reader(mainStream, deletedRanges(header, mainStream, table), header.codePage);
+    PieceReader reader(mainStream, deletedRanges(header, mainStream, tableStream), header.codePage);
     for (const Piece& piece : *pieces) {
         if (reader.isDone())
             break;
@@ -224,16 +218,25 @@ std::optional<std::string> textOf(
 
 std::optional<std::string> textOfBinaryWord(std::string_view bytes)
 {
+    std::optional<WordHeader> header = readWordHeader(bytes);
+    if (header && header->isOldest) {
+        bytes = bytes.substr(0, TextCollector::mostText); // so that no piece is longer
+        return header->isEncrypted ? std::nullopt : textOf(*header, bytes, bytes);
+    }
+
     const std::optional<CompoundFile> file = CompoundFile::open(bytes);
     if (!file || file->has("EncryptedPackage"))
         return {};
     const std::optional<std::string> mainStream = file->stream("WordDocument");
     if (!mainStream)
         return {};
-    const std::optional<WordHeader> header = readWordHeader(*mainStream);
+    header = readWordHeader(*mainStream);
     if (!header || header->isEncrypted)
         return {};
-    return textOf(*header, *mainStream, *file);
+    if (header->isOld)
+        return textOf(*header, *mainStream, *mainStream);
+    const std::optional<std::string> tableStream = file->stream(header->hasTable1 ? "1Table" : "0Table");
+    return tableStream ? textOf(*header, *mainStream, *tableStream) : std::nullopt;
 }
 
 } // namespace quilvane

@@ -14,8 +14,8 @@ namespace {
 constexpr std::size_t pageSize = 512;
 constexpr std::size_t positionSize = 4;
 
-/// The size of what stands behind a property's two-byte code, where the code alone tells it; 0 where the
-/// first byte behind it does ([MS-DOC] 2.2.5.1).
+/// The size of what follows a property's two-byte code, where the code alone tells it; 0 where the
+/// first byte after it does ([MS-DOC] 2.2.5.1).
 std::size_t operandSize(std::uint16_t code)
 {
     constexpr std::size_t sizes[] = { 1, 1, 2, 4, 2, 2, 0, 3 };

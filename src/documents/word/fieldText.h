@@ -7,12 +7,14 @@
 
 namespace quilvane {
 
-/// What of a field's code, as in HYPERLINK "mailto:a%40b.org", belongs to the text: of a link what stands
-/// behind "mailto:", with %XX decoded; of another field all of the code if it holds an '@'. Otherwise
-/// nothing.
-std::string fieldText(std::string_view code);
+/// What of a field's code belongs to the text.
+struct FieldText {
+    std::string text; // empty if nothing does
+    bool isMailTarget; // see mailTarget()
+};
 
-/// What stands behind "mailto:" in a link's target, with %XX decoded; empty if it is another link.
-std::string mailTarget(std::string_view target);
+/// Of a link, as in HYPERLINK "mailto:a%40b.org", that is where mail goes; of another field all of the code
+/// if it holds an '@'.
+FieldText fieldText(std::string_view code);
 
 } // namespace quilvane

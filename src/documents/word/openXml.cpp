@@ -36,7 +36,7 @@ public:
         Relationships ofPackage = relationshipsOf({});
         for (const Relationships::Entry& entry : ofPackage.entries()) {
             if (entry.kind == Kind::MainDocument)
-                readWithReferences(entry.target);
+                readWithReferences(ofPackage.partOf(entry));
         }
         if (!m_isWord || m_archive.isDamaged())
             readPartsByName();
@@ -51,53 +51,54 @@ private:
     {
         constexpr std::string_view folder = "word/";
         for (const ZipArchive::Entry& entry : m_archive.entries()) {
-            const std::string_view name = entry.name;
+            const std::string name = ZipArchive::normalised(entry.name);
             if (name.starts_with(folder) && name.ends_with(".xml")
                 && name.find('/', folder.size()) == std::string_view::npos)
-                readWithReferences(entry.name);
+                readWithReferences(name);
         }
+    }
+
+    /// Null if there is none, or it was taken before.
+    const ZipArchive::Entry* taken(const std::string& name)
+    {
+        const ZipArchive::Entry* entry = m_archive.find(name);
+        return entry && m_taken.insert(entry).second ? entry : nullptr;
     }
 
     void readWithReferences(const std::string& first)
     {
-        std::vector<std::string> waiting{ first };
-        for (std::size_t i = 0; i < waiting.size(); ++i) {
-            const ZipArchive::Entry* entry = m_archive.find(waiting[i]);
-            if (entry && m_budget.parts > 0 && m_read.insert(entry).second)
-                read(*entry, waiting);
-        }
+        std::vector<const ZipArchive::Entry*> waiting{ taken(first) };
+        for (std::size_t i = 0; i < waiting.size(); ++i)
+            if (waiting[i])
+                read(*waiting[i], waiting);
     }
 
-    /// Adds the names of the parts that are to be read behind this one.
-    void read(const ZipArchive::Entry& entry, std::vector<std::string>& waiting)
+    /// Adds the parts that are to be read after this one.
+    void read(const ZipArchive::Entry& entry, std::vector<const ZipArchive::Entry*>& waiting)
     {
-        Relationships relationships = relationshipsOf(entry.name);
+        Relationships relationships = relationshipsOf(ZipArchive::normalised(entry.name));
         WordXmlText partText(relationships);
-        parse(entry, partText);
+        readXml(unpacked(entry), partText);
         m_isWord = m_isWord || !partText.root().empty();
         m_text += partText.takeText();
         for (const Relationships::Entry* reference : partText.references()) {
             if (reference->kind == Kind::EmbeddedDocument)
-                readEmbedded(reference->target);
+                readEmbedded(relationships.partOf(*reference));
             else
-                waiting.push_back(reference->target);
+                waiting.push_back(taken(relationships.partOf(*reference)));
         }
         for (const Relationships::Entry& relationship : relationships.entries()) {
             if (relationship.kind == Kind::Story)
-                waiting.push_back(relationship.target);
+                waiting.push_back(taken(relationships.partOf(relationship)));
         }
     }
 
     void readEmbedded(const std::string& name)
     {
-        const ZipArchive::Entry* entry = m_archive.find(name);
-        if (!entry || m_budget.parts == 0 || !m_read.insert(entry).second)
+        const ZipArchive::Entry* entry = taken(name);
+        if (!entry)
             return;
-        std::string bytes;
-        unpack(*entry, [&bytes](std::string_view piece) {
-            bytes += piece;
-            return true;
-        });
+        const std::string bytes = unpacked(*entry);
         const bool isPlainText = name.ends_with(".txt");
         m_text += isPlainText ? bytes : documentText(bytes, m_budget).value_or(std::string());
         m_text += '\n';
@@ -105,38 +106,26 @@ private:
 
     Relationships relationshipsOf(std::string_view source)
     {
+        constexpr std::size_t costOfEach = 256;
         Relationships relationships(source);
         if (const ZipArchive::Entry* entry = m_archive.find(Relationships::partFor(source)))
-            parse(*entry, relationships);
+            readXml(unpacked(*entry), relationships);
+        m_budget.spend(relationships.entries().size() * costOfEach);
         return relationships;
     }
 
-    void parse(const ZipArchive::Entry& entry, XmlHandler& handler)
+    /// As much of it as the budget has left.
+    std::string unpacked(const ZipArchive::Entry& entry)
     {
-        XmlReader reader(handler, m_budget);
-        unpack(entry, [&reader](std::string_view piece) { return reader.feed(piece); });
-        reader.finish();
-    }
-
-    /// ZipArchive::unpack within the budget.
-    void unpack(const ZipArchive::Entry& entry, const std::function<bool(std::string_view)>& take)
-    {
-        if (m_budget.parts == 0)
-            return;
-        --m_budget.parts;
-        std::size_t left = std::min(m_budget.bytes, ReadingBudget::partBytes);
-        m_budget.bytes -= left;
-        ZipArchive::unpack(entry, [&](std::string_view piece) {
-            piece = piece.substr(0, left);
-            left -= piece.size();
-            return take(piece) && left > 0;
-        });
-        m_budget.bytes += left;
+        constexpr std::size_t costOfAny = std::size_t(1) << 14;
+        std::string bytes = ZipArchive::unpacked(entry, std::min(m_budget.bytes, ReadingBudget::partBytes));
+        m_budget.spend(bytes.size() + costOfAny);
+        return bytes;
     }
 
     ZipArchive m_archive;
     ReadingBudget& m_budget;
-    std::set<const ZipArchive::Entry*> m_read;
+    std::set<const ZipArchive::Entry*> m_taken;
     std::string m_text;
     bool m_isWord = false;
 };
@@ -206,13 +195,6 @@ public:
     void characters(std::string_view) override { }
 };
 
-void parse(std::string_view xml, XmlHandler& handler, ReadingBudget& budget)
-{
-    XmlReader reader(handler, budget);
-    reader.feed(xml.substr(0, budget.bytes));
-    reader.finish();
-}
-
 using RelationshipsByPart = std::map<std::string, Relationships>;
 
 /// The names of the parts that hold the document's text.
@@ -226,9 +208,11 @@ std::set<std::string> textParts(RelationshipsByPart& relationships)
         if (source == relationships.end())
             continue;
         for (const Relationships::Entry& entry : source->second.entries()) {
-            const bool isText = entry.kind != Kind::Link && entry.kind != Kind::EmbeddedDocument;
-            if (isText && found.insert(entry.target).second)
-                waiting.push_back(entry.target);
+            if (entry.kind == Kind::Link || entry.kind == Kind::EmbeddedDocument)
+                continue;
+            const auto [part, isNew] = found.insert(source->second.partOf(entry));
+            if (isNew)
+                waiting.push_back(*part);
         }
     }
     return found;
@@ -248,15 +232,15 @@ std::optional<std::string> sourceOf(std::string_view part)
     return source;
 }
 
-/// Read twice, as the relationships may stand behind what they belong to.
-std::string textOfFlatPackage(std::string_view xml, ReadingBudget& budget)
+/// Read twice, as the relationships may stand after what they belong to.
+std::string textOfFlatPackage(std::string_view xml)
 {
     RelationshipsByPart relationships;
     FlatPackageSplitter findRelationships([&](const std::string& part) -> XmlHandler* {
         const std::optional<std::string> source = sourceOf(part);
         return source ? &relationships.try_emplace(*source, *source).first->second : nullptr;
     });
-    parse(xml, findRelationships, budget);
+    readXml(xml, findRelationships);
 
     const std::set<std::string> wanted = textParts(relationships);
     std::map<std::string, WordXmlText> texts;
@@ -266,7 +250,7 @@ std::string textOfFlatPackage(std::string_view xml, ReadingBudget& budget)
         Relationships& ofPart = relationships.try_emplace(part, part).first->second;
         return &texts.try_emplace(part, ofPart).first->second;
     });
-    parse(xml, findText, budget);
+    readXml(xml, findText);
 
     std::string text;
     for (auto& [part, partText] : texts)
@@ -283,18 +267,24 @@ std::optional<std::string> textOfOpenXml(std::string_view zip, ReadingBudget& bu
 
 std::optional<std::string> textOfFlatXml(std::string_view xml, ReadingBudget& budget)
 {
+    xml = xml.substr(0, budget.bytes);
     constexpr std::size_t rootIsWithin = std::size_t(1) << 16;
     RootProbe root;
-    parse(xml.substr(0, rootIsWithin), root, budget);
+    readXml(xml.substr(0, rootIsWithin), root);
     if (root.uri == flatPackageUri)
-        return textOfFlatPackage(xml, budget);
+        return textOfFlatPackage(xml);
 
-    Relationships none;
-    WordXmlText text(none);
-    parse(xml, text, budget);
-    if (text.root().empty())
-        return std::nullopt;
-    return text.takeText();
+    // Most other XML is no document, and need not be read to its end to know.
+    for (const std::string_view part : { xml.substr(0, rootIsWithin), xml }) {
+        Relationships none;
+        WordXmlText text(none);
+        readXml(part, text);
+        if (text.root().empty())
+            return std::nullopt;
+        if (part.size() == xml.size())
+            return text.takeText();
+    }
+    return std::nullopt;
 }
 
 } // namespace quilvane

@@ -15,7 +15,7 @@ namespace quilvane {
 /// what can still be unpacked. Nothing if it holds no word processor's document.
 std::optional<std::string> textOfOpenXml(std::string_view zip, ReadingBudget& budget);
 
-/// The text of a Word document that is one XML file: Word 2003 XML, or the parts of a package one behind the
+/// The text of a Word document that is one XML file: Word 2003 XML, or the parts of a package one after the
 /// other (flat OPC). Documents embedded in the latter are not read. Nothing for any other XML.
 std::optional<std::string> textOfFlatXml(std::string_view xml, ReadingBudget& budget);
 

@@ -55,7 +55,7 @@ std::optional<std::vector<Piece>> piecesOf(
             return {};
         const std::string_view descriptor = descriptors.substr(i * descriptorSize, descriptorSize);
         pieces.push_back(pieceOf(descriptor, end - begin, header));
-        pieces.back().isDeleted = isDeletedBy(u16At(descriptor, 6), listsThatDelete);
+        pieces.back().isDeleted = !header.isOldest && isDeletedBy(u16At(descriptor, 6), listsThatDelete);
     }
     return pieces;
 }
@@ -76,10 +76,11 @@ std::optional<std::vector<Piece>> readPieceTable(const WordHeader& header, std::
         listsThatDelete.push_back(marksDeletion(bytesAt(table, at + 3, size), header.isOld));
         at += 3 + size;
     }
-    const std::size_t size = u32At(table, at + 1);
-    if (u8At(table, at) != piecesPart || !holdsBytes(table, at + 5, size))
+    const std::size_t size = header.isOldest ? u16At(table, at + 1) : u32At(table, at + 1);
+    const std::size_t begin = at + (header.isOldest ? 3 : 5);
+    if (u8At(table, at) != piecesPart || !holdsBytes(table, begin, size))
         return {};
-    return piecesOf(table.substr(at + 5, size), listsThatDelete, header);
+    return piecesOf(table.substr(begin, size), listsThatDelete, header);
 }
 
 } // namespace quilvane

@@ -4,7 +4,7 @@
 
 #include "documents/word/TextCollector.h"
 #include "text/TextDecoder.h"
-#include "text/littleEndian.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <charconv>
@@ -79,7 +79,7 @@ constexpr Keyword keywords[] = {
     { "ldblquote", Action::Character, 0x201C },
     { "line", Action::LineEnd },
     { "lquote", Action::Character, 0x2018 },
-    { "mac", Action::CodePage, 10000 },
+    { "mac", Action::CodePage, codePages::macintosh },
     { "nestcell", Action::Character, '\t' },
     { "nestrow", Action::ParagraphEnd },
     { "nonshppict", Action::Skip },
@@ -120,18 +120,13 @@ const Keyword* findKeyword(std::string_view name)
     return found != std::end(keywords) && found->name == name ? found : nullptr;
 }
 
-bool isLetter(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 /// What holds up to the end of a group, and in the groups inside it.
 struct State {
     bool isSkipped = false;
     bool isDeleted = false;
     bool isInFontTable = false;
     std::optional<int> font; // else the default one
-    /// How many characters behind a \u stand in for it, for readers that do not know it.
+    /// How many characters after a \u stand in for it, for readers that do not know it.
     int fallbackLength = 1;
 };
 
@@ -179,6 +174,7 @@ private:
         case '\\':
             readControl();
             break;
+        case '\0': // which fills what was never written
         case '\r':
         case '\n':
             break;
@@ -437,17 +433,17 @@ private:
     std::vector<Group> m_groups;
     /// Of groups, those beyond `deepest` included.
     std::size_t m_depth = 0;
-    /// Behind \*: a group whose first word is not known is to be passed over.
+    /// After \*: a group whose first word is not known is to be passed over.
     bool m_isOptional = false;
     /// Characters that stand in for the one before them.
     int m_fallbackLeft = 0;
 
-    int m_codePage = TextDecoder::westernEurope;
+    int m_codePage = codePages::westernEurope;
     int m_defaultFont = 0;
     int m_tableFont = 0;
     std::map<int, int> m_fontCodePages;
     TextDecoder m_decoder;
-    int m_decoderCodePage = TextDecoder::westernEurope;
+    int m_decoderCodePage = codePages::westernEurope;
 };
 
 } // namespace

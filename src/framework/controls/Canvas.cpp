@@ -6,6 +6,7 @@
 #include "framework/files/FileType.h"
 #include "framework/internal/Native.h"
 #include "framework/internal/PictureNative.h"
+#include "text/mailLink.h"
 
 #include <QAccessibleWidget>
 #include <QDropEvent>
@@ -98,9 +99,9 @@ private:
             if (url.scheme() != "file" || !isHere)
                 continue;
             // Not toLocalFile(): names are bytes, and not all are UTF-8.
-            const QByteArray path = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8());
-            if (path.startsWith('/'))
-                paths.push_back(path.toStdString());
+            std::string path = percentDecoded(url.path(QUrl::FullyEncoded).toStdString());
+            if (path.starts_with('/'))
+                paths.emplace_back(std::move(path));
         }
         return paths;
     }

@@ -103,6 +103,7 @@ private:
             endResetModel();
             if (!m_view)
                 return;
+            m_place.truncate(m_rows.size()); // a removal may have failed half-way
             m_view->restore(m_place);
             if (std::exchange(m_selectionLost, false))
                 m_view->selectionMoved();
@@ -139,7 +140,7 @@ Listbox::Listbox(Window& window, std::string_view name)
 
 Listbox::~Listbox()
 {
-    deleteWidget(); // ahead of the model it shows
+    deleteWidget(); // before the model it shows
 }
 
 void Listbox::AddRow(std::string_view text)
@@ -194,8 +195,8 @@ void Listbox::DeleteAllRows()
 {
     if (Rows().empty())
         return;
-    m_model->rowsToChange(0, [](RowPlace& place) { place = {}; }).clear();
     ++m_arrangement;
+    m_model->rowsToChange(0, [](RowPlace& place) { place = {}; }).clear();
 }
 
 void Listbox::TruncateRows(std::size_t count)
@@ -209,17 +210,17 @@ void Listbox::RetainRows(std::size_t first, std::span<const unsigned char> stays
     const auto gone = std::find(stays.begin(), stays.end(), 0);
     if (gone == stays.end())
         return;
+    ++m_arrangement; // before, as it may fail half-way
     m_model
         ->rowsToChange(
             first + std::size_t(gone - stays.begin()), [&](RowPlace& place) { place.retain(first, stays); })
         .retain(first, stays);
-    ++m_arrangement;
 }
 
 void Listbox::ReplaceRows(RowStore&& rows)
 {
-    m_model->rowsToChange(0, [](RowPlace& place) { place = {}; }) = std::move(rows);
     ++m_arrangement;
+    m_model->rowsToChange(0, [](RowPlace& place) { place = {}; }) = std::move(rows);
 }
 
 void Listbox::makeWidget(Native& native)

@@ -87,7 +87,7 @@ protected:
     virtual void setTableCaption(std::string_view caption);
     /// Shows the help text. Default: as the widget's tooltip and description.
     virtual void showHelpText();
-    /// Runs behind the placing of all controls of the window.
+    /// Runs after the placing of all controls of the window.
     virtual void opened() { }
 
     Window& window() const { return m_window; }

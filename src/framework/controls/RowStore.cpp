@@ -175,13 +175,15 @@ void RowStore::makeRoom(std::size_t bytes)
             resize(m_chunks.back(), lastText);
         // Rows are much like those before them.
         ChunkPointer next;
-        m_room = std::max({ bytes, lastText + lastText / 16, smallestText });
-        resize(next, m_room);
+        const std::size_t room = std::max({ bytes, lastText + lastText / 16, smallestText });
+        resize(next, room);
         next->ends[0] = 0;
         m_chunks.push_back(std::move(next));
+        m_room = room;
     } else {
-        m_room = std::max(bytes, used / 2);
-        resize(m_chunks.back(), used + m_room);
+        const std::size_t room = std::max(bytes, used / 2);
+        resize(m_chunks.back(), used + room);
+        m_room = room; // only now: what can't be had is not promised
     }
 }
 

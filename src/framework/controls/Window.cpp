@@ -101,7 +101,8 @@ void Window::Native::scaleToUserAndScreen(const QSize& contentSize)
         content->setFixedSize(scaledSize);
         area->setWidget(frame->takeCentralWidget());
         frame->setCentralWidget(area);
-        const int scrollBar = frame->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        // At a fractional scale the frame may come out a pixel smaller.
+        const int scrollBar = frame->style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 1;
         frameSize = (frameSize + QSize(scrollBar, scrollBar)).boundedTo(room);
     }
     frame->resize(frameSize);

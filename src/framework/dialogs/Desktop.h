@@ -4,6 +4,8 @@
 
 #include "framework/dialogs/MessageDialog.h"
 
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -42,6 +44,12 @@ public:
     virtual MessageDialog::Button showDialog(const MessageDialog& dialog) = 0;
     /// A failure: what happened, and where.
     virtual void showError(std::string_view what, std::string_view where) = 0;
+
+    /// Shows that a page is loaded from `host`, and how many bytes of it have come, until `bytesSoFar` has no
+    /// more to tell. False if the user cancels that. True before the end only if the program is quitting.
+    virtual bool waitForPage(
+        std::string_view host, const std::function<std::optional<std::uint64_t>()>& bytesSoFar)
+        = 0;
 
     /// Hands a file to the application that the desktop assigns to it. False if nothing took it.
     virtual bool openWithDefaultApplication(std::string_view path) = 0;

@@ -2,13 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/documents/DynaPDFMBS.h"
 
-#include "documents/reader/pdfMessages.h"
-#include "framework/documents/internal/PdfChild.h"
-#include "framework/exceptions.h"
+#include "framework/documents/internal/DocumentChild.h"
 #include "framework/files/FolderItem.h"
 #include "framework/files/InputFile.h"
 #include "framework/files/displayName.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -19,16 +20,18 @@ namespace {
 constexpr int failed = -1;
 constexpr int stop = -1; // of the error event
 constexpr int errorType = 0;
+constexpr int mostBadPagesInARow = 3;
+constexpr int mostBadPages = 8;
 
 /// What the PDF library said last, as it failed.
-std::string reasonIn(const PdfReply& reply)
+std::string because(const std::string& reason)
 {
-    return reply.messages.empty() ? "." : ": " + displayPath(reply.messages.back()) + '.';
+    return reason.empty() ? "." : ": " + displayPath(reason) + '.';
 }
 
 } // namespace
 
-DynaPDFMBS::DynaPDFMBS(PdfLimits limits)
+DynaPDFMBS::DynaPDFMBS(const DocumentLimits& limits)
     : m_limits(limits)
 {
 }
@@ -53,27 +56,48 @@ int DynaPDFMBS::OpenImportFile(const FolderItem& file, int, const std::string& p
 {
     closeDocument();
     m_fileName = displayPath(file.Name());
+    m_password = password.substr(0, longestPassword);
     std::string whyNot;
-    const InputFile document
-        = InputFile::open(file, InputFile::Access::Read, InputFile::NotRegular::Refused, whyNot);
-    if (!document.isOpen()) {
+    m_source = std::make_unique<InputFile>(
+        InputFile::open(file, InputFile::Access::Read, InputFile::NotRegular::Refused, whyNot));
+    if (!m_source->isOpen()) {
         fail(fileNotOpened, whyNot);
         return failed;
     }
+    bool isOpen = false;
     try {
-        m_child = std::make_unique<PdfChild>(document.descriptor(), m_limits);
-    } catch (const RuntimeException& error) {
-        fail(engineLost, error.what());
-        return failed;
+        isOpen = openSource();
+    } catch (const ReaderLost&) {
+        isOpen = openSource(); // by another reader
     }
-    const auto reply = perform(
-        { .operation = PdfRequest::Operation::Open, .password = password.substr(0, longestPdfPassword) });
-    if (!reply) {
-        closeDocument();
-        return failed;
+    return isOpen ? 0 : failed;
+}
+
+bool DynaPDFMBS::openSource()
+{
+    m_child = std::make_unique<DocumentChild>(
+        ReaderOrder{ .kind = DocumentKind::Pdf, .length = UINT64_MAX, .password = m_password },
+        m_source->descriptor(), m_limits);
+    std::string frame;
+    std::string whyNot;
+    std::optional<PdfOpening> opening;
+    if (m_child->receive(frame, largestPdfHead, whyNot)) {
+        opening = decodeOpening(frame);
+        if (!opening)
+            whyNot = m_child->refuse();
     }
-    m_sourcePageCount = reply->pageCount;
-    return 0;
+    if (opening && opening->outcome == PdfOpening::Outcome::Done) {
+        m_sourcePageCount = opening->pageCount;
+        return true;
+    }
+    m_child.reset();
+    if (!opening)
+        lose(whyNot);
+    else if (opening->outcome == PdfOpening::Outcome::Locked)
+        fail(documentLocked, quotedName() + " is protected by a password.");
+    else
+        fail(documentDamaged, quotedName() + " is damaged or no PDF document" + because(opening->reason));
+    return false;
 }
 
 int DynaPDFMBS::ImportPDFFile(int destPage, double, double)
@@ -84,16 +108,111 @@ int DynaPDFMBS::ImportPDFFile(int destPage, double, double)
     }
     if (!m_child)
         return failed;
-    m_pageCount = m_sourcePageCount;
-    return m_pageCount;
+    bool isTaken = false;
+    std::string whyNot;
+    try {
+        isTaken = receivePages(whyNot);
+    } catch (const ReaderLost&) {
+        // By another reader, from the begin.
+        if (!openSource())
+            return failed;
+        isTaken = receivePages(whyNot);
+    }
+    m_child.reset();
+    m_isImported = isTaken;
+    if (isTaken)
+        tellOfImport();
+    else
+        lose(whyNot);
+    return m_isImported ? GetPageCount() : failed;
+}
+
+void DynaPDFMBS::lose(const std::string& whyNot)
+{
+    closeDocument();
+    fail(engineLost, quotedName() + " could not be read. " + whyNot);
+}
+
+bool DynaPDFMBS::receivePages(std::string& whyNot)
+{
+    m_pages.clear();
+    m_child->resume();
+    std::size_t room = longestDocumentText;
+    std::string frame;
+    while (m_child->receive(frame, room + longestPdfMessage + largestPdfHead, whyNot)) {
+        if (std::optional<PdfEnd> end = decodeEnd(frame)) {
+            m_warnings = std::move(end->warnings);
+            return true;
+        }
+        std::optional<PdfPage> page = decodePage(frame);
+        if (!page || m_pages.size() == m_sourcePageCount || (page->isReadable && page->text.size() > room)) {
+            whyNot = m_child->refuse();
+            return false;
+        }
+        if (page->isReadable)
+            room -= page->text.size();
+        m_pages.push_back({ page->isReadable, std::move(page->text) });
+    }
+    return false;
+}
+
+void DynaPDFMBS::tellOfImport()
+{
+    if (m_pages.size() < m_sourcePageCount)
+        fail(pagesLeftOut,
+            quotedName() + " takes too long: of its " + std::to_string(m_sourcePageCount)
+                + " pages only the first " + std::to_string(m_pages.size()) + " were read.");
+    if (m_warnings.empty())
+        return;
+    std::string all;
+    for (const std::string& message : m_warnings)
+        all += (all.empty() ? "" : "\n") + displayPath(message);
+    tell(warning, all, warningType);
 }
 
 bool DynaPDFMBS::EditPage(int pageNum)
 {
     m_openPage = 0;
-    if (perform({ .operation = PdfRequest::Operation::EditPage, .page = pageNum }))
-        m_openPage = pageNum;
-    return m_openPage != 0;
+    if (!m_isImported)
+        return false;
+    if (pageNum < 1 || pageNum > GetPageCount()) {
+        fail(noSuchPage, quotedName() + " has no page " + std::to_string(pageNum) + '.');
+        return false;
+    }
+    const Page& page = m_pages[static_cast<std::size_t>(pageNum) - 1];
+    if (page.isReadable)
+        m_badPagesInARow = 0;
+    else if (!m_isTiredOfBadPages)
+        return failPage(pageNum, page.text);
+    m_openPage = pageNum;
+    return true;
+}
+
+bool DynaPDFMBS::failPage(int pageNum, const std::string& reason)
+{
+    if (std::exchange(m_lastBadPage, pageNum) != pageNum) { // the first page is asked for twice at times
+        ++m_badPagesInARow;
+        ++m_badPages;
+    }
+    fail(noSuchPage,
+        quotedName() + " has no page " + std::to_string(pageNum) + " that can be read" + because(reason));
+    m_isTiredOfBadPages = m_badPagesInARow == mostBadPagesInARow || m_badPages == mostBadPages;
+    if (m_isTiredOfBadPages)
+        leaveOutLastPages(static_cast<std::size_t>(pageNum));
+    return false;
+}
+
+void DynaPDFMBS::leaveOutLastPages(std::size_t pagesTried)
+{
+    const auto lastGood = std::find_if(m_pages.rbegin(), m_pages.rend(), std::mem_fn(&Page::isReadable));
+    const std::size_t left = std::max(pagesTried, static_cast<std::size_t>(m_pages.rend() - lastGood));
+    const std::size_t before = m_pages.size();
+    if (left >= before)
+        return; // the run goes on to the last page
+    m_pages.resize(left);
+    fail(pagesLeftOut,
+        "The pages of " + quotedName() + " from " + std::to_string(left + 1) + " to " + std::to_string(before)
+            + " can't be read either.");
 }
 
 std::string DynaPDFMBS::ExtractPageText(bool removeText)
@@ -104,8 +223,8 @@ std::string DynaPDFMBS::ExtractPageText(bool removeText)
         fail(notSupported, "The text of a page can't be removed.");
         return {};
     }
-    auto reply = perform({ .operation = PdfRequest::Operation::ExtractText });
-    return reply ? std::move(reply->text) : std::string();
+    const Page& page = m_pages[static_cast<std::size_t>(m_openPage) - 1];
+    return page.isReadable ? page.text : std::string();
 }
 
 bool DynaPDFMBS::EndPage()
@@ -118,49 +237,38 @@ int DynaPDFMBS::Event_Error(int, const std::string&, int)
     return 0;
 }
 
-std::optional<PdfReply> DynaPDFMBS::perform(const PdfRequest& request)
+void DynaPDFMBS::tell(int code, const std::string& message, int type)
 {
-    if (!m_child)
-        return std::nullopt;
-    std::string whyNot;
-    std::optional<PdfReply> reply = m_child->ask(request, whyNot);
-    if (!reply) {
-        closeDocument();
-        fail(engineLost, whyNot);
-        return std::nullopt;
-    }
-    switch (reply->outcome) {
-    case PdfReply::Outcome::Done:
-        for (const std::string& message : reply->messages)
-            if (Event_Error(warning, displayPath(message), warningType) == stop)
-                return std::nullopt;
-        return reply;
-    case PdfReply::Outcome::Damaged:
-        fail(documentDamaged, '"' + m_fileName + "\" is damaged or no PDF document" + reasonIn(*reply));
-        break;
-    case PdfReply::Outcome::Locked:
-        fail(documentLocked, '"' + m_fileName + "\" is protected by a password.");
-        break;
-    case PdfReply::Outcome::NoSuchPage:
-        fail(noSuchPage,
-            '"' + m_fileName + "\" has no page " + std::to_string(request.page) + " that can be read"
-                + reasonIn(*reply));
-        break;
-    }
-    return std::nullopt;
+    if (m_hasStopped || Event_Error(code, message, type) != stop)
+        return;
+    closeDocument();
+    m_hasStopped = true;
 }
 
 void DynaPDFMBS::fail(ErrorCode code, const std::string& message)
 {
-    Event_Error(code, message, errorType); // what has failed can't be stopped
+    tell(code, message, errorType);
+}
+
+std::string DynaPDFMBS::quotedName() const
+{
+    return '"' + m_fileName + '"';
 }
 
 void DynaPDFMBS::closeDocument()
 {
     m_child.reset();
+    m_source.reset();
     m_sourcePageCount = 0;
-    m_pageCount = 0;
+    m_pages.clear();
+    m_warnings.clear();
+    m_isImported = false;
     m_openPage = 0;
+    m_lastBadPage = 0;
+    m_badPagesInARow = 0;
+    m_badPages = 0;
+    m_isTiredOfBadPages = false;
+    m_hasStopped = false;
 }
 
 } // namespace quilvane

@@ -2,20 +2,45 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/documents/WordFileMBS.h"
 
-#include "documents/documentText.h"
+#include "framework/documents/internal/DocumentChild.h"
+#include "framework/files/FileBytes.h"
 
-#include <optional>
 #include <utility>
 
 namespace quilvane {
 
-Ref<WordFileMBS> WordFileMBS::OpenData(std::string_view data)
+namespace {
+
+Ref<WordFileMBS> readOnce(const FileBytes& data, const DocumentLimits& limits)
 {
-    std::optional<std::string> text = documentText(data);
-    if (!text)
-        return Ref<WordFileMBS>::nil(
-            data.empty() ? "The document is empty." : "The document is encrypted or no Word document.");
-    return Ref<WordFileMBS>::make(std::move(*text));
+    DocumentChild child({ .kind = DocumentKind::Word, .offset = data.offset(), .length = data.length() },
+        data.descriptor(), limits);
+    std::string frame;
+    std::string whyNot;
+    if (!child.receive(frame, 1, whyNot))
+        return Ref<WordFileMBS>::nil(whyNot);
+    switch (frame.empty() ? WordVerdict::NoDocument : WordVerdict(frame.front())) {
+    case WordVerdict::Text:
+        if (!child.receive(frame, longestDocumentText, whyNot))
+            return Ref<WordFileMBS>::nil(whyNot);
+        return Ref<WordFileMBS>::make(std::move(frame));
+    case WordVerdict::Empty:
+        return Ref<WordFileMBS>::nil("The document is empty.");
+    case WordVerdict::NoDocument:
+        break;
+    }
+    return Ref<WordFileMBS>::nil("The document is encrypted or no Word document.");
+}
+
+} // namespace
+
+Ref<WordFileMBS> WordFileMBS::OpenData(const FileBytes& data, const DocumentLimits& limits)
+{
+    try {
+        return readOnce(data, limits);
+    } catch (const ReaderLost&) {
+        return readOnce(data, limits); // by another reader
+    }
 }
 
 WordFileMBS::WordFileMBS(std::string text)

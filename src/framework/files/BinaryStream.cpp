@@ -4,6 +4,7 @@
 
 #include "framework/files/FolderItem.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quilvane {
@@ -28,11 +29,11 @@ std::uint64_t BinaryStream::Length() const
     return m_file.size();
 }
 
-std::string BinaryStream::Read(std::uint64_t count)
+FileBytes BinaryStream::Read(std::uint64_t count)
 {
-    std::string bytes;
-    m_file.appendTo(bytes, count);
-    return bytes;
+    const std::uint64_t begin = m_position;
+    m_position += std::min(count, Length() - std::min(Length(), begin));
+    return FileBytes(m_file.descriptor(), m_file.path(), begin, m_position - begin);
 }
 
 void BinaryStream::Close()

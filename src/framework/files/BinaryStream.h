@@ -3,10 +3,10 @@
 #pragma once
 
 #include "framework/Ref.h"
+#include "framework/files/FileBytes.h"
 #include "framework/files/InputFile.h"
 
 #include <cstdint>
-#include <string>
 
 namespace quilvane {
 
@@ -27,14 +27,15 @@ public:
     /// The size of the file in bytes, now. Throws IOException.
     std::uint64_t Length() const;
 
-    /// The next `count` bytes, fewer if the file ends before. Throws IOException, and OutOfMemoryException,
-    /// before it reads, if they are more than the memory free.
-    std::string Read(std::uint64_t count);
+    /// The next `count` bytes, fewer if the file ends before, to be read by whoever needs them: the one use
+    /// of a stream is a document, most of which nobody looks at. Throws IOException.
+    FileBytes Read(std::uint64_t count);
 
     void Close();
 
 private:
     InputFile m_file;
+    std::uint64_t m_position = 0;
 };
 
 } // namespace quilvane

@@ -5,7 +5,6 @@
 #include "framework/Ref.h"
 #include "framework/files/OpenedFile.h"
 
-#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -48,7 +47,11 @@ public:
     struct Identity {
         std::uint64_t device = 0;
         std::uint64_t number = 0;
-        auto operator<=>(const Identity&) const = default;
+        bool operator==(const Identity&) const = default;
+        bool operator<(const Identity& other) const
+        {
+            return device != other.device ? device < other.device : number < other.number;
+        }
     };
     Identity identity() const;
 

@@ -38,7 +38,7 @@ InputFile InputFile::open(const FolderItem& item, Access access, NotRegular notR
         = access == Access::Read ? item.openToRead() : OpenedFile::open(file.m_path, /*readWrite=*/true);
     if (opened.isNotRegular() && notRegular == NotRegular::ReadAsEmpty) {
         opened.descriptor = FileDescriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
-        opened.failure = errno;
+        opened.failure = opened.descriptor.isOpen() ? 0 : errno;
     }
     if (opened.isNotRegular()) {
         whyNot = '"' + displayPath(file.m_path) + "\" is not a regular file.";

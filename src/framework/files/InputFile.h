@@ -30,6 +30,9 @@ public:
     /// For another process that is to read the file, from its front; -1 if none is open.
     int descriptor() const { return m_descriptor.number(); }
 
+    /// The path that it was opened by.
+    const std::string& path() const { return m_path; }
+
     /// In bytes, now. Throws IOException.
     std::uint64_t size() const;
 

@@ -3,6 +3,7 @@
 #include "framework/files/TextInputStream.h"
 
 #include "framework/files/FolderItem.h"
+#include "text/WideTextDecoder.h"
 
 #include <algorithm>
 #include <limits>
@@ -32,11 +33,22 @@ TextInputStream::TextInputStream(InputFile file)
 {
 }
 
+TextInputStream::~TextInputStream() = default;
+
 std::string TextInputStream::ReadAll()
 {
+    if (!m_hasBegun)
+        fillBuffer();
     std::string text = std::exchange(m_buffer, {});
     text.erase(0, std::exchange(m_taken, 0));
-    m_file.appendTo(text, std::numeric_limits<std::uint64_t>::max());
+    if (m_decoder) {
+        m_file.requireMemoryForRest(2); // two bytes may become three, in a string that grows
+        while (fillBuffer())
+            text += m_buffer;
+        m_taken = m_buffer.size();
+    } else {
+        m_file.appendTo(text, std::numeric_limits<std::uint64_t>::max());
+    }
     return text;
 }
 
@@ -62,8 +74,18 @@ std::string TextInputStream::ReadLine()
 
 std::size_t TextInputStream::Read(std::span<char> into)
 {
-    if (m_taken == m_buffer.size())
-        return m_file.read(into);
+    constexpr std::size_t longestMark = 4;
+    if (m_taken == m_buffer.size() && !m_decoder && (m_hasBegun || into.size() >= longestMark)) {
+        const std::size_t count = m_file.read(into);
+        const std::string_view bytes(into.data(), count);
+        if (!beginsDecoding(bytes))
+            return count;
+        m_buffer.clear();
+        m_taken = 0;
+        m_decoder->decode(bytes, m_buffer);
+    }
+    if (m_taken == m_buffer.size() && !fillBuffer())
+        return 0;
     const std::size_t count = m_buffer.copy(into.data(), into.size(), m_taken);
     m_taken += count;
     return count;
@@ -79,17 +101,33 @@ void TextInputStream::Close()
 /// Replaces the buffer, all of which has been handed out, by what comes next. False at the end of the file.
 bool TextInputStream::fillBuffer()
 {
-    m_buffer.resize(readAhead);
+    m_buffer.clear();
     m_taken = 0;
-    std::size_t got = 0;
-    try {
-        got = m_file.read(m_buffer);
-    } catch (...) {
-        m_buffer.clear();
-        throw;
-    }
-    m_buffer.resize(got);
-    return got > 0;
+    std::string bytes;
+    do {
+        bytes.resize(readAhead);
+        bytes.resize(m_file.read(bytes));
+        beginsDecoding(bytes);
+        if (!m_decoder) {
+            m_buffer = std::move(bytes);
+            return !m_buffer.empty();
+        }
+        if (bytes.empty())
+            m_decoder->finish(m_buffer);
+        else
+            m_decoder->decode(bytes, m_buffer); // to nothing, if they are but a mark
+    } while (m_buffer.empty() && !bytes.empty());
+    return !m_buffer.empty();
+}
+
+/// Looks for a mark in the first bytes of the file; `bytes` are what was read last. True if it finds one.
+bool TextInputStream::beginsDecoding(std::string_view bytes)
+{
+    if (std::exchange(m_hasBegun, true))
+        return false;
+    if (const auto decoder = WideTextDecoder::forBeginOf(bytes))
+        m_decoder = std::make_unique<WideTextDecoder>(*decoder);
+    return m_decoder != nullptr;
 }
 
 } // namespace quilvane

@@ -6,15 +6,19 @@
 #include "framework/files/InputFile.h"
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace quilvane {
 
 class FolderItem;
+class WideTextDecoder;
 
-/// A regular file, read from its start to its end as bytes: no encoding is converted and no byte-order mark
-/// taken off.
+/// A regular file, read from its start to its end as bytes. Only text in UTF-16 or UTF-32, which no scan
+/// could read, is told by its byte order mark and turned into UTF-8; no other encoding is converted, and
+/// UTF-8's mark is not taken off.
 ///
 /// Closed by Close() or when its last reference goes. Reading throws IOException, also on a closed stream.
 class TextInputStream {
@@ -24,6 +28,7 @@ public:
     static Ref<TextInputStream> Open(const FolderItem& item);
 
     explicit TextInputStream(InputFile file);
+    ~TextInputStream();
 
     /// The rest of the file. If that is more than the memory free, throws OutOfMemoryException and reads
     /// nothing.
@@ -41,10 +46,14 @@ public:
 
 private:
     bool fillBuffer();
+    bool beginsDecoding(std::string_view bytes);
 
     InputFile m_file;
-    std::string m_buffer; // what ReadLine has read ahead; the first m_taken bytes of it have been handed out
+    std::string m_buffer; // what was read or decoded before it was asked for; the first m_taken bytes of it
+                          // have been handed out
     std::size_t m_taken = 0;
+    bool m_hasBegun = false; // the first bytes have been read
+    std::unique_ptr<WideTextDecoder> m_decoder; // null but for a text in UTF-16 or UTF-32
 };
 
 } // namespace quilvane

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <future>
@@ -40,32 +39,16 @@ std::string behindLinks(std::string path)
     return path;
 }
 
-/// Makes a file of a new name in the folder of `target`, and sets `path` to it. Not open, with errno set, if
-/// none can be made.
-FileDescriptor makeTemporary(const std::string& target, mode_t mode, std::string& path)
+/// Does `work`, which takes as long as a disk has to write, on another thread while the windows are painted.
+/// Returns its result. If the program is asked to quit meanwhile the work still comes to its end.
+template <typename Work>
+int doWhilePainting(Work work)
 {
-    static unsigned counter = 0;
-    constexpr int attempts = 100; // a process of the same number may have been killed and have left some
-    const std::string start
-        = target.substr(0, target.rfind('/') + 1) + ".quilvane-" + std::to_string(::getpid()) + '-';
-    FileDescriptor file;
-    for (int i = 0; i < attempts && !file.isOpen() && (i == 0 || errno == EEXIST); ++i) {
-        path = start + std::to_string(counter++);
-        file = FileDescriptor(
-            ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
-    }
-    return file;
-}
-
-/// fsync, which may take as long as the disk has to write. Returns the errno value.
-int syncToDisk(int file)
-{
-    const auto sync = [file] { return ::fsync(file) == 0 ? 0 : errno; };
     std::future<int> result;
     try {
-        result = std::async(std::launch::async, sync);
+        result = std::async(std::launch::async, work);
     } catch (const std::system_error&) {
-        return sync(); // the system gives no thread
+        return work(); // the system gives no thread
     }
     while (result.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready)
         keepWindowPainted();
@@ -110,10 +93,19 @@ Ref<TextOutputStream> TextOutputStream::Create(const FolderItem& item)
         return failed();
 
     const mode_t mode = exists ? existing.st_mode & permissions : forAll;
-    target.temporary = makeTemporary(target.path, mode, target.temporaryPath);
+    target.temporary = TemporaryFile::beside(target.path, mode);
+    if (!target.temporary.isOpen()) {
+        const int failure = errno;
+        if (exists) // and may be written, though nothing can be made in its folder
+            target.temporary = TemporaryFile::elsewhere();
+        target.isFilledInPlace = true;
+        errno = failure;
+    }
     if (!target.temporary.isOpen())
         return failed();
     if (exists) {
+        // Its other names would go on meaning the old file.
+        target.isFilledInPlace = target.isFilledInPlace || existing.st_nlink > 1;
         // Of no effect, and no harm, where the user may not give files away.
         [[maybe_unused]] const int ignored
             = ::fchown(target.temporary.number(), existing.st_uid, existing.st_gid);
@@ -164,26 +156,19 @@ void TextOutputStream::Close()
 
 void TextOutputStream::bringToPlace()
 {
-    // Some file systems know no fsync; there is then nothing to wait for.
-    int failure = syncToDisk(m_target.temporary.number());
-    if (failure == EINVAL)
-        failure = 0;
-    if (const int closing = m_target.temporary.close(); failure == 0)
-        failure = closing;
-    if (failure == 0 && std::rename(m_target.temporaryPath.c_str(), m_target.path.c_str()) != 0)
-        failure = errno;
-    if (failure != 0) {
-        ::unlink(m_target.temporaryPath.c_str());
+    TemporaryFile whole = std::move(m_target.temporary);
+    const int failure = doWhilePainting([this, &whole] {
+        const int refused = m_target.isFilledInPlace ? EPERM : whole.rename(m_target.path);
+        // A shared folder may allow writing a file and not replacing it.
+        return refused == EPERM || refused == EACCES ? whole.copyInto(m_target.path) : refused;
+    });
+    if (failure != 0)
         throw IOException(m_target.shownPath, "written", failure);
-    }
 }
 
 void TextOutputStream::giveUp() noexcept
 {
-    if (m_target.temporary.isOpen()) {
-        m_target.temporary.close();
-        ::unlink(m_target.temporaryPath.c_str());
-    }
+    m_target.temporary.discard();
 }
 
 } // namespace quilvane

@@ -31,7 +31,7 @@ std::string inMebibytes(std::uint64_t bytes)
     return text.data();
 }
 
-/// The number behind `key` in a file of lines "key number"; nothing if it is not there.
+/// The number after `key` in a file of lines "key number"; nothing if it is not there.
 std::optional<std::uint64_t> field(const std::string& path, const std::string& key)
 {
     std::ifstream file(path);

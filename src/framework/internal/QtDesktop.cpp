@@ -13,10 +13,14 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
+#include <QLocale>
 #include <QMessageBox>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QScreen>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QUrl>
 
 namespace quilvane {
@@ -174,6 +178,39 @@ MessageDialog::Button QtDesktop::showDialog(const MessageDialog& dialog)
 void QtDesktop::showError(std::string_view what, std::string_view where)
 {
     show(QMessageBox::Critical, what, where);
+}
+
+bool QtDesktop::waitForPage(
+    std::string_view host, const std::function<std::optional<std::uint64_t>()>& bytesSoFar)
+{
+    constexpr int lookEvery = 100; // ms
+    constexpr int longestHost = 40; // average letters
+    QProgressDialog dialog(parentWindow());
+    auto* const label = new QLabel;
+    label->setTextFormat(Qt::PlainText);
+    label->setMargin(8);
+    dialog.setLabel(label);
+    dialog.setRange(0, 0); // a server need not say how much is to come
+    const QFontMetrics metrics(label->font());
+    const QString shownHost
+        = metrics.elidedText(toQt(host), Qt::ElideMiddle, longestHost * metrics.averageCharWidth());
+    const auto look = [&] {
+        const std::optional<std::uint64_t> bytes = bytesSoFar();
+        if (!bytes)
+            return dialog.accept();
+        const QString size
+            = QLocale::c().formattedDataSize(static_cast<qint64>(*bytes), 1, QLocale::DataSizeSIFormat);
+        dialog.setLabelText("Loading the page from " + shownHost + "\nReceived so far: " + size);
+    };
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, look);
+    timer.start(lookEvery);
+    look();
+    dialog.exec();
+    timer.stop();
+    const bool goesOn = !dialog.wasCanceled();
+    WindowPainter::clearAfterDialog();
+    return goesOn;
 }
 
 bool QtDesktop::openWithDefaultApplication(std::string_view path)

@@ -18,6 +18,8 @@ public:
     void showMessage(std::string_view text) override;
     MessageDialog::Button showDialog(const MessageDialog& dialog) override;
     void showError(std::string_view what, std::string_view where) override;
+    bool waitForPage(
+        std::string_view host, const std::function<std::optional<std::uint64_t>()>& bytesSoFar) override;
     bool openWithDefaultApplication(std::string_view path) override;
 
 private:

@@ -5,10 +5,9 @@
 #include "framework/files/FileDescriptor.h"
 
 #include <array>
+#include <csignal>
 #include <functional>
 #include <memory>
-
-#include <signal.h>
 
 class QSocketNotifier;
 

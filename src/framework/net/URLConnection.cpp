@@ -2,21 +2,70 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/net/URLConnection.h"
 
+#include "framework/Application.h"
+#include "framework/EventGuard.h"
+#include "framework/dialogs/Desktop.h"
 #include "framework/exceptions.h"
+#include "framework/keepWindowPainted.h"
 #include "framework/net/fetch.h"
 
+#include <atomic>
 #include <chrono>
+#include <future>
+#include <optional>
+#include <thread>
 
 namespace quilvane {
+
+namespace {
+
+constexpr std::chrono::seconds silentWait(1); // most pages are here by then, and a dialog would only flash
+constexpr std::chrono::milliseconds lookEvery(50);
+
+bool isHere(const std::future<std::string>& body, std::chrono::milliseconds wait)
+{
+    return body.wait_for(wait) == std::future_status::ready;
+}
+
+} // namespace
 
 std::string URLConnection::SendSync(std::string_view method, std::string_view url, int timeout)
 {
     if (method != "GET")
         throw ConnectionException(url, "pages can be read only, not sent");
+    const std::string address(url); // what `url` looks at may change while the dialog stands
     FetchOptions options = FetchOptions::standard();
     if (timeout > 0)
         options.timeout = std::chrono::seconds(timeout);
-    return fetch(url, options).body;
+    std::atomic<std::uint64_t> received = 0;
+    options.progress = [&received](std::uint64_t bytes) { received = bytes; };
+
+    std::packaged_task<std::string(std::stop_token)> transfer(
+        [&](const std::stop_token& stop) { return fetch(address, options, stop); });
+    std::future<std::string> body = transfer.get_future();
+    // However this function ends, the transfer is stopped and joined first, which takes no time: it waits for
+    // nothing that can't be woken.
+    const std::jthread worker(std::move(transfer));
+
+    const auto start = std::chrono::steady_clock::now();
+    while (!isHere(body, lookEvery)) {
+        keepWindowPainted();
+        if (std::chrono::steady_clock::now() - start < silentWait)
+            continue;
+        const EventsHeld held;
+        const bool wanted
+            = Desktop::current().waitForPage(hostOf(address), [&]() -> std::optional<std::uint64_t> {
+                  return isHere(body, std::chrono::milliseconds::zero()) ? std::nullopt
+                                                                         : std::optional(received.load());
+              });
+        if (!wanted)
+            throw CancelUnwinding();
+        // The one thing that ends the dialog before the page is here is the end of the program, and this goes
+        // on with that.
+        if (!isHere(body, std::chrono::milliseconds::zero()))
+            Application::endHandlerIfQuitting();
+    }
+    return body.get();
 }
 
 } // namespace quilvane

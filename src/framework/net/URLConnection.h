@@ -11,8 +11,11 @@ namespace quilvane {
 class URLConnection {
 public:
     /// The body of the answer, whatever its status, as bytes. `timeout` is in seconds, for all of the
-    /// request; with 0 it may take as long as the server goes on sending. The one method is GET. Blocks: the
-    /// event loop stands. Throws what fetch() throws.
+    /// request; 0 stands for the bounds of FetchOptions. The one method is GET.
+    ///
+    /// The handler that calls it waits here, with the windows painted; from one second on a dialog shows how
+    /// much has come and lets the user cancel, which ends the handler without a word. Throws what fetch()
+    /// throws.
     std::string SendSync(std::string_view method, std::string_view url, int timeout);
 };
 

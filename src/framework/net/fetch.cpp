@@ -3,9 +3,15 @@
 #include "framework/net/fetch.h"
 
 #include "framework/exceptions.h"
+#include "framework/internal/qtText.h"
 #include "framework/net/BodyBuffer.h"
 #include "framework/net/internal/CurlLibrary.h"
-#include "text/charset.h"
+
+#include <QUrl>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
@@ -19,6 +25,8 @@ namespace quilvane {
 namespace {
 
 constexpr long pieceSize = 256L * 1024; // bytes; libcurl's own of 16 KiB makes large pages slow
+/// In bytes of one answer, trailers included. Debian's libcurl stops at 300 KiB, and does not say so.
+constexpr std::uint64_t largestHeaders = std::uint64_t(256) * 1024;
 
 struct FreeEasy {
     void operator()(CURL* easy) const { CurlLibrary::instance().easyCleanup(easy); }
@@ -36,12 +44,31 @@ std::string lengthInWords(std::uint64_t bytes)
     return std::to_string(bytes) + units[unit];
 }
 
+std::string withoutBlanksAround(std::string_view text)
+{
+    return fromQt(toQt(text).trimmed());
+}
+
+/// Numeric; empty for what is no internet address.
+std::string textOf(const sockaddr& address)
+{
+    std::array<char, INET6_ADDRSTRLEN> text{};
+    if (address.sa_family == AF_INET)
+        ::inet_ntop(
+            AF_INET, &reinterpret_cast<const sockaddr_in&>(address).sin_addr, text.data(), text.size());
+    else if (address.sa_family == AF_INET6)
+        ::inet_ntop(
+            AF_INET6, &reinterpret_cast<const sockaddr_in6&>(address).sin6_addr, text.data(), text.size());
+    return text.data();
+}
+
 /// One request. Nothing may be thrown through libcurl: what a callback throws ends the transfer and comes out
 /// of run().
 class Transfer {
 public:
     Transfer(std::string_view url, const FetchOptions& options, const std::stop_token& stop)
         : m_address(url)
+        , m_request(withoutBlanksAround(url))
         , m_options(options)
         , m_stop(stop)
     {
@@ -57,17 +84,19 @@ public:
     Transfer(const Transfer&) = delete;
     Transfer& operator=(const Transfer&) = delete;
 
-    FetchedPage run()
+    std::string run()
     {
         // libcurl would read it up to there.
-        if (m_address.find('\0') != std::string::npos)
+        if (m_request.find('\0') != std::string::npos)
             fail(CURLE_URL_MALFORMAT);
         const CURLcode result = perform();
         if (m_thrown)
             std::rethrow_exception(m_thrown);
         if (result != CURLE_OK)
             fail(result);
-        return { m_body.take(), text(CURLINFO_EFFECTIVE_URL), charsetNamedIn(text(CURLINFO_CONTENT_TYPE)) };
+        if (m_inHeaders) // libcurl takes that for an empty page
+            fail(CURLE_PARTIAL_FILE);
+        return m_body.take();
     }
 
 private:
@@ -84,7 +113,7 @@ private:
     void setUp()
     {
         set(CURLOPT_ERRORBUFFER, m_detail.data());
-        set(CURLOPT_URL, m_address.c_str());
+        set(CURLOPT_URL, m_request.c_str());
         set(CURLOPT_DEFAULT_PROTOCOL, "https");
         set(CURLOPT_PROTOCOLS_STR, "http,https");
         set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
@@ -103,16 +132,18 @@ private:
         set(CURLOPT_NOSIGNAL, 1L); // signals belong to the process, and this may be any thread of it
         set(CURLOPT_QUICK_EXIT, 1L); // a search for a host that is no longer wanted is not waited for
 
+        set(CURLOPT_OPENSOCKETDATA, this);
+        set(CURLOPT_OPENSOCKETFUNCTION, &Transfer::openSocket);
+        set(CURLOPT_PREREQDATA, this);
+        set(CURLOPT_PREREQFUNCTION, &Transfer::beginRequest);
+        set(CURLOPT_HEADERDATA, this);
+        set(CURLOPT_HEADERFUNCTION, &Transfer::receiveHeader);
+
         // Known from the header it is refused at once; else, and unpacked, receive() counts.
         set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(m_options.largestBody));
         set(CURLOPT_BUFFERSIZE, pieceSize);
         set(CURLOPT_WRITEDATA, this);
         set(CURLOPT_WRITEFUNCTION, &Transfer::receive);
-        if (m_options.progress) {
-            set(CURLOPT_XFERINFODATA, this);
-            set(CURLOPT_XFERINFOFUNCTION, &Transfer::report);
-            set(CURLOPT_NOPROGRESS, 0L);
-        }
     }
 
     CURLcode perform()
@@ -134,11 +165,66 @@ private:
         return m_curl.multiInfoRead(m_multi.get(), &left)->data.result;
     }
 
+    /// Refuses the address before anything is sent there.
+    static curl_socket_t openSocket(void* transfer, curlsocktype, curl_sockaddr* address)
+    {
+        Transfer& self = *static_cast<Transfer*>(transfer);
+        if (!self.mayLeadTo(textOf(address->addr)))
+            return CURL_SOCKET_BAD;
+        return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    }
+
+    /// The connection is there, or taken over from the page before. With a proxy the address is the
+    /// proxy's.
+    // NOLINTNEXTLINE(readability-non-const-parameter): the type is libcurl's
+    static int beginRequest(void* transfer, char* address, char*, int, int)
+    {
+        Transfer& self = *static_cast<Transfer*>(transfer);
+        self.m_refusal.clear();
+        const bool secure = self.text(CURLINFO_SCHEME) == "HTTPS";
+        if (self.m_wasSecure && !secure)
+            self.m_refusal = "it leads from an encrypted page to one that is not";
+        if (!self.m_refusal.empty() || !self.mayLeadTo(address))
+            return CURL_PREREQFUNC_ABORT;
+        self.m_wasSecure = secure;
+        self.m_wasPublic = self.m_wasPublic || !self.m_options.isOwn(address);
+        self.m_headerSize = 0;
+        self.m_inHeaders = true;
+        return CURL_PREREQFUNC_OK;
+    }
+
+    bool mayLeadTo(const std::string& address)
+    {
+        if (!m_wasPublic || !m_options.isOwn(address))
+            return true;
+        m_refusal = "it leads from a public server to an address of this computer";
+        return false;
+    }
+
+    /// Trailers come this way, too.
+    static std::size_t receiveHeader(const char* line, std::size_t, std::size_t length, void* transfer)
+    {
+        Transfer& self = *static_cast<Transfer*>(transfer);
+        self.m_headerSize += length;
+        if (self.m_headerSize > largestHeaders) {
+            self.m_refusal = tooLongHeaders;
+            return 0;
+        }
+        const std::string_view text(line, length);
+        if (text.starts_with("HTTP/"))
+            self.m_inHeaders = true; // another answer came before the one that counts
+        else if (text == "\r\n" || text == "\n")
+            self.m_inHeaders = false;
+        return length;
+    }
+
     static std::size_t receive(const char* bytes, std::size_t, std::size_t count, void* transfer)
     {
         Transfer& self = *static_cast<Transfer*>(transfer);
-        if (self.m_body.size() + count > self.m_options.largestBody)
+        if (self.m_body.size() + count > self.m_options.largestBody) {
+            self.m_refusal = self.tooLargeBody();
             return 0;
+        }
         try {
             if (self.m_body.size() == 0)
                 self.m_body.expect(self.announcedSize());
@@ -147,6 +233,8 @@ private:
             self.m_thrown = std::current_exception();
             return 0;
         }
+        if (self.m_options.progress)
+            self.m_options.progress(self.m_body.size());
         return count;
     }
 
@@ -156,16 +244,6 @@ private:
         curl_off_t size = 0;
         m_curl.easyGetinfo(m_easy.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
         return static_cast<std::uint64_t>(std::max<curl_off_t>(size, 0));
-    }
-
-    static int report(void* transfer, curl_off_t total, curl_off_t received, curl_off_t, curl_off_t)
-    {
-        Transfer& self = *static_cast<Transfer*>(transfer);
-        const int percent = total > 0 ? static_cast<int>(100 * std::min(received, total) / total) : 0;
-        if (percent != self.m_percent)
-            self.m_options.progress(percent);
-        self.m_percent = percent;
-        return 0;
     }
 
     std::string text(CURLINFO info) const
@@ -179,40 +257,66 @@ private:
 
     std::string reasonFor(CURLcode result) const
     {
+        if (!m_refusal.empty())
+            return m_refusal;
         switch (result) {
         case CURLE_URL_MALFORMAT:
             return "it is no valid web address";
         case CURLE_UNSUPPORTED_PROTOCOL:
-            return "only http and https addresses can be loaded";
+            // While an answer is read it is about that, else about an address.
+            return m_inHeaders ? noHttp() : "only http and https addresses can be loaded";
+        case CURLE_WEIRD_SERVER_REPLY:
+            return noHttp();
         case CURLE_COULDNT_RESOLVE_HOST:
             return "there is no such host, or the network is down";
         case CURLE_COULDNT_RESOLVE_PROXY:
             return "the proxy that is set for this system could not be found";
         case CURLE_COULDNT_CONNECT:
             return "no connection to the server could be made" + systemReason();
+        case CURLE_SSL_CONNECT_ERROR:
+            return "no encrypted connection to the server could be made" + detail();
         case CURLE_PEER_FAILED_VERIFICATION:
             return "the server's certificate is not to be trusted" + detail();
         case CURLE_OPERATION_TIMEDOUT:
-            return m_body.size() == 0 ? "time-out: the server did not answer in time"
-                                      : "time-out: the server stopped sending";
+            return "time-out: " + timeOut();
         case CURLE_TOO_MANY_REDIRECTS:
             return "it leads on from page to page without an end";
         case CURLE_PARTIAL_FILE:
         case CURLE_GOT_NOTHING:
         case CURLE_RECV_ERROR:
         case CURLE_SEND_ERROR:
-            return "the connection broke off";
+            return "the connection broke off" + std::string(m_inHeaders ? " before the page began" : "")
+                + detail();
+        case CURLE_OUT_OF_MEMORY: // of the one line that it keeps, too, when that grows too long
+            return m_inHeaders ? tooLongHeaders : m_curl.easyStrerror(result);
         case CURLE_BAD_CONTENT_ENCODING:
             return "its compressed content is damaged";
         case CURLE_FILESIZE_EXCEEDED:
-        case CURLE_WRITE_ERROR: // receive() took no more
-            return "it is larger than " + lengthInWords(m_options.largestBody);
+            return tooLargeBody();
         case CURLE_ABORTED_BY_CALLBACK:
             return "it is no longer wanted";
         default:
             return m_curl.easyStrerror(result) + detail();
         }
     }
+
+    std::string noHttp() const
+    {
+        return "the server at " + hostOf(text(CURLINFO_EFFECTIVE_URL)) + " did not answer in HTTP";
+    }
+
+    std::string timeOut() const
+    {
+        constexpr std::chrono::milliseconds mostEarly(10); // libcurl's clocks are not so exact
+        const auto spent = std::chrono::steady_clock::now() - m_start;
+        if (m_options.timeout.count() > 0 && spent + mostEarly >= m_options.timeout)
+            return "it was not complete after "
+                + std::to_string(std::chrono::ceil<std::chrono::seconds>(m_options.timeout).count())
+                + " seconds";
+        return m_body.size() == 0 ? "the server did not answer in time" : "the server stopped sending";
+    }
+
+    std::string tooLargeBody() const { return "it is larger than " + lengthInWords(m_options.largestBody); }
 
     std::string systemReason() const
     {
@@ -229,13 +333,21 @@ private:
         return m_detail[0] == '\0' ? "" : " (" + std::string(m_detail.data()) + ')';
     }
 
+    static constexpr const char* tooLongHeaders = "its headers are too long";
+
     const CurlLibrary& m_curl = CurlLibrary::instance();
-    std::string m_address;
+    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    std::string m_address; // as the caller gave it
+    std::string m_request;
     const FetchOptions& m_options;
     const std::stop_token& m_stop;
     std::array<char, CURL_ERROR_SIZE> m_detail{};
     BodyBuffer m_body;
-    int m_percent = 0;
+    std::string m_refusal; // why a callback has ended the transfer
+    bool m_wasSecure = false; // the page before was encrypted
+    bool m_wasPublic = false; // a page on the way here was
+    bool m_inHeaders = false; // of the answer, before the body
+    std::uint64_t m_headerSize = 0;
     std::exception_ptr m_thrown;
     std::unique_ptr<CURLM, FreeMulti> m_multi;
     std::unique_ptr<CURL, FreeEasy> m_easy;
@@ -249,9 +361,14 @@ FetchOptions& FetchOptions::standard()
     return options;
 }
 
-FetchedPage fetch(std::string_view url, const FetchOptions& options, const std::stop_token& stop)
+std::string fetch(std::string_view url, const FetchOptions& options, const std::stop_token& stop)
 {
     return Transfer(url, options, stop).run();
+}
+
+std::string hostOf(std::string_view url)
+{
+    return fromQt(QUrl::fromUserInput(toQt(url).trimmed()).host());
 }
 
 } // namespace quilvane

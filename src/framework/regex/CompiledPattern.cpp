@@ -84,7 +84,7 @@ Engine& engine()
 /// PCRE2's limits bound the work at one start of a match only, and not what a repeated class does there. So
 /// that a long text can't multiply that by its length, a run tries this many starts and then looks at the
 /// clock. What counts from where a search began (\G, backtracking verbs) holds within such a stretch.
-constexpr std::size_t startsInStretch = 2048;
+constexpr std::size_t startsPerSearch = 2048;
 
 /// Far more than an honest pattern takes for a text of that size.
 Clock::duration timeFor(std::size_t textSize)
@@ -164,7 +164,7 @@ std::span<const std::size_t> CompiledPattern::run(
     std::optional<Clock::time_point> deadline;
     while (true) {
         const std::size_t end
-            = text.size() - start < startsInStretch ? text.size() : start + startsInStretch - 1;
+            = text.size() - start < startsPerSearch ? text.size() : start + startsPerSearch - 1;
         pcre2_set_offset_limit(engine().matchContext.get(), end);
         const int result = m_native->match(text, start, options);
         if (result > 0)

@@ -31,7 +31,7 @@ public:
     /// Null if the pattern is more than a text to be found.
     const LiteralText* literal() const;
 
-    /// Looks for the first match that begins at `start` or behind; `start` is at most the size of the text.
+    /// Looks for the first match that begins at `start` or after it; `start` is at most the size of the text.
     /// Gives pairs of begin and end offsets, for the whole match and for each bracket (`unset` for one that
     /// took no part), or nothing if there is no match. They hold until the pattern is run again. Throws
     /// RegExException.

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/regex/LiteralText.h"
 
+#include "text/ascii.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -17,7 +19,7 @@ constexpr std::size_t longest = 64;
 constexpr std::array<char, 256> foldedBytes = [] {
     std::array<char, 256> folded{};
     for (std::size_t i = 0; i < folded.size(); ++i)
-        folded[i] = i >= 'A' && i <= 'Z' ? char(i - 'A' + 'a') : char(i);
+        folded[i] = lowerCased(static_cast<char>(i));
     return folded;
 }();
 
@@ -26,16 +28,11 @@ char fold(char byte)
     return foldedBytes[static_cast<unsigned char>(byte)];
 }
 
-bool isLetterOrDigit(char byte)
-{
-    const char folded = fold(byte);
-    return (folded >= 'a' && folded <= 'z') || (byte >= '0' && byte <= '9');
-}
-
 /// The bytes that stand for themselves in every place of a pattern.
 bool isPlain(char byte)
 {
-    return isLetterOrDigit(byte) || std::string_view("@_%-,;:!'\"/&=~ ").find(byte) != std::string_view::npos;
+    return isLetter(byte) || isDigit(byte)
+        || std::string_view("@_%-,;:!'\"/&=~ ").find(byte) != std::string_view::npos;
 }
 
 constexpr std::uint64_t everyByte = 0x0101010101010101;
@@ -47,11 +44,11 @@ std::uint64_t zeroBytes(std::uint64_t bytes)
 }
 
 /// One folded byte, to be looked for at eight places at once.
-class EightTimes {
+class EightCopies {
 public:
-    explicit EightTimes(char folded)
+    explicit EightCopies(char folded)
         : m_wanted(everyByte * static_cast<unsigned char>(folded))
-        , m_caseBits(folded >= 'a' && folded <= 'z' ? everyByte * 0x20 : 0)
+        , m_caseBits(isLowerLetter(folded) ? everyByte * 0x20 : 0)
     {
     }
 
@@ -102,23 +99,23 @@ std::size_t LiteralText::find(std::string_view text, std::size_t start) const
 {
     if (text.size() < start + m_folded.size())
         return std::string_view::npos;
-    const EightTimes first(m_folded.front());
-    const EightTimes last(m_folded.back());
+    const EightCopies first(m_folded.front());
+    const EightCopies last(m_folded.back());
     const char* place = text.data() + start;
-    const char* const behind = text.data() + (text.size() - m_folded.size() + 1);
+    const char* const endOfStarts = text.data() + (text.size() - m_folded.size() + 1);
     const std::size_t toLast = m_folded.size() - 1;
     // Few places have both its first and its last byte; where there is none the steps are long.
     const auto candidates = [&](const char* eight) {
         return zeroBytes(first.differenceTo(eight) | last.differenceTo(eight + toLast));
     };
-    while (place != behind) {
-        while (behind - place >= 32
+    while (place != endOfStarts) {
+        while (endOfStarts - place >= 32
             && (candidates(place) | candidates(place + 8) | candidates(place + 16) | candidates(place + 24))
                 == 0)
             place += 32;
-        while (behind - place >= 8 && candidates(place) == 0)
+        while (endOfStarts - place >= 8 && candidates(place) == 0)
             place += 8;
-        const char* const next = place + std::min<std::ptrdiff_t>(8, behind - place);
+        const char* const next = place + std::min<std::ptrdiff_t>(8, endOfStarts - place);
         for (; place != next; ++place) {
             if (standsAt(place))
                 return std::size_t(place - text.data());

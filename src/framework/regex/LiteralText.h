@@ -17,7 +17,7 @@ public:
     /// search takes the product of both lengths at worst.
     static std::optional<LiteralText> of(std::string_view pattern);
 
-    /// Where the text first stands in `text` at `start` or behind it; npos if nowhere.
+    /// Where the text first stands in `text` at `start` or after it; npos if nowhere.
     std::size_t find(std::string_view text, std::size_t start) const;
 
     std::size_t size() const { return m_folded.size(); }

@@ -44,7 +44,7 @@ public:
     /// Takes a temporary over, so that Search() has a text to go on in.
     Ref<RegExMatch> Search(std::string&& text);
 
-    /// The next match behind the previous one, or nil if there is no more or no text was given. Behind an
+    /// The next match after the previous one, or nil if there is no more or no text was given. After an
     /// empty match the search goes on so that it comes to an end.
     Ref<RegExMatch> Search();
 

@@ -26,6 +26,8 @@ public:
     /// The body. The platform calls both this event and the method that starts it Run, which C++ can't.
     std::function<void()> RunEvent;
 
+    int Priority = 5; // nothing looks at it, as the body does not compete with its caller
+
     const std::string& Name() const { return m_name; }
 
     /// Returns when the body has ended. An error that the body throws ends the body alone: it is reported

@@ -18,6 +18,8 @@ public:
 
     std::function<void()> Action;
 
+    static constexpr int RunMode = 2; // again and again; there is no other
+
     bool Enabled() const;
     void setEnabled(bool enabled);
 

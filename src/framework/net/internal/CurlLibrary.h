@@ -24,7 +24,7 @@ class CurlLibrary {
         Signature* m_address;
     };
 
-    void* m_library; // ahead of what is looked up in it
+    void* m_library; // before what is looked up in it
 
 public:
     /// Throws RuntimeException if the library is not there.

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "scan/endTexts.h"
+#include "scan/endOfRunTexts.h"
 
 namespace quilvane {
 

@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quilvane {
+
+/// A PDF document and the text of its pages. One at a time in a process: the PDF library has one place for
+/// its messages.
+class PdfDocument {
+public:
+    /// The bytes must outlive the object. The password may be the owner's or the user's.
+    PdfDocument(std::string_view bytes, const std::string& password);
+    /// For more bytes than the library takes from memory.
+    PdfDocument(const std::string& path, const std::string& password);
+    ~PdfDocument();
+    PdfDocument(const PdfDocument&) = delete;
+    PdfDocument& operator=(const PdfDocument&) = delete;
+
+    static constexpr std::size_t mostBytesInMemory = 0x7FFFFFFF;
+
+    /// False for what is damaged beyond repair or no PDF document.
+    bool isOpen() const;
+    bool isLocked() const;
+    /// As the document says, but never negative.
+    int pageCount() const;
+
+    /// Of the page of that number, from 1, in the order of the page's own drawing, UTF-8, tidied so that no
+    /// address is torn; nothing if there is no such page.
+    std::optional<std::string> pageText(int number) const;
+
+    /// What the library has said since the last call, as a MessageFilter lets it through.
+    std::vector<std::string> takeMessages();
+
+private:
+    struct Parts;
+
+    std::unique_ptr<Parts> m_parts;
+};
+
+/// Lets the PDF library load what it keeps for all documents.
+void warmPdfLibrary();
+
+} // namespace quilvane

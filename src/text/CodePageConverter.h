@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace quilvane {
+
+/// The system's converter from one code page into UTF-8: the one place that opens them, and only by names of
+/// its own table, never by a document's words. One for each thread and code page, kept as long as the thread.
+class CodePageConverter {
+public:
+    /// Western Europe's for a code page that is not known.
+    static CodePageConverter& of(int codePage);
+    static void openAll();
+
+    explicit CodePageConverter(const char* name);
+    ~CodePageConverter();
+    CodePageConverter(const CodePageConverter&) = delete;
+    CodePageConverter& operator=(const CodePageConverter&) = delete;
+
+    static constexpr char32_t replacement = 0xFFFD;
+    static constexpr char32_t incomplete = 0xFFFFFFFF;
+    /// The one character that the bytes are: U+FFFD if they are none, `incomplete` if others must follow.
+    char32_t character(std::string_view bytes);
+    /// The same for the one byte 128 + `index`.
+    char32_t upperCharacter(std::size_t index) const { return m_upper[index]; }
+
+    std::string toUtf8(std::string_view bytes);
+
+private:
+    /// Where the system has no such converter it fails at each use, and every character is U+FFFD.
+    void* m_native;
+    std::array<char32_t, 128> m_upper;
+};
+
+} // namespace quilvane

@@ -1,0 +1,308 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "documents/reader/sandbox.h"
+#include "support/TempFolder.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace quilvane {
+
+namespace {
+
+/// What a process that has been taken over would try.
+struct Act {
+    std::string_view name;
+    /// Whether it did what it wanted.
+    std::function<bool()> isDone;
+    /// Whether Landlock, of version 2 and later, refuses it without help.
+    bool isGuardedByLandlock = false;
+    /// Whether it works for every user where nothing refuses it.
+    bool worksOutside = true;
+};
+
+/// What the acts are after, made before the process is closed in. Without gtest's main it would be the
+/// program.
+class Sandboxed : public testing::Test {
+protected:
+    static constexpr int noDocument = -1;
+    static constexpr Allowance plenty{ .memory = std::uint64_t(1) << 30, .seconds = 60 };
+
+    void SetUp() override
+    {
+#ifdef __SANITIZE_ADDRESS__
+        GTEST_SKIP() << "the sanitizer makes calls of its own";
+#endif
+        ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, m_pair.data()), 0);
+    }
+
+    void TearDown() override
+    {
+        for (const int number : m_pair)
+            ::close(number);
+    }
+
+    int socket() const
+    {
+        return m_pair[1];
+    }
+
+    /// Runs `body` in a child that these walls close in, or in the open. Returns its status, as waitpid gives
+    /// it.
+    int inRoom(const std::optional<Walls>& walls, int document, const Allowance& allowance,
+        const std::function<void()>& body)
+    {
+        const Sandbox sandbox(walls.value_or(Walls{}), socket(), document);
+        const pid_t self = ::getpid();
+        const pid_t child = ::fork();
+        if (child == 0) {
+            std::signal(
+                SIGXFSZ, SIG_IGN); // or the limit of a file's size would be the end of the list of acts
+            if (walls && !sandbox.closeIn(allowance, self))
+                ::_exit(EXIT_FAILURE);
+            body();
+            ::_exit(EXIT_SUCCESS);
+        }
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        return status;
+    }
+
+    /// The names of the acts that were done.
+    std::vector<std::string_view> done(const std::optional<Walls>& walls, const std::vector<Act>& acts)
+    {
+        const auto tryAll = [&] {
+            std::string results;
+            for (const Act& act : acts)
+                results += act.isDone() ? 'D' : '-';
+            ::send(socket(), results.data(), results.size(), 0);
+        };
+        EXPECT_EQ(inRoom(walls, noDocument, plenty, tryAll), 0);
+        std::string results(acts.size(), '?');
+        EXPECT_EQ(::recv(m_pair[0], results.data(), results.size(), MSG_DONTWAIT), ssize_t(acts.size()));
+        std::vector<std::string_view> names;
+        for (std::size_t i = 0; i < acts.size(); ++i)
+            if (results[i] != '-')
+                names.push_back(acts[i].name);
+        return names;
+    }
+
+    TempFolder folder;
+
+private:
+    std::array<int, 2> m_pair{ -1, -1 };
+};
+
+bool closes(int number)
+{
+    return number >= 0 && ::close(number) == 0;
+}
+
+bool connects(int number, const void* address, socklen_t size)
+{
+    const bool isConnected = ::connect(number, static_cast<const sockaddr*>(address), size) == 0;
+    ::close(number);
+    return isConnected;
+}
+
+TEST_F(Sandboxed, ADocumentsWordsDoNoHarm)
+{
+    const Walls walls = availableWalls();
+    if (!walls.seccomp)
+        GTEST_SKIP() << missingFrom(walls);
+
+    const std::string file = folder.write("list.txt", "what the user has");
+    const std::string victim = folder.write("victim.txt", "");
+    const int shared = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
+    sockaddr_un display{ .sun_family = AF_UNIX, .sun_path = {} };
+    const std::string displayPath = folder / "X0";
+    std::copy(displayPath.begin(), displayPath.end(), display.sun_path);
+    const int displayServer = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(::bind(displayServer, reinterpret_cast<const sockaddr*>(&display), sizeof display), 0);
+    sockaddr_in web{};
+    web.sin_family = AF_INET;
+    web.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const int webServer = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(::bind(webServer, reinterpret_cast<const sockaddr*>(&web), sizeof web), 0);
+    socklen_t size = sizeof web;
+    ASSERT_EQ(::getsockname(webServer, reinterpret_cast<sockaddr*>(&web), &size), 0);
+    for (const int server : { displayServer, webServer })
+        ASSERT_EQ(::listen(server, 9), 0);
+    const pid_t self = ::getpid();
+    const std::string memory = "/proc/" + std::to_string(self) + "/mem";
+    char secret = 's';
+
+    const auto memoryOf = [&](auto call) {
+        char into = 0;
+        const iovec local{ &into, 1 };
+        const iovec remote{ &secret, 1 };
+        return call(self, &local, 1ul, &remote, 1ul, 0ul) == 1;
+    };
+    const std::vector<Act> acts{
+        { "read a file", [&] { return closes(::open(file.c_str(), O_RDONLY)); }, true },
+        { "list a folder", [&] { return closes(::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY)); },
+            true },
+        { "write a file", [&] { return closes(::open(file.c_str(), O_WRONLY)); }, true },
+        { "make a file", [&] { return closes(::open((folder / "new").c_str(), O_RDWR | O_CREAT, 0600)); },
+            true },
+        { "empty a file by opening", [&] { return closes(::open(file.c_str(), O_RDONLY | O_TRUNC)); }, true },
+        { "empty a file by its name", [&] { return ::truncate(victim.c_str(), 0) == 0; } },
+        { "empty an open file", [&] { return ::ftruncate(shared, 17) == 0; } },
+        { "write into an open file", [&] { return ::pwrite(shared, "w", 1, 0) == 1; }, false, true },
+        { "write through a shared mapping",
+            [&] { return ::mmap(nullptr, 1, PROT_WRITE, MAP_SHARED, shared, 0) != MAP_FAILED; } },
+        { "share memory",
+            [&] { return ::mmap(nullptr, 1, PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0) != MAP_FAILED; } },
+        { "move a file", [&] { return ::rename(victim.c_str(), (folder / "moved").c_str()) == 0; }, true },
+        { "delete a file", [&] { return ::unlink((folder / "moved").c_str()) == 0; }, true },
+        { "make a folder", [&] { return ::mkdir((folder / "made").c_str(), 0700) == 0; }, true },
+        { "change permissions", [&] { return ::chmod(file.c_str(), 0644) == 0; } },
+        { "connect by TCP", [&] { return connects(::socket(AF_INET, SOCK_STREAM, 0), &web, sizeof web); } },
+        { "connect to the display",
+            [&] { return connects(::socket(AF_UNIX, SOCK_STREAM, 0), &display, sizeof display); } },
+        { "send a datagram",
+            [&] {
+                return ::sendto(::socket(AF_INET, SOCK_DGRAM, 0), "x", 1, 0,
+                           reinterpret_cast<const sockaddr*>(&web), sizeof web)
+                    == 1;
+            } },
+        { "fork",
+            [] {
+                const pid_t child = ::fork();
+                if (child == 0)
+                    ::_exit(0);
+                return child > 0;
+            } },
+        { "start a program", [] { return ::execl("/nowhere", "/nowhere", nullptr) < 0 && errno == ENOENT; } },
+        { "signal the parent", [&] { return ::kill(self, 0) == 0; } },
+        { "signal the parent's thread", [&] { return ::syscall(SYS_tgkill, self, self, 0) == 0; } },
+        { "watch the parent", [&] { return closes(static_cast<int>(::syscall(SYS_pidfd_open, self, 0))); } },
+        { "read the parent's memory", [&] { return memoryOf(::process_vm_readv); }, false, false },
+        { "write the parent's memory", [&] { return memoryOf(::process_vm_writev); }, false, false },
+        { "open the parent's memory", [&] { return closes(::open(memory.c_str(), O_RDWR)); }, true, false },
+        { "trace the parent", [&] { return ::ptrace(PTRACE_SEIZE, self, nullptr, nullptr) == 0; }, false,
+            false },
+        { "let itself be looked at", [] { return ::prctl(PR_SET_DUMPABLE, 1) == 0; } },
+        { "make code",
+            [] {
+                return ::mmap(nullptr, 1, PROT_READ | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
+                    != MAP_FAILED;
+            } },
+        { "make a file in memory", [] { return closes(::memfd_create("x", 0)); } },
+        { "change its number's owner", [] { return ::setsid() > 0; } },
+    };
+
+    const auto missing = [&](const std::vector<std::string_view>& names, auto isWanted) {
+        std::string result;
+        for (const Act& act : acts)
+            if (isWanted(act) && std::find(names.begin(), names.end(), act.name) == names.end())
+                result += std::string(act.name) + '\n';
+        return result;
+    };
+    const auto fresh = [&] {
+        folder.write("victim.txt", "");
+        folder.write("list.txt", "what the user has");
+        std::filesystem::remove(folder / "made");
+    };
+    EXPECT_EQ(missing(done({}, acts), [](const Act& act) { return act.worksOutside; }), "")
+        << "these don't work where nothing refuses them, so they show nothing";
+
+    // One by one, and as on the kernel of Debian 12.
+    const std::vector<std::string_view> none;
+    for (const int version : { walls.landlock, std::min(walls.landlock, 2) }) {
+        fresh();
+        EXPECT_EQ(done(Walls{ .landlock = version, .seccomp = true }, acts), none) << "Landlock " << version;
+        fresh();
+        if (version > 0) {
+            const auto byFilesOnly = done(Walls{ .landlock = version, .seccomp = false }, acts);
+            for (const Act& act : acts) {
+                const bool isDone = std::count(byFilesOnly.begin(), byFilesOnly.end(), act.name) > 0;
+                EXPECT_FALSE(act.isGuardedByLandlock && isDone) << act.name << ", Landlock " << version;
+            }
+        }
+    }
+    fresh();
+    EXPECT_EQ(done(Walls{ .landlock = 0, .seccomp = true }, acts), none);
+    EXPECT_EQ(TempFolder::contentOf(file), "what the user has");
+    for (const int number : { shared, displayServer, webServer })
+        ::close(number);
+}
+
+TEST_F(Sandboxed, TheDocumentCanBeReadWhereverItIs)
+{
+    const Walls walls = availableWalls();
+    const std::string bytes = "the document";
+    const std::string path = folder.write("document", bytes);
+    const int usual = ::open(path.c_str(), O_RDONLY);
+    const int deleted = ::open(folder.write("deleted", bytes).c_str(), O_RDONLY);
+    ASSERT_EQ(::unlink((folder / "deleted").c_str()), 0);
+    const int inMemory = ::memfd_create("document", 0);
+    ASSERT_EQ(::write(inMemory, bytes.data(), bytes.size()), ssize_t(bytes.size()));
+    for (const int document : { usual, deleted, inMemory }) {
+        const auto read = [&] {
+            const void* const mapped = ::mmap(nullptr, bytes.size(), PROT_READ, MAP_PRIVATE, document, 0);
+            if (mapped == MAP_FAILED || std::memcmp(mapped, bytes.data(), bytes.size()) != 0)
+                ::_exit(2);
+            // As the PDF library opens what is too long for its memory.
+            if (walls.landlock > 0
+                && !closes(::open(("/dev/fd/" + std::to_string(document)).c_str(), O_RDONLY)))
+                ::_exit(3);
+        };
+        EXPECT_EQ(inRoom(walls, document, plenty, read), 0) << document;
+        ::close(document);
+    }
+}
+
+TEST_F(Sandboxed, TheKernelEndsWhatCostsTooMuch)
+{
+    const auto signalOf
+        = [](int status) { return WIFSIGNALED(status) ? WTERMSIG(status) : -WEXITSTATUS(status); };
+    const Walls walls = availableWalls();
+    const auto spin = [] {
+        volatile bool isOn = true;
+        while (isOn) { }
+    };
+    EXPECT_EQ(signalOf(inRoom(walls, noDocument, { .memory = plenty.memory, .seconds = 1 }, spin)), SIGXCPU);
+    const auto spinInStep = [&] {
+        limitStep(std::chrono::milliseconds(50));
+        spin();
+    };
+    EXPECT_EQ(signalOf(inRoom(walls, noDocument, plenty, spinInStep)), SIGPROF);
+    const auto takeMemory = [] {
+        constexpr std::size_t tooMuch = std::size_t(1) << 28;
+        if (::mmap(nullptr, tooMuch, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
+            == MAP_FAILED)
+            ::_exit(3);
+    };
+    EXPECT_EQ(signalOf(inRoom(walls, noDocument, { .memory = 128 << 20, .seconds = 60 }, takeMemory)), -3);
+    EXPECT_EQ(signalOf(inRoom(walls, noDocument, plenty, [] { std::abort(); })), SIGABRT);
+}
+
+} // namespace
+
+} // namespace quilvane

@@ -1,0 +1,149 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/documents/WordFileMBS.h"
+
+#include "framework/documents/internal/ReaderProcess.h"
+#include "framework/files/BinaryStream.h"
+#include "framework/files/FileDescriptor.h"
+#include "framework/files/FolderItem.h"
+#include "support/TempFolder.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace quilvane {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+const std::string letter = QUILVANE_SAMPLES "/letter.docx";
+
+Ref<WordFileMBS> documentOf(const std::string& path, const DocumentLimits& limits = {})
+{
+    const Ref<BinaryStream> stream = BinaryStream::Open(*GetFolderItem(path));
+    return WordFileMBS::OpenData(stream->Read(stream->Length()), limits);
+}
+
+/// The message of the exception with which reading the sample ends.
+std::string failure()
+{
+    try {
+        documentOf(letter);
+        return "(no exception)";
+    } catch (const RuntimeException& error) {
+        return error.what();
+    }
+}
+
+class WordFile : public testing::Test {
+protected:
+    ~WordFile() override { useReader(m_reader); }
+
+    static void useReader(const std::string& program)
+    {
+        ReaderProcess::forget();
+        ReaderProcess::program() = program;
+    }
+
+    std::string script(const std::string& name, const std::string& text) const
+    {
+        std::string path = folder.write(name, "#!/bin/sh\n" + text);
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+        return path;
+    }
+
+    TempFolder folder;
+
+private:
+    const std::string m_reader = ReaderProcess::program();
+};
+
+TEST_F(WordFile, HasItsTextOrAReason)
+{
+    for (const char* name : { "letter.docx", "letter.doc", "letter.rtf" })
+        EXPECT_NE(documentOf(std::string(QUILVANE_SAMPLES "/") + name)->Text().find("body@example.com"),
+            std::string::npos)
+            << name;
+    EXPECT_EQ(documentOf(folder.write("a.doc", "")).whyNil(), "The document is empty.");
+    EXPECT_EQ(
+        documentOf(folder.write("a.doc", "text")).whyNil(), "The document is encrypted or no Word document.");
+    // The rest of a file, and one that is in no folder any more.
+    const std::string later = folder.write("later.docx", "five " + TempFolder::contentOf(letter));
+    const Ref<BinaryStream> stream = BinaryStream::Open(*GetFolderItem(later));
+    stream->Read(5);
+    std::filesystem::remove(later);
+    EXPECT_TRUE(WordFileMBS::OpenData(stream->Read(stream->Length())));
+}
+
+TEST_F(WordFile, OfAnySizeTakesNoMemoryOfTheProgram)
+{
+    const std::string huge = folder.write("huge.docx", "text");
+    std::filesystem::resize_file(huge, std::uint64_t(5) << 30); // takes no room on the disk
+    EXPECT_EQ(
+        documentOf(huge, { .memory = 64 << 20 }).whyNil(), "The document is encrypted or no Word document.");
+    const std::string cut = folder.write("cut.docx", TempFolder::contentOf(letter));
+    const Ref<BinaryStream> stream = BinaryStream::Open(*GetFolderItem(cut));
+    const FileBytes bytes = stream->Read(stream->Length());
+    std::filesystem::resize_file(cut, 0);
+    EXPECT_EQ(WordFileMBS::OpenData(bytes).whyNil(), "The document is empty.");
+}
+
+TEST_F(WordFile, IsNotToBlameForTheReader)
+{
+    struct Case {
+        std::string program;
+        std::string_view reason;
+    };
+    for (const auto& [program, reason] : {
+             Case{ folder / "missing", "could not be started: No such file or directory." },
+             Case{ folder.write("no program", "text"), "could not be started: Permission denied." },
+             Case{ script("ends", "exit 1\n"), "could not be started: it has ended at once." },
+             Case{
+                 script("older", "echo hello >&3\nsleep 9\n"), "belongs to another version of the program." },
+         }) {
+        useReader(program);
+        const std::string message = failure();
+        EXPECT_NE(message.find(program), std::string::npos) << message;
+        EXPECT_NE(message.find(reason), std::string::npos) << message;
+    }
+}
+
+TEST_F(WordFile, OutlivesTheReader)
+{
+    ASSERT_TRUE(documentOf(letter));
+    const auto readers = [] {
+        const std::string self = std::to_string(::getpid());
+        std::ifstream file("/proc/" + self + "/task/" + self + "/children");
+        return std::vector<pid_t>{ std::istream_iterator<pid_t>(file), {} };
+    };
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_EQ(readers().size(), 1u);
+        ::kill(readers()[0], SIGKILL);
+        EXPECT_TRUE(documentOf(letter));
+    }
+    // The child that waits for the next document.
+    const std::string reader = std::to_string(readers()[0]);
+    pid_t spare = 0;
+    std::ifstream("/proc/" + reader + "/task/" + reader + "/children") >> spare;
+    ::kill(spare, SIGKILL);
+    EXPECT_TRUE(documentOf(letter));
+    EXPECT_EQ(std::to_string(readers()[0]), reader);
+}
+
+} // namespace
+
+} // namespace quilvane

@@ -1,0 +1,153 @@
+// SPDX-FileCopyrightText: The Quilvane developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scan/DuplicateIndex.h"
+#include "scan/pictureName.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <strings.h>
+
+namespace quilvane {
+
+namespace {
+
+using Rows = std::vector<std::string>;
+
+bool equalAsTextIs(const std::string& a, const std::string& b)
+{
+    return a.size() == b.size() && ::strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+/// Names of pictures go, then every pair is compared from the bottom up and the lower of two equal rows goes.
+Rows pairwiseSurvivors(Rows rows)
+{
+    rows.erase(std::remove_if(rows.begin(), rows.end(), looksLikePictureName), rows.end());
+    for (auto i = std::ssize(rows) - 1; i >= 0; --i) {
+        for (auto j = std::ssize(rows) - 1; j > i; --j) {
+            if (equalAsTextIs(rows[static_cast<std::size_t>(i)], rows[static_cast<std::size_t>(j)]))
+                rows.erase(rows.begin() + j);
+        }
+    }
+    return rows;
+}
+
+/// Removes from `rows` what the index takes away. Gives the number of steps.
+int check(DuplicateIndex& index, Rows& rows)
+{
+    const std::size_t known = index.knownRows();
+    DuplicateIndex::Pass pass(
+        index, rows.size(), [&rows](std::size_t row) -> std::string_view { return rows[row]; });
+    int steps = 1;
+    while (pass.step())
+        ++steps;
+    EXPECT_EQ(pass.firstRow(), known);
+    EXPECT_EQ(pass.stays().size(), rows.size() - known);
+    std::size_t kept = pass.firstRow();
+    for (std::size_t row = pass.firstRow(); row < rows.size(); ++row) {
+        if (pass.stays()[row - pass.firstRow()] != 0)
+            std::swap(rows[kept++], rows[row]);
+    }
+    rows.resize(kept);
+    EXPECT_EQ(index.knownRows(), rows.size());
+    return steps;
+}
+
+} // namespace
+
+TEST(DuplicateIndex, keepsWhatThePairwiseWalkKeeps)
+{
+    std::mt19937_64 random(4711);
+    const auto below = [&random](std::size_t bound) { return random() % bound; };
+    // Bytes that differ in the case bit alone and are no letters must stay apart: @ and `, [ and {, 0xc1 and
+    // 0xe1.
+    const std::string_view alphabet = "aAzZ@`[{\xc1\xe1";
+    for (int list = 0; list < 200; ++list) {
+        DuplicateIndex index({ random(), random() });
+        Rows rows;
+        const auto longest = 1 + below(20);
+        const auto letters = 2 + below(alphabet.size() - 1);
+        for (int step = 0; step < 20; ++step) {
+            // Often a few rows on many, which are worked on in another way than many.
+            for (auto count = below(4) == 0 ? below(80) : below(6); count > 0; --count) {
+                std::string row(below(2) == 0 ? 0 : 8 * below(3), 'x');
+                for (auto length = below(longest); length > 0; --length)
+                    row += alphabet[below(letters)];
+                if (below(20) == 0)
+                    row += ".Png";
+                rows.push_back(row);
+            }
+            switch (below(12)) {
+            case 0: // rows are kept in another order
+                std::reverse(rows.begin(), rows.end());
+                index.forget();
+                break;
+            case 1: // and removed
+                rows.erase(rows.begin() + std::ssize(rows) / 2, rows.end());
+                index.forget();
+                break;
+            case 2:
+                rows.clear();
+                index.forget();
+                break;
+            case 3: { // one that something ends
+                DuplicateIndex::Pass pass(
+                    index, rows.size(), [&rows](std::size_t row) -> std::string_view { return rows[row]; });
+                pass.step();
+                break;
+            }
+            case 4: // only added to
+                continue;
+            default:
+                break;
+            }
+            const Rows expected = pairwiseSurvivors(rows);
+            check(index, rows);
+            ASSERT_EQ(rows, expected) << list << ' ' << step;
+        }
+    }
+}
+
+// Among so many rows about ten pairs of different ones have the same 32-bit hash, and one in each of the
+// later passes has that of a known row: it takes their texts to tell them apart, and to tell the rows that
+// equal one of such a pair.
+TEST(DuplicateIndex, tellsRowsOfEqualHashApart)
+{
+    const auto address = [](const char* user, int i) { return user + std::to_string(i) + "@example.org"; };
+    DuplicateIndex index({ 1, 2 });
+    Rows rows, expected;
+    const auto add = [&](int first, int end) {
+        for (int i = first; i < end; ++i) {
+            rows.push_back(address("user", i));
+            expected.push_back(rows.back());
+        }
+        for (int i = std::max(0, first - 10'000); i < end; ++i)
+            rows.push_back(address("USER", i));
+    };
+    add(0, 300'000);
+    EXPECT_GE(check(index, rows), 10) << "in blocks, as it takes some time";
+    EXPECT_TRUE(rows == expected);
+    for (int i = 300'000; i < 400'000; i += 4'000) {
+        add(i, i + 4'000);
+        check(index, rows);
+    }
+    EXPECT_TRUE(rows == expected);
+    index.forget();
+    check(index, rows);
+    EXPECT_TRUE(rows == expected);
+}
+
+TEST(DuplicateIndex, refusesMoreRowsThanItCanNumber)
+{
+    DuplicateIndex index;
+    EXPECT_THROW(DuplicateIndex::Pass(index, 5'000'000'000, nullptr), std::length_error);
+}
+
+} // namespace quilvane
