@@ -99,9 +99,9 @@ private:
             if (url.scheme() != "file" || !isHere)
                 continue;
             // Not toLocalFile(): names are bytes, and not all are UTF-8.
-            std::string path = percentDecoded(url.path(QUrl::FullyEncoded).toStdString());
+            const std::string path = percentDecoded(url.path(QUrl::FullyEncoded).toStdString());
             if (path.starts_with('/'))
-                paths.emplace_back(std::move(path));
+                paths.push_back(path);
         }
         return paths;
     }

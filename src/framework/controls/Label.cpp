@@ -162,7 +162,8 @@ void Label::fit()
     label->setWordWrap(broken);
     label->setText(
         m_isCut && !broken ? QFontMetrics(font).elidedText(text, Qt::ElideMiddle, line.width()) : text);
-    label->setAccessibleName(m_isCut ? text : QString());
+    if (const QString name = m_isCut ? text : QString(); name != label->accessibleName())
+        label->setAccessibleName(name);
     showHelpText();
 }
 

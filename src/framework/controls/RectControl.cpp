@@ -95,7 +95,9 @@ void RectControl::showHelpText()
 {
     QWidget& widget = *m_native->widget;
     widget.setToolTip(tooltip(m_helpText));
-    widget.setAccessibleDescription(toQt(m_helpText));
+    // Only a change, as a screen reader is told each time: the progress is written many times a second.
+    if (const QString description = toQt(m_helpText); description != widget.accessibleDescription())
+        widget.setAccessibleDescription(description);
 }
 
 void RectControl::setTableCaption(std::string_view)

@@ -6,8 +6,6 @@
 
 #include <string>
 
-#include <sys/types.h>
-
 namespace quilvane {
 
 /// A file that waits, until it is whole, to take the place of another or a place that is free.
@@ -19,7 +17,7 @@ class TemporaryFile {
 public:
     TemporaryFile() = default;
     /// In the folder of `target`. Not open, with errno set, if none can be made there.
-    static TemporaryFile beside(const std::string& target, mode_t mode);
+    static TemporaryFile beside(const std::string& target, unsigned mode);
     /// Without a name, in the system's folder for temporary files: it can only be copied from. Not open, with
     /// errno set, if none can be made.
     static TemporaryFile elsewhere();
