@@ -110,9 +110,11 @@ private:
     /// of it.
     void answer(QDropEvent& event)
     {
-        // Always a copy: what is moved the source may delete.
-        event.setDropAction(Qt::CopyAction);
-        event.setAccepted(!eventsMustWait() && event.possibleActions().testFlag(Qt::CopyAction));
+        // A copy where it is offered: what is moved the source may delete. Not all sources tell what they
+        // offer.
+        event.setDropAction(
+            event.possibleActions().testFlag(Qt::CopyAction) ? Qt::CopyAction : event.proposedAction());
+        event.setAccepted(!eventsMustWait());
         showThatDragIsTaken(event.isAccepted());
     }
 

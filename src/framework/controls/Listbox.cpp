@@ -103,6 +103,7 @@ private:
             endResetModel();
             if (!m_view)
                 return;
+            m_place.truncate(m_rows.size()); // a removal may have failed half-way
             m_view->restore(m_place);
             if (std::exchange(m_selectionLost, false))
                 m_view->selectionMoved();
