@@ -180,6 +180,40 @@ TEST(RegEx, GivesUpARunawayPattern)
     }
 }
 
+TEST(RegEx, OneBudgetServesAllTextsSinceThePatternWasSet)
+{
+    const auto rowsDone = [](RegEx& expression, const std::string& row, std::size_t rows) {
+        std::size_t done = 0;
+        try {
+            while (done < rows) {
+                expression.matches(row + Str(done % 10) + '!');
+                ++done;
+            }
+        } catch (const RegExException&) {
+        }
+        return done;
+    };
+    struct Case {
+        const char* pattern;
+        bool ends;
+    };
+    const std::string rows[]
+        = { "somebody.else-1234@mail.example-company.com", std::string(20, 'a') + "@b.co" };
+    for (const auto& [pattern, ends] :
+        { Case{ "^([a-z]+[.-]?)+$", false }, Case{ "(*NO_JIT)^([a-z]+[.-]?)+$", false },
+            Case{ "(?=.*.*.*[?])", false }, Case{ "^(.*)@(.*)\\.(com|org|net)$", true },
+            Case{ "^(?!.*gmail).*$", true }, Case{ "[a-z0-9._-]+@[a-z0-9.-]+\\.[a-z]{2,4}", true },
+            Case{ "\\b(\\w+)\\b.*\\b\\1\\b", true }, Case{ "(\\w+\\.)*\\w+@x", true } }) {
+        RegEx expression;
+        expression.setSearchPattern(pattern);
+        constexpr std::size_t most = 50'000;
+        const std::size_t done = rowsDone(expression, rows[0], most) + rowsDone(expression, rows[1], most);
+        EXPECT_EQ(done == 2 * most, ends) << pattern << ": " << done;
+        expression.setSearchPattern(pattern);
+        EXPECT_EQ(rowsDone(expression, "a@b.co", 1), 1u) << pattern;
+    }
+}
+
 TEST(RegEx, ManyPatternsOutliveTheStoreOfCompiledOnes)
 {
     std::vector<std::unique_ptr<RegEx>> expressions;

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <new>
 #include <optional>
 #include <utility>
@@ -21,8 +20,6 @@ namespace quilvane {
 static_assert(CompiledPattern::unset == PCRE2_UNSET);
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 struct Free {
     void operator()(pcre2_code* code) const { pcre2_code_free(code); }
@@ -50,11 +47,32 @@ std::string messageFor(int error)
     return reinterpret_cast<const char*>(text.data());
 }
 
-/// What all patterns run with. A run calls nothing of ours, so the one stack for compiled code serves every
-/// caller.
+/// The steps of one run. PCRE2's own limits count anew at each place where a match may begin, and its
+/// compiled code does not count what a repeated class does; but it calls out before each item of a pattern.
+struct StepCounter {
+    std::uint64_t most;
+    std::uint64_t steps = 0;
+    PCRE2_SIZE position = 0;
+
+    static int callout(pcre2_callout_block* block, void* data)
+    {
+        constexpr std::uint64_t bytesPerStep = 16; // that a repeated class runs over
+        StepCounter& counter = *static_cast<StepCounter*>(data);
+        const PCRE2_SIZE position = block->current_position;
+        const PCRE2_SIZE way
+            = position > counter.position ? position - counter.position : counter.position - position;
+        counter.position = position;
+        counter.steps += 1 + way / bytesPerStep;
+        return counter.steps > counter.most ? PCRE2_ERROR_CALLOUT : 0;
+    }
+};
+
+/// What all patterns run with. A run calls nothing of ours that would run another, so the one stack for
+/// compiled code serves every caller.
 struct Engine {
     Owned<pcre2_compile_context> compileContext = owned(pcre2_compile_context_create(nullptr));
     Owned<pcre2_match_context> matchContext = owned(pcre2_match_context_create(nullptr));
+    Owned<pcre2_match_context> countingContext;
     Owned<pcre2_jit_stack> jitStack;
 
     Engine()
@@ -63,15 +81,18 @@ struct Engine {
         constexpr std::size_t firstJitStack = std::size_t(1) << 15;
         constexpr std::size_t largestJitStack = std::size_t(1) << 24;
         constexpr std::uint32_t heapLimit = std::uint32_t(1) << 16; // KiB
-        constexpr std::uint32_t matchLimit = 1'000'000; // a few hundredths of a second at each start
+        constexpr std::uint32_t matchLimit = 1'000'000; // for a pattern whose steps can't be counted
+        constexpr std::uint32_t uncountedMatchLimit = 1'000;
         pcre2_set_newline(compileContext.get(), PCRE2_NEWLINE_ANYCRLF);
         pcre2_set_max_pattern_length(compileContext.get(), longestPattern);
-        pcre2_set_match_limit(matchContext.get(), matchLimit);
         pcre2_set_depth_limit(matchContext.get(), matchLimit);
         pcre2_set_heap_limit(matchContext.get(), heapLimit);
         // Null where the machine has no JIT compiler; PCRE2 then interprets.
         jitStack.reset(pcre2_jit_stack_create(firstJitStack, largestJitStack, nullptr));
         pcre2_jit_stack_assign(matchContext.get(), nullptr, jitStack.get());
+        countingContext = owned(pcre2_match_context_copy(matchContext.get()));
+        pcre2_set_match_limit(countingContext.get(), matchLimit);
+        pcre2_set_match_limit(matchContext.get(), uncountedMatchLimit);
     }
 };
 
@@ -81,30 +102,62 @@ Engine& engine()
     return theEngine;
 }
 
-/// PCRE2's limits bound the work at one start of a match only, and not what a repeated class does there. So
-/// that a long text can't multiply that by its length, a run tries this many starts and then looks at the
-/// clock. What counts from where a search began (\G, backtracking verbs) holds within such a stretch.
-constexpr std::size_t startsPerSearch = 2048;
-
-/// Far more than an honest pattern takes for a text of that size.
-Clock::duration timeFor(std::size_t textSize)
-{
-    constexpr std::size_t nanosecondsPerByte = 100;
-    return std::chrono::seconds(2) + std::chrono::nanoseconds(textSize * nanosecondsPerByte);
-}
+// Calling out makes a run several times slower. So of short texts on which a pattern takes few steps only one
+// in so many is counted, and stands for those that follow. No pattern that people use in earnest was seen to
+// take more than 12 steps for a byte.
+constexpr std::size_t runsPerCount = 32;
+constexpr std::size_t longestUncounted = 256; // bytes
+constexpr std::uint64_t stepsPerByte = 16; // that the budget grows by
+constexpr std::uint64_t manyStepsPerByte = 64;
 
 } // namespace
 
 struct CompiledPattern::Native {
     Owned<pcre2_code> code;
+    std::optional<Owned<pcre2_code>> countingCode; // made for the first count; null if too long for that
     Owned<pcre2_match_data> matchData;
     std::optional<LiteralText> literal; // if the pattern is one; it is then searched without PCRE2
     std::array<std::size_t, 2> literalMatch{};
+
+    static Owned<pcre2_code> compile(
+        const std::string& pattern, std::uint32_t furtherOptions, int& error, PCRE2_SIZE& offset)
+    {
+        // NEVER_UTF: text is bytes, and a pattern that begins with (*UTF) must not make others of them an
+        // error.
+        Owned<pcre2_code> code(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.data()), pattern.size(),
+            PCRE2_CASELESS | PCRE2_NEVER_UTF | furtherOptions, &error, &offset,
+            engine().compileContext.get()));
+        // A pattern that can't be translated for the machine is interpreted, so a failure is none.
+        if (code)
+            pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE);
+        return code;
+    }
 
     int match(std::string_view text, std::size_t start, std::uint32_t options) const
     {
         return pcre2_match(code.get(), reinterpret_cast<PCRE2_SPTR>(text.data()), text.size(), start, options,
             matchData.get(), engine().matchContext.get());
+    }
+
+    int matchCounted(const std::string& pattern, std::string_view text, std::size_t start,
+        std::uint32_t options, MatchingBudget& budget)
+    {
+        int error = 0;
+        PCRE2_SIZE offset = 0;
+        if (!countingCode)
+            countingCode = compile(pattern, PCRE2_AUTO_CALLOUT, error, offset);
+        StepCounter counter{ budget.stepsLeft, 0, start };
+        pcre2_set_callout(engine().countingContext.get(), StepCounter::callout, &counter);
+        const int result = pcre2_match((*countingCode ? *countingCode : code).get(),
+            reinterpret_cast<PCRE2_SPTR>(text.data()), text.size(), start, options, matchData.get(),
+            engine().countingContext.get());
+        std::uint64_t price = counter.steps;
+        if (text.size() <= longestUncounted && price <= manyStepsPerByte * (text.size() - start + 1)) {
+            budget.runsUncounted = runsPerCount - 1;
+            price *= runsPerCount;
+        }
+        budget.stepsLeft -= std::min(budget.stepsLeft, price);
+        return result;
     }
 };
 
@@ -129,16 +182,11 @@ CompiledPattern::CompiledPattern(std::string pattern)
     : m_pattern(std::move(pattern))
     , m_native(std::make_unique<Native>())
 {
-    // NEVER_UTF: text is bytes, and a pattern that begins with (*UTF) must not make others of them an error.
-    constexpr std::uint32_t options = PCRE2_CASELESS | PCRE2_NEVER_UTF | PCRE2_USE_OFFSET_LIMIT;
     int error = 0;
     PCRE2_SIZE offset = 0;
-    m_native->code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(m_pattern.data()), m_pattern.size(),
-        options, &error, &offset, engine().compileContext.get()));
+    m_native->code = Native::compile(m_pattern, 0, error, offset);
     if (!m_native->code)
         throw RegExSearchPatternException(m_pattern, messageFor(error), offset);
-    // A pattern that can't be translated for the machine is interpreted, so a failure is none.
-    pcre2_jit_compile(m_native->code.get(), PCRE2_JIT_COMPLETE);
     m_native->literal = LiteralText::of(m_pattern);
     m_native->matchData = owned(pcre2_match_data_create_from_pattern(m_native->code.get(), nullptr));
 }
@@ -151,7 +199,7 @@ const LiteralText* CompiledPattern::literal() const
 }
 
 std::span<const std::size_t> CompiledPattern::run(
-    std::string_view text, std::size_t start, EmptyAtStart empty) const
+    std::string_view text, MatchingBudget& budget, std::size_t start, EmptyAtStart empty) const
 {
     if (m_native->literal) {
         const std::size_t found = m_native->literal->find(text, start);
@@ -160,29 +208,23 @@ std::span<const std::size_t> CompiledPattern::run(
         m_native->literalMatch = { found, found + m_native->literal->size() };
         return m_native->literalMatch;
     }
-    std::uint32_t options = empty == EmptyAtStart::Skipped ? PCRE2_NOTEMPTY_ATSTART : 0;
-    std::optional<Clock::time_point> deadline;
-    while (true) {
-        const std::size_t end
-            = text.size() - start < startsPerSearch ? text.size() : start + startsPerSearch - 1;
-        pcre2_set_offset_limit(engine().matchContext.get(), end);
-        const int result = m_native->match(text, start, options);
-        if (result > 0)
-            return { pcre2_get_ovector_pointer(m_native->matchData.get()),
-                2 * std::size_t(pcre2_get_ovector_count(m_native->matchData.get())) };
-        if (result != PCRE2_ERROR_NOMATCH)
-            throw RegExException(m_pattern, messageFor(result));
-        if (end == text.size())
-            return {};
-
-        const Clock::time_point now = Clock::now();
-        if (!deadline)
-            deadline = now + timeFor(text.size());
-        if (now > *deadline)
-            throw RegExException(m_pattern, "it takes too long on this text");
-        start = end + 1;
-        options = 0;
+    const std::uint32_t options = empty == EmptyAtStart::Skipped ? PCRE2_NOTEMPTY_ATSTART : 0;
+    budget.stepsLeft += stepsPerByte * (text.size() - start);
+    int result = PCRE2_ERROR_MATCHLIMIT;
+    if (budget.runsUncounted > 0 && text.size() <= longestUncounted) {
+        --budget.runsUncounted;
+        result = m_native->match(text, start, options);
     }
+    if (result == PCRE2_ERROR_MATCHLIMIT)
+        result = m_native->matchCounted(m_pattern, text, start, options, budget);
+    if (result > 0)
+        return { pcre2_get_ovector_pointer(m_native->matchData.get()),
+            2 * std::size_t(pcre2_get_ovector_count(m_native->matchData.get())) };
+    if (result == PCRE2_ERROR_NOMATCH)
+        return {};
+    if (result == PCRE2_ERROR_CALLOUT)
+        throw RegExException(m_pattern, "it needs too many steps for what is searched");
+    throw RegExException(m_pattern, messageFor(result));
 }
 
 } // namespace quilvane

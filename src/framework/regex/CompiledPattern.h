@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -11,6 +12,13 @@
 namespace quilvane {
 
 class LiteralText;
+
+/// What the runs of a pattern over all texts of one pass may cost. It counts steps of matching and never
+/// time, so that the same pattern over the same list always ends alike.
+struct MatchingBudget {
+    std::uint64_t stepsLeft = 50'000'000; // about a second; each byte searched adds to it
+    std::size_t runsUncounted = 0; // so many of the next runs are paid already
+};
 
 /// A pattern ready to run; what RegEx objects of one pattern share. For one OS thread only.
 class CompiledPattern {
@@ -34,9 +42,9 @@ public:
     /// Looks for the first match that begins at `start` or after it; `start` is at most the size of the text.
     /// Gives pairs of begin and end offsets, for the whole match and for each bracket (`unset` for one that
     /// took no part), or nothing if there is no match. They hold until the pattern is run again. Throws
-    /// RegExException.
-    std::span<const std::size_t> run(
-        std::string_view text, std::size_t start = 0, EmptyAtStart empty = EmptyAtStart::Allowed) const;
+    /// RegExException, also if the budget is used up.
+    std::span<const std::size_t> run(std::string_view text, MatchingBudget& budget, std::size_t start = 0,
+        EmptyAtStart empty = EmptyAtStart::Allowed) const;
 
     static constexpr std::size_t unset = ~std::size_t(0);
 

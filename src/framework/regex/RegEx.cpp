@@ -14,6 +14,7 @@ void RegEx::setSearchPattern(std::string pattern)
 {
     m_searchPattern = std::move(pattern);
     m_compiled.reset();
+    m_budget = {};
 }
 
 Ref<RegExMatch> RegEx::Search(std::string_view text)
@@ -38,7 +39,7 @@ Ref<RegExMatch> RegEx::Search()
     // Where an empty match stood, the next one may begin but may not be empty too.
     const auto empty
         = m_lastWasEmpty ? CompiledPattern::EmptyAtStart::Skipped : CompiledPattern::EmptyAtStart::Allowed;
-    const std::span<const std::size_t> offsets = compiled().run(m_text, m_next, empty);
+    const std::span<const std::size_t> offsets = compiled().run(m_text, m_budget, m_next, empty);
     if (offsets.empty()) {
         m_next = std::string_view::npos;
         return Ref<RegExMatch>::nil("Nothing in the text matches the pattern.");
@@ -58,7 +59,7 @@ Ref<RegExMatch> RegEx::Search()
 std::string RegEx::Replace(std::string_view text)
 {
     std::string result(text);
-    const std::span<const std::size_t> offsets = compiled().run(text);
+    const std::span<const std::size_t> offsets = compiled().run(text, m_budget);
     if (!offsets.empty())
         result.replace(offsets[0], offsets[1] - offsets[0], m_replacementPattern);
     return result;
@@ -66,7 +67,7 @@ std::string RegEx::Replace(std::string_view text)
 
 bool RegEx::matches(std::string_view text)
 {
-    return !compiled().run(text).empty();
+    return !compiled().run(text, m_budget).empty();
 }
 
 const LiteralText* RegEx::literal()

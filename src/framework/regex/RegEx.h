@@ -3,6 +3,7 @@
 #pragma once
 
 #include "framework/Ref.h"
+#include "framework/regex/CompiledPattern.h"
 #include "framework/regex/RegExMatch.h"
 
 #include <cstddef>
@@ -12,7 +13,6 @@
 
 namespace quilvane {
 
-class CompiledPattern;
 class LiteralText;
 
 /// A regular expression of Perl's kind, run over bytes: case is ignored and `\b` and `\w` are told for ASCII
@@ -24,7 +24,8 @@ class LiteralText;
 /// it gives nil.
 ///
 /// Whatever runs a pattern throws RegExSearchPatternException if it is invalid, and RegExException if it
-/// needs too much time or memory on that text.
+/// needs too much memory on that text, or too many steps on all texts since the pattern was set. How many it
+/// may take grows with the texts.
 class RegEx {
 public:
     RegEx() = default;
@@ -65,6 +66,7 @@ private:
     std::string m_searchPattern;
     std::string m_replacementPattern;
     std::shared_ptr<const CompiledPattern> m_compiled; // null until the pattern is first used
+    MatchingBudget m_budget;
     std::string m_ownText;
     std::string_view m_text;
     std::size_t m_next = std::string_view::npos; // where Search() goes on in m_text; npos if nothing is left
