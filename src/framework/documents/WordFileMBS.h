@@ -9,8 +9,8 @@
 
 namespace quilvane {
 
-/// A document of a word processor, opened from its bytes: .docx and its kin, .doc of Word 2, 6 and later, RTF,
-/// HTML, pages saved as one file, and Word's two XML formats of one file, whatever the file is called.
+/// A document of a word processor, opened from its bytes: .docx and its kin, .doc of Word 2, 6 and later,
+/// RTF, HTML, pages saved as one file, and Word's two XML formats of one file, whatever the file is called.
 class WordFileMBS {
 public:
     /// Nil, with the reason, for what can't be read: bytes that are no such document, and an encrypted one.
