@@ -30,7 +30,7 @@ public:
 /// ends at a document type declaration, before any entity is declared, and at elements nested deeper than
 /// 10,000; of an element's attributes, 1,000 count.
 ///
-/// Reads XML 1.0 by itself: expat takes twice the time of this, gives up at the first damage, and keeps every
+/// Reads XML 1.0 by itself: expat takes three times as long, gives up at the first damage, and keeps every
 /// name that it has seen; libxml2 takes time that grows with the square of a tag. Looks at each byte a
 /// bounded number of times, keeps views, and opens no other file. Throws what the handler throws.
 void readXml(std::string_view xml, XmlHandler& handler);

@@ -175,6 +175,8 @@ private:
             readControl();
             break;
         case '\0': // which fills what was never written
+            m_rest.remove_prefix(std::min(m_rest.find_first_not_of('\0'), m_rest.size()));
+            break;
         case '\r':
         case '\n':
             break;
