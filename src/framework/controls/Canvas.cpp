@@ -101,7 +101,7 @@ private:
             // Not toLocalFile(): names are bytes, and not all are UTF-8.
             const std::string path = percentDecoded(url.path(QUrl::FullyEncoded).toStdString());
             if (path.starts_with('/'))
-                paths.push_back(path);
+                paths.emplace_back(path);
         }
         return paths;
     }
