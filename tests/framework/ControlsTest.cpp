@@ -157,6 +157,28 @@ TEST_F(ControlsTest, aHandlerThatThrowsEndsAlone)
     setFailureWords({});
 }
 
+TEST_F(ControlsTest, whatIsHiddenForAMomentStaysOnTheScreen)
+{
+    struct HideCounter : QObject {
+        int hides = 0;
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            hides += event->type() == QEvent::Hide;
+            return false;
+        }
+    } counter;
+    QWidget& box = *TestWindow::widget<QWidget>("box");
+    box.installEventFilter(&counter);
+    window->box.setVisible(false);
+    window->box.setVisible(true);
+    Application::DoEvents(0);
+    EXPECT_EQ(counter.hides, 0);
+    window->box.setVisible(false);
+    EXPECT_FALSE(window->box.Visible());
+    Application::DoEvents(0);
+    EXPECT_FALSE(box.isVisible());
+}
+
 TEST_F(ControlsTest, changesByCodeFireTheUsersEvents)
 {
     std::string events;

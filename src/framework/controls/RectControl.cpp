@@ -35,8 +35,15 @@ void RectControl::deleteWidget()
 void RectControl::setVisible(bool visible)
 {
     m_visible = visible;
-    if (m_native->widget)
-        m_native->widget->setVisible(visible);
+    if (!m_native->widget)
+        return;
+    // What is hidden for a moment only stays: the walk hides its progress line for each folder, and a screen
+    // reader would be told of each time.
+    if (visible)
+        m_native->widget->show();
+    else
+        QMetaObject::invokeMethod(
+            m_native->widget, [this] { m_native->widget->setVisible(m_visible); }, Qt::QueuedConnection);
 }
 
 void RectControl::setEnabled(bool enabled)
@@ -83,7 +90,9 @@ void RectControl::place(const ControlRow& row)
     }
     if (!row.caption.empty())
         setTableCaption(row.caption);
-    setVisible(row.visible);
+    m_visible = row.visible;
+    if (m_native->widget)
+        m_native->widget->setVisible(m_visible);
     setEnabled(row.enabled);
 }
 

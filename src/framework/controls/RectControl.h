@@ -52,6 +52,7 @@ public:
 
     /// What was set, not whether the control can be seen: a parked control is visible, too.
     bool Visible() const { return m_visible; }
+    /// Hiding reaches the screen when the event loop gets its turn.
     void setVisible(bool visible);
 
     bool Enabled() const { return m_enabled; }
