@@ -106,6 +106,9 @@ public:
     /// Removes the rows that look like names of pictures, and of rows that differ in case at most all but the
     /// first.
     void checkDuplicates();
+    /// Looks whether anything but checkDuplicates() has removed rows since this was called last: then all of
+    /// the list is to be looked at, and all that is staged is to come again. Frees what was known of them.
+    void noteRemovedRows();
 
     /// Puts what a failed search of folders or dropped items has staged into the list, and brings buttons and
     /// menus up to date. Returns how many rows that added. For the report of the failure.
@@ -144,9 +147,6 @@ private:
     void scanAllToList(const std::function<void(const TextScan& scan)>& giveText, Counting counting);
     /// Adds all staged addresses to the list at the end of a run, where nothing needs to stay staged.
     void moveStagedRowsToList();
-    /// Looks whether anything but checkDuplicates() has removed rows since this was called last: then all of
-    /// the list is to be looked at, and all that is staged is to come again.
-    void noteRemovedRows();
 
     /// Lists the files and folders in `folder`. `current` is the last child looked at. False if one vanished
     /// meanwhile, which ends the handler.

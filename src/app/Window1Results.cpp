@@ -125,7 +125,7 @@ void Window1::Listbox1_Change()
 void Window1::clearBtn_Action()
 {
     Listbox1.DeleteAllRows();
-    noteRemovedRows(); // what was known of the rows needs memory, too
+    noteRemovedRows();
     clearBtn.setEnabled(false);
     exportBtn.setEnabled(false);
     results.setVisible(true);

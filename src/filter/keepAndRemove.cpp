@@ -65,6 +65,7 @@ void filterWIn::keepBtn_Action()
             kept.append(rows[row]);
     });
     main.Listbox1.ReplaceRows(std::move(kept));
+    main.noteRemovedRows();
     showCount(main);
     disableButtonsOverEmptyList(main);
     main.clearFinishLine();
@@ -88,6 +89,7 @@ void filterWIn::removeBtn_Action()
     }
     // What has been removed is gone, whatever ends a later filter.
     main.Listbox1.RetainRows(0, stays);
+    main.noteRemovedRows();
     if (failure)
         std::rethrow_exception(failure);
     disableButtonsOverEmptyList(main);

@@ -220,7 +220,9 @@ void Listbox::RetainRows(std::size_t first, std::span<const unsigned char> stays
 void Listbox::ReplaceRows(RowStore&& rows)
 {
     ++m_arrangement;
-    m_model->rowsToChange(0, [](RowPlace& place) { place = {}; }) = std::move(rows);
+    RowStore& list = m_model->rowsToChange(0, [](RowPlace& place) { place = {}; });
+    list.clear();
+    list = std::move(rows);
 }
 
 void Listbox::makeWidget(Native& native)

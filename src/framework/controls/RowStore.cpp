@@ -20,6 +20,14 @@ namespace {
 /// In bytes, with what it takes to look for duplicates among them.
 constexpr std::uint64_t memoryForRow = 96;
 
+/// To be called where so many chunks have gone: the heap would keep what lies below anything still in use.
+void giveBackMemoryOf(std::size_t chunks)
+{
+    constexpr std::size_t many = 256;
+    if (chunks > many)
+        ::malloc_trim(0);
+}
+
 /// Calls take(i) for each row i that holds `literal`, of rows that stand one after the other in `text`.
 /// ends[i] - offset is the place after row i.
 template <typename Take>
@@ -104,12 +112,9 @@ void RowStore::appendMatching(
 
 void RowStore::clear()
 {
-    constexpr std::size_t many = 256;
-    const bool isLarge = m_chunks.size() > many;
+    const std::size_t chunks = m_chunks.size();
     *this = {};
-    // The heap would keep what lies below anything that is still in use.
-    if (isLarge)
-        ::malloc_trim(0);
+    giveBackMemoryOf(chunks);
 }
 
 void RowStore::truncate(std::size_t count)
@@ -130,6 +135,7 @@ void RowStore::retain(std::size_t first, std::span<const unsigned char> stays)
     // The chunks from that row's on are taken out and what stays of them is added again. What has been copied
     // goes at once: the peak is the list and one chunk, not the list twice.
     const std::size_t firstChunk = row / rowsPerChunk;
+    requireMemoryForCopyOfAny(firstChunk);
     std::vector<ChunkPointer> old(std::make_move_iterator(m_chunks.begin() + std::ptrdiff_t(firstChunk)),
         std::make_move_iterator(m_chunks.end()));
     truncate(firstChunk * rowsPerChunk);
@@ -148,6 +154,18 @@ void RowStore::retain(std::size_t first, std::span<const unsigned char> stays)
         }
         old[i].reset();
     }
+    giveBackMemoryOf(firstChunk + old.size() - m_chunks.size());
+}
+
+void RowStore::requireMemoryForCopyOfAny(std::size_t firstChunk) const
+{
+    std::size_t largest = 0;
+    for (std::size_t i = firstChunk; i < m_chunks.size(); ++i) {
+        const std::size_t rows = std::min(rowsPerChunk, m_size - i * rowsPerChunk);
+        largest = std::max<std::size_t>(largest, m_chunks[i]->ends[rows]);
+    }
+    ChunkPointer copy;
+    resize(copy, 2 * largest); // with the room that makeRoom() adds
 }
 
 void RowStore::makeRoomIfMemoryAllows(std::size_t bytes)

@@ -66,7 +66,8 @@ public:
     void truncate(std::size_t count);
 
     /// Of the rows from `first` on keeps row i where stays[i - first] is not 0, in the same order. `stays`
-    /// has size() - first elements. Rows before `first` are not touched and cost nothing.
+    /// has size() - first elements. Rows before `first` are not touched and cost nothing. Throws
+    /// std::bad_alloc before anything has changed.
     void retain(std::size_t first, std::span<const unsigned char> stays);
 
 private:
@@ -93,6 +94,8 @@ private:
     /// Makes room for one more row, or for several that fit into the last chunk, of `bytes` bytes together.
     void makeRoom(std::size_t bytes);
     void makeRoomIfMemoryAllows(std::size_t bytes);
+    /// Throws std::bad_alloc if a chunk from that one on could not be copied.
+    void requireMemoryForCopyOfAny(std::size_t firstChunk) const;
     /// Gives a chunk, or a null one, room for that many bytes of text.
     static void resize(ChunkPointer& chunk, std::size_t textSize);
     /// Adds the rows [begin, end) of a chunk that stays as it is.
