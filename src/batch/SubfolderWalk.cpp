@@ -9,6 +9,7 @@
 #include "batch/runRules.h"
 #include "framework/Application.h"
 #include "framework/dialogs/dialogs.h"
+#include "framework/files/ReadAhead.h"
 #include "framework/strings.h"
 
 #include <algorithm>
@@ -60,6 +61,17 @@ private:
     std::map<FolderItem::Identity, WalkResult> m_known;
 };
 
+namespace {
+
+/// The folder after the one in hand: the disk fetches it meanwhile.
+void fetchAfter(std::size_t i, const std::vector<std::string>& folders)
+{
+    if (i + 1 < folders.size())
+        fetchAhead(folders[i + 1]);
+}
+
+} // namespace
+
 void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
 {
     for (std::size_t i = 0; i < subFolderArrayZ.size(); ++i) {
@@ -75,6 +87,7 @@ void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
         myProgressText
             = searchingText(i + std::size_t(rules.firstNumber), subFolderArrayZ.size(), current->Name());
         nextOne = progressValue(i, subFolderArrayZ.size());
+        fetchAfter(i, subFolderArrayZ);
         current = GetFolderItem(subFolderArrayZ[i]);
         if (!rules.asksAgain || subFolderSearch.Value())
             doSubfolder(current);
@@ -103,6 +116,8 @@ Window1::WalkResult Window1::walkFolder(
     constexpr std::chrono::milliseconds longWait(100);
     if (files.empty() && std::chrono::steady_clock::now() - m_lastEvents > longWait)
         letEventsIn();
+    if (!subfolders.empty())
+        fetchAhead(subfolders.front());
     if (folder) {
         ProgressText.setVisible(true);
         readFiles(files);
@@ -112,6 +127,7 @@ Window1::WalkResult Window1::walkFolder(
     for (std::size_t i = 0; i < subfolders.size(); ++i) {
         // Both numbers are one short, on purpose.
         myProgressText = "Checking folder " + Str(i) + " of " + Str(subfolders.size() - 1) + ".";
+        fetchAfter(i, subfolders);
         const WalkResult below = walkFolder(GetFolderItem(subfolders[i]), &here, emptyFolders);
         result.anyFile |= below.anyFile;
         result.notEntered.insert(below.notEntered.begin(), below.notEntered.end());

@@ -5,10 +5,13 @@
 #include "framework/keepWindowPainted.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
+#include <filesystem>
 #include <mutex>
 #include <optional>
 #include <system_error>
@@ -29,6 +32,8 @@ using Clock = std::chrono::steady_clock;
 constexpr unsigned mostHelpers = 8;
 /// A run that waits for longer than this waits for a disk: another helper is started.
 constexpr std::chrono::milliseconds longWait(1);
+/// What takes longer was not in the disk's cache.
+constexpr std::chrono::microseconds slow(200);
 /// The time for which a run waits before the window is looked after.
 constexpr std::chrono::milliseconds slice(10);
 
@@ -45,7 +50,99 @@ std::uint64_t fetchedOf(const OpenedFile& file)
     return std::min(file.size, mostBytesOfOne);
 }
 
+/// The helper threads. They outlive the lists they work on, as a walk has a list for each folder.
+class Helpers {
+public:
+    using Work = std::function<void()>;
+
+    /// Has one more thread do some work. False if it would need a new one, and none can be started.
+    bool begin(Work work)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_waiting.push_back(std::move(work));
+        if (m_idle >= m_waiting.size()) {
+            m_workCame.notify_one();
+            return true;
+        }
+        try {
+            std::thread([this] { doWork(); }).detach();
+            return true;
+        } catch (const std::system_error&) { // no more threads for this process: fewer do, and none
+            m_waiting.pop_back();
+            return false;
+        }
+    }
+
+private:
+    void doWork()
+    {
+        constexpr std::chrono::seconds patience(5);
+        std::unique_lock lock(m_mutex);
+        while (true) {
+            ++m_idle;
+            const bool isWorkThere
+                = m_workCame.wait_for(lock, patience, [this] { return !m_waiting.empty(); });
+            --m_idle;
+            if (!isWorkThere)
+                return;
+            Work work = std::move(m_waiting.front());
+            m_waiting.pop_front();
+            lock.unlock();
+            work();
+            work = nullptr;
+            lock.lock();
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_workCame;
+    std::deque<Work> m_waiting; // that no thread has begun yet
+    std::size_t m_idle = 0; // threads without work
+};
+
+Helpers& helpers()
+{
+    static Helpers& all = *new Helpers; // stays: at the end of the process a thread may still use it
+    return all;
+}
+
+void fetch(const std::string& folder)
+{
+    constexpr std::size_t mostFetched = 64; // files
+    constexpr off_t bytesOfOne = 64 << 10;
+    const Clock::time_point start = Clock::now();
+    std::vector<std::string> files;
+    std::error_code failure;
+    for (std::filesystem::directory_iterator entry(folder, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        if (std::error_code unknown; entry->is_regular_file(unknown))
+            files.push_back(entry->path());
+        if (files.size() == mostFetched)
+            break;
+    }
+    if (Clock::now() - start < slow)
+        return; // the disk's cache holds the folder, so its files, too
+    for (const std::string& path : files) {
+        const OpenedFile file = OpenedFile::open(path);
+        if (file.descriptor.isOpen())
+            ::posix_fadvise(file.descriptor.number(), 0, bytesOfOne, POSIX_FADV_WILLNEED);
+    }
+}
+
 } // namespace
+
+void fetchAhead(const std::string& folder)
+{
+    static std::atomic<bool> isBusy = false; // for ever, if a dead disk is asked
+    if (isBusy.exchange(true))
+        return;
+    const auto work = [folder] {
+        fetch(folder);
+        isBusy = false;
+    };
+    if (!helpers().begin(work))
+        isBusy = false;
+}
 
 /// What the run and the helpers share. It goes, and closes the files that nobody has taken, with the last of
 /// them.
@@ -90,7 +187,6 @@ void ReadAhead::Queue::openFiles()
 {
     // To wake the run for every file costs more than to open one that the cache holds.
     constexpr std::size_t filesToWakeFor = 8;
-    constexpr std::chrono::microseconds slow(200);
     std::unique_lock lock(m_mutex);
     while (true) {
         if (isDone() || !hasRoom())
@@ -157,11 +253,8 @@ ReadAhead::~ReadAhead()
 
 void ReadAhead::startHelper()
 {
-    try {
-        std::thread([queue = m_queue] { queue->openFiles(); }).detach();
+    if (helpers().begin([queue = m_queue] { queue->openFiles(); }))
         ++m_helpers;
-    } catch (const std::system_error&) { // no more threads for this process: fewer helpers do, and none
-    }
 }
 
 Ref<FolderItem> ReadAhead::next()

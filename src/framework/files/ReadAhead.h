@@ -14,6 +14,10 @@
 
 namespace quilvane {
 
+/// Has the disk fetch what the listing of a folder and then the reading of its files ask for first, on a
+/// helper thread. Returns at once. While one folder is being fetched, another one is passed over.
+void fetchAhead(const std::string& folder);
+
 /// Opens the files that a run is about to read, a few dozen before their turn, on helper threads, and has the
 /// disk fetch what they begin with.
 ///
