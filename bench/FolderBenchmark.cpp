@@ -3,7 +3,8 @@
 //
 // Search Folder, pressed in the real window, over trees of small text files, against ripgrep over the same
 // tree with its output made unique: on one thread and on two where the disk's cache holds the files, and on
-// eight where it holds none of them, which takes a system manager's rights to arrange.
+// eight where it holds none of them, which takes a system manager's rights to arrange. At last a folder with
+// one large file against the same file by Search File.
 #include "app/App.h"
 #include "app/Window1.h"
 #include "app/startUp.h"
@@ -106,6 +107,60 @@ double compare(std::size_t files, std::size_t folders, DiskCache caches)
     return ours / double(files);
 }
 
+/// In MB: the most memory that this process has had in use since forgetPeak().
+double peakMemory()
+{
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    while (status >> word && word != "VmHWM:") { }
+    double kilobytes = 0;
+    status >> kilobytes;
+    return kilobytes / 1024;
+}
+
+void forgetPeak()
+{
+    std::ofstream("/proc/self/clear_refs") << 5;
+}
+
+void compareLargeFile()
+{
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "quilvane-bench-large";
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    {
+        // One text, and not a piece of it several times: most addresses are new.
+        std::ofstream file(folder / "file.txt");
+        file << makeBenchText(BenchText::Contacts, std::size_t(1) << 30);
+    }
+    AnsweringDesktop desktop(folder);
+    double searchFilePeak = 0;
+    double searchFolderPeak = 0;
+    std::array contenders{ Contender{ "Search File",
+                               [&] {
+                                   forgetPeak();
+                                   implicit<Window1>().importBtn1.Push();
+                                   searchFilePeak = peakMemory();
+                                   return implicit<Window1>().Listbox1.ListCount();
+                               } },
+        Contender{ "Search Folder", [&] {
+                      forgetPeak();
+                      implicit<Window1>().importFolderBtn.Push();
+                      searchFolderPeak = peakMemory();
+                      return implicit<Window1>().Listbox1.ListCount();
+                  } } };
+    race(contenders, 3, [] { implicit<Window1>().clearBtn_Action(); });
+    const double times = contenders[1].fastestSeconds / contenders[0].fastestSeconds;
+    const double memory = searchFolderPeak / searchFilePeak;
+    std::printf(
+        "one file of 1 GB, %zu rows: Search Folder %.2f s and %.0f MB; by Search File %.2f goal 1.2 %s "
+        "and %.2f goal 1.2 %s%s\n",
+        contenders[0].result, contenders[1].fastestSeconds, searchFolderPeak, times, verdict(times <= 1.2),
+        memory, verdict(memory <= 1.2),
+        contenders[0].result == contenders[1].result ? "" : "; DIFFERENT RESULTS");
+    std::filesystem::remove_all(folder);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -120,6 +175,7 @@ int main(int argc, char** argv)
     compare(20'000, 0, DiskCache::FullAndEmpty);
     const double many = compare(100'000, 500, DiskCache::Full);
     std::printf("time a file, 100,000 files by 2,000: %.2f\n", many / few);
+    compareLargeFile();
     application->Quit();
     return EXIT_SUCCESS;
 }

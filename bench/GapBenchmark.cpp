@@ -30,7 +30,11 @@
 #include <string_view>
 #include <vector>
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QClipboard>
+#include <QKeyEvent>
+#include <QMimeData>
 #include <QTimer>
 
 namespace {
@@ -153,6 +157,24 @@ void dropDocuments(TurnWatch& watch, const fs::path& folder)
     measure(watch, "PDF files dropped", [&] { implicit<Window1>().Canvas1.Drop(DragItem(paths)); });
 }
 
+void copyAll(TurnWatch& watch)
+{
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        auto* list = window->findChild<QAbstractItemView*>("Listbox1");
+        if (!list || std::size_t(list->model()->rowCount()) != rows)
+            continue;
+        measure(watch, "Select All", [list] { list->selectAll(); });
+        measure(watch, "Copy", [list] {
+            QKeyEvent copy(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier);
+            QApplication::sendEvent(list, &copy);
+        });
+        measure(watch, "Copy's text is asked for", [] {
+            if (QApplication::clipboard()->mimeData()->data("text/plain").size() < qsizetype(rows))
+                std::printf("NOT COPIED\n");
+        });
+    }
+}
+
 void workOnRows(TurnWatch& watch, const fs::path& folder)
 {
     std::ofstream file(folder / "file.txt");
@@ -165,6 +187,7 @@ void workOnRows(TurnWatch& watch, const fs::path& folder)
         measure(watch, "keyword search", [] { implicit<searchWin>().searchBtn.Push(); });
     }
     measure(watch, "export", [] { implicit<Window1>().exportBtn.Push(); });
+    copyAll(watch);
     implicit<filterWIn>().checkNet.setValue(true);
     measure(watch, "Remove", [] { implicit<filterWIn>().removeBtn.Push(); });
     implicit<filterWIn>().checkNet.setValue(false);
