@@ -48,7 +48,12 @@ void Window1::flushStagedRows()
 void Window1::moveStagedRowsToList()
 {
     // What was flushed before comes again; the removal of duplicates makes up for it.
-    Listbox1.TakeRows(resultArray.release());
+    noteRemovedRows();
+    DuplicateIndex ofStaged;
+    RowStore rows = resultArray.release(ofStaged);
+    if (Listbox1.ListCount() == 0) // then they are the list's first rows, and known already
+        m_knownRows = std::move(ofStaged);
+    Listbox1.TakeRows(std::move(rows));
 }
 
 std::size_t Window1::keepStagedFinds()

@@ -23,8 +23,9 @@ std::size_t StagedRows::beginFlush()
     return std::exchange(m_flushed, m_rows.size());
 }
 
-RowStore StagedRows::release()
+RowStore StagedRows::release(DuplicateIndex& index)
 {
+    index = std::exchange(m_index, DuplicateIndex());
     RowStore rows = std::exchange(m_rows, {});
     clear();
     return rows;

@@ -37,8 +37,8 @@ public:
     /// The list has lost rows, so all that is staged is to be flushed again.
     void unmark() { m_flushed = 0; }
 
-    /// Hands all rows over and is empty then.
-    RowStore release();
+    /// Hands all rows over and is empty then. An index of theirs, which may know none, goes to `index`.
+    RowStore release(DuplicateIndex& index);
     void clear();
 
 private:

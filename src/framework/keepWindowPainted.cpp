@@ -10,8 +10,6 @@ namespace {
 
 using Painter = void (*)();
 
-constexpr long paintEvery = 100; // ms
-
 constinit thread_local Painter painter = nullptr; // set on the main thread only
 constinit long lastTurn = 0;
 constinit long lastPainting = 0;
@@ -26,9 +24,9 @@ long now()
 
 } // namespace
 
-void keepWindowPainted()
+void keepWindowPainted(long milliseconds)
 {
-    if (painter && now() - lastPainting >= paintEvery)
+    if (painter && now() - lastPainting >= milliseconds)
         painter();
 }
 

@@ -53,6 +53,15 @@ public:
         return m_rows;
     }
 
+    /// What was copied stays as it is, whatever becomes of the rows from that one on.
+    void keepCopies(std::size_t firstChanged)
+    {
+        for (const QPointer<CopiedRows>& copy : m_copies) {
+            if (copy)
+                copy->keep(firstChanged);
+        }
+    }
+
     QMimeData* copySelectedRows()
     {
         m_copies.removeAll(nullptr);
@@ -111,14 +120,6 @@ private:
             beginInsertRows({}, m_toldRows, count - 1);
             m_toldRows = count;
             endInsertRows();
-        }
-    }
-
-    void keepCopies(std::size_t firstChanged)
-    {
-        for (const QPointer<CopiedRows>& copy : m_copies) {
-            if (copy)
-                copy->keep(firstChanged);
         }
     }
 
@@ -210,10 +211,12 @@ void Listbox::RetainRows(std::size_t first, std::span<const unsigned char> stays
     const auto gone = std::find(stays.begin(), stays.end(), 0);
     if (gone == stays.end())
         return;
+    const std::size_t firstChanged = first + std::size_t(gone - stays.begin());
+    m_model->keepCopies(firstChanged);
+    constexpr long soon = 10; // ms: the removal goes on without a pause, for 100 ms where rows are many
+    keepWindowPainted(soon);
     ++m_arrangement; // before, as it may fail half-way
-    m_model
-        ->rowsToChange(
-            first + std::size_t(gone - stays.begin()), [&](RowPlace& place) { place.retain(first, stays); })
+    m_model->rowsToChange(firstChanged, [&](RowPlace& place) { place.retain(first, stays); })
         .retain(first, stays);
 }
 
