@@ -54,8 +54,7 @@ int DynaPDFMBS::OpenImportFile(const FolderItem& file, int, const std::string&)
     closeDocument();
     m_fileName = displayPath(file.Name());
     std::string whyNot;
-    m_source = std::make_unique<InputFile>(
-        InputFile::open(file, InputFile::Access::Read, InputFile::NotRegular::Refused, whyNot));
+    m_source = std::make_unique<InputFile>(InputFile::open(file, InputFile::NotRegular::Refused, whyNot));
     if (!m_source->isOpen()) {
         fail(fileNotOpened, whyNot);
         return failed;

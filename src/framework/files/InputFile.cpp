@@ -29,13 +29,12 @@ constexpr std::size_t largestRead = std::size_t(1) << 20;
 
 } // namespace
 
-InputFile InputFile::open(const FolderItem& item, Access access, NotRegular notRegular, std::string& whyNot)
+InputFile InputFile::open(const FolderItem& item, NotRegular notRegular, std::string& whyNot)
 {
     keepWindowPainted();
     InputFile file;
     file.m_path = item.NativePath();
-    OpenedFile opened
-        = access == Access::Read ? item.openToRead() : OpenedFile::open(file.m_path, /*readWrite=*/true);
+    OpenedFile opened = item.openToRead();
     if (opened.isNotRegular() && notRegular == NotRegular::ReadAsEmpty) {
         opened.descriptor = FileDescriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
         opened.failure = opened.descriptor.isOpen() ? 0 : errno;

@@ -16,13 +16,12 @@ class FolderItem;
 /// An open regular file that is read from front to back; what the input streams have in common.
 class InputFile {
 public:
-    enum class Access { Read, ReadWrite };
     /// What becomes of a folder, a pipe, a socket or a device.
     enum class NotRegular { Refused, ReadAsEmpty };
 
     /// Opens `item`. If that fails, the result is not open and `whyNot` holds a sentence for the user. Never
     /// waits for the other end of a pipe or for a device.
-    static InputFile open(const FolderItem& item, Access access, NotRegular notRegular, std::string& whyNot);
+    static InputFile open(const FolderItem& item, NotRegular notRegular, std::string& whyNot);
 
     bool isOpen() const { return m_descriptor.isOpen(); }
     void close();

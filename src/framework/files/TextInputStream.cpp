@@ -22,7 +22,7 @@ constexpr std::size_t longLine = 4096 * readAhead;
 Ref<TextInputStream> TextInputStream::Open(const FolderItem& item)
 {
     std::string whyNot;
-    InputFile file = InputFile::open(item, InputFile::Access::Read, InputFile::NotRegular::Refused, whyNot);
+    InputFile file = InputFile::open(item, InputFile::NotRegular::Refused, whyNot);
     if (!file.isOpen())
         return Ref<TextInputStream>::nil(std::move(whyNot));
     return Ref<TextInputStream>::make(std::move(file));
