@@ -38,18 +38,11 @@ public:
     /// Reads up to `into.size()` bytes; 0 at the end of the file. Throws IOException.
     std::size_t read(std::span<char> into);
 
-    /// Appends up to `count` of the next bytes to `text`, up to the end of the file at most. What `text`
-    /// holds already counts for the memory that is asked for. Throws IOException, and OutOfMemoryException
-    /// before the first byte is read.
-    void appendTo(std::string& text, std::uint64_t count);
-
-    /// Throws OutOfMemoryException if the memory free is less than `copies` times what the file still holds.
-    void requireMemoryForRest(unsigned copies) const;
+    /// Throws OutOfMemoryException if the memory free is less than twice what the file still holds, as a
+    /// string that grows takes.
+    void requireMemoryForRest() const;
 
 private:
-    std::uint64_t rest() const;
-    std::string tooLarge() const;
-
     FileDescriptor m_descriptor;
     std::string m_path;
     std::uint64_t m_sizeAtOpening = 0;
