@@ -32,10 +32,7 @@ public:
     RegEx(const RegEx&) = delete;
     RegEx& operator=(const RegEx&) = delete;
 
-    const std::string& SearchPattern() const { return m_searchPattern; }
     void setSearchPattern(std::string pattern);
-
-    const std::string& ReplacementPattern() const { return m_replacementPattern; }
     void setReplacementPattern(std::string replacement) { m_replacementPattern = std::move(replacement); }
 
     /// The first match in `text`, or nil. `text` is not copied: it must live and stay as it is for as long as

@@ -39,8 +39,6 @@ public:
     /// throw on. Harmless on a thread that does not run.
     void Kill();
 
-    bool isRunning() const { return m_running; }
-
 private:
     void runBody();
 
