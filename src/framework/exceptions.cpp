@@ -77,7 +77,7 @@ ConnectionException::ConnectionException(std::string_view address, std::string_v
 }
 
 ThreadAlreadyRunningException::ThreadAlreadyRunningException()
-    : RuntimeException("The background search is still running, so it can't be started again.")
+    : RuntimeException("This is still running, so it can't be started again.")
 {
 }
 
