@@ -69,13 +69,12 @@ public:
     /// While it stays the same, each row is where it was.
     std::uint64_t Arrangement() const { return m_arrangement; }
 
-    bool HasHeading() const { return m_hasHeading; }
-    void setHasHeading(bool hasHeading) { m_hasHeading = hasHeading; }
+    /// Changes nothing: the list never has a heading.
+    void setHasHeading(bool) { }
 
-    /// Widths of the columns in pixels, separated by commas. The one column there is fills the list whatever
-    /// they say, since an address cut off at a width nobody sees would help no one.
-    const std::string& ColumnWidths() const { return m_columnWidths; }
-    void setColumnWidths(std::string widths) { m_columnWidths = std::move(widths); }
+    /// Widths of the columns in pixels, separated by commas. Changes nothing: the one column there is fills
+    /// the list, since an address cut off at a width nobody sees would help no one.
+    void setColumnWidths(std::string_view) { }
 
 private:
     class Model;
@@ -85,8 +84,6 @@ private:
 
     std::unique_ptr<Model> m_model;
     std::uint64_t m_arrangement = 0;
-    std::string m_columnWidths;
-    bool m_hasHeading = false;
 };
 
 } // namespace quilvane
