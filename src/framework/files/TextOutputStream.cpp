@@ -3,6 +3,7 @@
 #include "framework/files/TextOutputStream.h"
 
 #include "framework/EventGuard.h"
+#include "framework/exceptions.h"
 #include "framework/files/FolderItem.h"
 #include "framework/files/displayName.h"
 #include "framework/keepWindowPainted.h"
