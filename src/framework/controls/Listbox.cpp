@@ -185,12 +185,6 @@ const RowStore& Listbox::Rows() const
     return m_model->rows();
 }
 
-void Listbox::AppendMatchingRows(
-    RegEx& expression, std::size_t first, std::size_t end, std::vector<std::size_t>& found) const
-{
-    Rows().appendMatching(expression, first, end, found);
-}
-
 void Listbox::DeleteAllRows()
 {
     if (Rows().empty())

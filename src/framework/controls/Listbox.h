@@ -7,11 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 namespace quilvane {
 
-class RegEx;
 class RowStore;
 
 /// A list of one column, made for millions of rows. Rows are numbered from 0.
@@ -45,11 +43,6 @@ public:
 
     /// All rows, to be read without a check. Valid as long as the list.
     const RowStore& Rows() const;
-
-    /// Appends to `found` the numbers of those rows of [first, end) in which `expression` is found, the last
-    /// one first. Throws what RegEx::matches() throws.
-    void AppendMatchingRows(
-        RegEx& expression, std::size_t first, std::size_t end, std::vector<std::size_t>& found) const;
 
     void DeleteAllRows();
 
