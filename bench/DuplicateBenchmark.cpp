@@ -53,7 +53,7 @@ private:
     std::vector<std::string_view> m_rows;
 };
 
-std::size_t countFirstRows(const Rows& rows)
+std::size_t countDistinctRows(const Rows& rows)
 {
     DuplicateIndex index;
     DuplicateIndex::Pass pass(index, rows.size(), [&](std::size_t row) { return rows[row]; });
@@ -134,7 +134,7 @@ std::size_t countWithStandardSet(const Rows& rows)
 void compareOn(const Rows& rows, double goal)
 {
     std::array contenders{
-        Contender{ "first pass", [&] { return countFirstRows(rows); } },
+        Contender{ "first pass", [&] { return countDistinctRows(rows); } },
         Contender{ "std::unordered_set", [&] { return countWithStandardSet(rows); } },
     };
     race(contenders, rows.size() > 1'000'000 ? 3 : 7);
@@ -153,8 +153,8 @@ void compareOn(const Rows& rows, double goal)
 void compareGrowth(const Rows& half, const Rows& five)
 {
     std::array contenders{
-        Contender{ "500 k", [&] { return countFirstRows(half); } },
-        Contender{ "5 M", [&] { return countFirstRows(five); } },
+        Contender{ "500 k", [&] { return countDistinctRows(half); } },
+        Contender{ "5 M", [&] { return countDistinctRows(five); } },
     };
     race(contenders, 15);
     const double growth = contenders[1].fastestSeconds / contenders[0].fastestSeconds;

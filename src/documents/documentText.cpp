@@ -83,11 +83,11 @@ std::optional<std::string> markupText(std::string_view bytes, ReadingBudget& bud
             return text;
     bytes = bytes.substr(0, longestPage);
     if (looksLikeHtml(bytes))
-        return htmlBodyText(bytes, MailtoLinks::Append);
+        return htmlBodyText(bytes);
     const std::vector<HtmlPart> parts = htmlPartsOf(bytes);
     std::string text;
     for (const HtmlPart& part : parts)
-        text += htmlBodyText(part.html, MailtoLinks::Append, part.charset) + '\n';
+        text += htmlBodyText(part.html, part.charset) + '\n';
     return parts.empty() ? std::nullopt : std::optional(std::move(text));
 }
 

@@ -6,6 +6,7 @@
 #include "framework/dialogs/dialogs.h"
 #include "framework/exceptions.h"
 #include "framework/files/TextOutputStream.h"
+#include "framework/files/displayName.h"
 #include "framework/keepWindowPainted.h"
 #include "framework/strings.h"
 
@@ -52,7 +53,9 @@ void exportList(const Listbox& list, ExportFormat format, OnCancel onCancel)
     const Ref<TextOutputStream> stream = file->CreateTextFile();
     writeRows(*stream, list.Rows(), format);
     stream->Close();
-    Launch(*file);
+    if (!Launch(*file))
+        throw IOException("The file \"" + displayPath(file->NativePath())
+            + "\" is written, but no application was found to open it.");
 }
 
 } // namespace quilvane

@@ -2,13 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "framework/exceptions.h"
-
 #include <memory>
 #include <string>
 #include <utility>
 
 namespace quilvane {
+
+/// Throws a NilObjectException with that note.
+[[noreturn]] void throwNilObject(const std::string& why);
 
 /// A shared reference that may be nil. Following a nil one throws NilObjectException instead of crashing.
 ///
@@ -46,7 +47,7 @@ public:
     T& operator*() const
     {
         if (!m_object)
-            throw NilObjectException(m_whyNil);
+            throwNilObject(m_whyNil);
         return *m_object;
     }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/exceptions.h"
 
+#include "framework/Ref.h"
 #include "framework/files/displayName.h"
 
 #include <system_error>
@@ -32,6 +33,11 @@ std::string because(int errorNumber)
 NilObjectException::NilObjectException(const std::string& why)
     : RuntimeException(why.empty() ? "Something that is needed here does not exist." : why)
 {
+}
+
+void throwNilObject(const std::string& why)
+{
+    throw NilObjectException(why);
 }
 
 OutOfBoundsException::OutOfBoundsException(std::string_view what, std::size_t index, std::size_t count)
@@ -77,7 +83,7 @@ ConnectionException::ConnectionException(std::string_view address, std::string_v
 }
 
 ThreadAlreadyRunningException::ThreadAlreadyRunningException()
-    : RuntimeException("The background search is still running, so it can't be started again.")
+    : RuntimeException("This is still running, so it can't be started again.")
 {
 }
 

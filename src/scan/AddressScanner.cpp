@@ -224,13 +224,13 @@ QUILVANE_AVX2 inline const char* skipBlocksWithoutAt(const char* bytes, const ch
 QUILVANE_AVX2 inline const char* domainEndInWindow(const char* domain, __m256i classes, std::uint32_t stops)
 {
     const std::uint32_t inDomain = (stops & (0U - stops)) - 1;
-    const std::uint32_t behindFirst = ~1U;
+    const std::uint32_t afterFirst = ~1U;
     const std::uint32_t noLetters = noneOf(classes, HalfClass::letter);
-    std::uint32_t dots = equalTo(load(domain), '.') & inDomain & behindFirst;
+    std::uint32_t dots = equalTo(load(domain), '.') & inDomain & afterFirst;
     while (dots != 0) {
         const int dot = 31 - std::countl_zero(dots);
-        const std::uint32_t behindDot = ~(0xffffffffU >> (31 - dot));
-        const int labelEnd = std::countr_zero(noLetters & behindDot);
+        const std::uint32_t afterDot = ~(0xffffffffU >> (31 - dot));
+        const int labelEnd = std::countr_zero(noLetters & afterDot);
         if (labelEnd - dot > 2 && !isOf(domain[labelEnd], ByteClass::word))
             return domain + labelEnd;
         dots ^= 1U << dot;

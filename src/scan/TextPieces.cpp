@@ -10,7 +10,7 @@ namespace quilvane {
 
 namespace {
 
-bool isSafeCutBehind(char byte)
+bool mayCutAfter(char byte)
 {
     return byte != '@' && !isOf(byte, ByteClass::localPart);
 }
@@ -45,7 +45,7 @@ std::string_view TextPieces::take(std::size_t bytesRead)
     const std::size_t newBegin = m_restEnd;
     m_restEnd += bytesRead;
     std::size_t cut = m_restEnd;
-    while (cut != newBegin && !isSafeCutBehind(m_buffer[cut - 1]))
+    while (cut != newBegin && !mayCutAfter(m_buffer[cut - 1]))
         --cut;
     if (cut == newBegin)
         return {};

@@ -39,8 +39,7 @@ TEST(ReaderMessages, RefuseWhatIsCutOrTooMuch)
                         .documentSeconds = 2,
                         .stepMilliseconds = 3,
                         .offset = 4,
-                        .length = UINT64_MAX,
-                        .password = "p" },
+                        .length = UINT64_MAX },
         decodeOrder);
     expectWholeOnly(PdfOpening{ .pageCount = 70'000, .reason = "r" }, decodeOpening);
     expectWholeOnly(PdfEnd{ { "", "one" } }, decodeEnd);
@@ -54,7 +53,6 @@ TEST(ReaderMessages, RefuseWhatIsCutOrTooMuch)
     EXPECT_FALSE(decodePage(encode(PdfPage{ false, std::string(longestPdfMessage + 1, 'x') })));
     EXPECT_FALSE(decodeOpening(encode(PdfOpening{ .pageCount = mostPdfPages + 1 })));
     EXPECT_FALSE(decodeEnd(encode(PdfEnd{ std::vector<std::string>(mostPdfMessages + 1) })));
-    EXPECT_FALSE(decodeOrder(encode(ReaderOrder{ .password = std::string(longestPassword + 1, 'x') })));
 }
 
 /// Gives up soon.

@@ -252,7 +252,7 @@ TEST_F(Files, ReadsLinesOfAllKinds)
         EXPECT_EQ(stream->ReadLine(), line);
 }
 
-TEST_F(Files, ReadsTheRestBehindALine)
+TEST_F(Files, ReadsTheRestAfterALine)
 {
     const std::string rest = std::string(100'000, 'x') + std::string("\xEF\xBB\xBF\0\r", 5);
     folder.write("file", "line\n" + rest);
@@ -409,7 +409,7 @@ TEST_F(Files, ANewFileIsEmptyAndHasTheUsersMode)
     EXPECT_EQ(folder.count(), 1);
 }
 
-TEST_F(Files, WritesBehindALinkAndLeavesTheLink)
+TEST_F(Files, WritesWhereALinkLeadsAndLeavesTheLink)
 {
     folder.write("sub/target", "old");
     std::filesystem::create_symlink("sub/target", folder / "middle");

@@ -3,6 +3,7 @@
 #include "framework/documents/WordFileMBS.h"
 
 #include "framework/documents/internal/ReaderProcess.h"
+#include "framework/exceptions.h"
 #include "framework/files/BinaryStream.h"
 #include "framework/files/FileDescriptor.h"
 #include "framework/files/FolderItem.h"

@@ -88,7 +88,7 @@ TEST_F(ExportTest, failingWriteLeavesTheGoodFile)
     EXPECT_EQ(folder.count(), 1) << "nothing half-written is left";
 }
 
-TEST_F(ExportTest, missingDefaultApplicationIsReportedBehindTheWriting)
+TEST_F(ExportTest, missingDefaultApplicationIsReportedAfterTheWriting)
 {
     addRows({ "a@b.co" });
     desktop.launchSucceeds = false;

@@ -20,10 +20,6 @@ TEST_F(StartUpTest, firstSightOfTheWindow)
     EXPECT_FALSE(w.results.Visible());
     EXPECT_TRUE(w.subFolderSearch.Value());
     EXPECT_TRUE(w.Timer1.Enabled());
-
-    w.setSize(900, 900);
-    settle();
-    EXPECT_EQ(w.exportBtn.Left(), 367);
 }
 
 TEST_F(StartUpTest, runsFromStartToQuit)

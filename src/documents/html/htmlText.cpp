@@ -195,8 +195,7 @@ bool looksLikeHtml(std::string_view bytes)
     return false;
 }
 
-std::string htmlBodyText(
-    std::string_view html, MailtoLinks links, const std::string& charset, const std::stop_token& stop)
+std::string htmlBodyText(std::string_view html, const std::string& charset)
 {
     const std::string page = utf8Page(html, charset);
     HtmlTokenizer tokens(page);
@@ -207,10 +206,8 @@ std::string htmlBodyText(
             body.addText(withPlainCharacters(withoutReferences(token.text)));
         else
             body.addTag(token);
-        if (links == MailtoLinks::Append && !token.href.empty())
+        if (!token.href.empty())
             targets.push_back({ mailTarget(withoutReferences(token.href)), body.placeInWord() });
-        if (stop.stop_requested())
-            break;
     }
     std::string text = body.take();
     std::string lines;

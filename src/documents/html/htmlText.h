@@ -2,29 +2,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <stop_token>
 #include <string>
 #include <string_view>
 
 namespace quilvane {
 
-enum class MailtoLinks {
-    Omit,
-    /// The addresses that mailto: links lead to follow the text, a line each, but for those that are only the
-    /// tail of one in the text.
-    Append,
-};
-
 /// The text of a page's body as a reader sees it, UTF-8: scripts and styles are left out, white space is
 /// joined, and what stands in blocks of its own stands on lines of its own. Style sheets are not looked at,
-/// and no script is run; characters are in their plain
-/// forms (see plainForm()). Takes any bytes, loads nothing, and looks at each byte a bounded number of times.
+/// and no script is run; characters are in their plain forms (see plainForm()). The addresses that mailto:
+/// links lead to follow, a line each, but for those that are only the tail of one in the text. Takes any
+/// bytes, loads nothing, and looks at each byte a bounded number of times.
 ///
 /// The character set is that of a byte order mark, else `charset`, else what the page's head names, else
-/// UTF-8 if the page is valid in it, else windows-1252. A request to `stop` cuts the text short. On any
-/// thread.
-std::string htmlBodyText(std::string_view html, MailtoLinks links = MailtoLinks::Omit,
-    const std::string& charset = {}, const std::stop_token& stop = {});
+/// UTF-8 if the page is valid in it, else windows-1252.
+std::string htmlBodyText(std::string_view html, const std::string& charset = {});
 
 /// Whether a file is a web page, by the tags that it begins with, after comments.
 bool looksLikeHtml(std::string_view bytes);

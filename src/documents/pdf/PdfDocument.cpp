@@ -6,6 +6,7 @@
 #include "documents/pdf/pageText.h"
 
 #include <algorithm>
+#include <limits>
 
 #include <poppler-document.h>
 #include <poppler-global.h>
@@ -53,19 +54,14 @@ struct PdfDocument::Parts {
     std::unique_ptr<poppler::document> document;
 };
 
-PdfDocument::PdfDocument(std::string_view bytes, const std::string& password)
+PdfDocument::PdfDocument(std::string_view bytes, const std::string& path)
     : m_parts(std::make_unique<Parts>())
 {
+    using poppler::document;
     poppler::set_debug_error_function(hear, &m_parts->messages);
-    m_parts->document.reset(poppler::document::load_from_raw_data(
-        bytes.data(), static_cast<int>(bytes.size()), password, password));
-}
-
-PdfDocument::PdfDocument(const std::string& path, const std::string& password)
-    : m_parts(std::make_unique<Parts>())
-{
-    poppler::set_debug_error_function(hear, &m_parts->messages);
-    m_parts->document.reset(poppler::document::load_from_file(path, password, password));
+    m_parts->document.reset(bytes.size() <= std::numeric_limits<int>::max()
+            ? document::load_from_raw_data(bytes.data(), static_cast<int>(bytes.size()))
+            : document::load_from_file(path));
 }
 
 PdfDocument::~PdfDocument() = default;

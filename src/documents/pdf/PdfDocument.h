@@ -14,18 +14,16 @@ namespace quilvane {
 /// its messages.
 class PdfDocument {
 public:
-    /// The bytes must outlive the object. The password may be the owner's or the user's.
-    PdfDocument(std::string_view bytes, const std::string& password);
-    /// For more bytes than the library takes from memory.
-    PdfDocument(const std::string& path, const std::string& password);
+    /// The bytes must outlive the object. Where they are more than the library takes from memory, it reads
+    /// them from the file at `path`.
+    PdfDocument(std::string_view bytes, const std::string& path);
     ~PdfDocument();
     PdfDocument(const PdfDocument&) = delete;
     PdfDocument& operator=(const PdfDocument&) = delete;
 
-    static constexpr std::size_t mostBytesInMemory = 0x7FFFFFFF;
-
     /// False for what is damaged beyond repair or no PDF document.
     bool isOpen() const;
+    /// Whether it asks for a password before it is read.
     bool isLocked() const;
     /// As the document says, but never negative.
     int pageCount() const;

@@ -71,13 +71,6 @@ bool tellWord(std::string_view bytes)
     return tell(verdict(WordVerdict::Text)) && tell(std::string_view(*text).substr(0, longestDocumentText));
 }
 
-PdfDocument openPdf(std::string_view bytes, const std::string& password)
-{
-    if (bytes.size() <= PdfDocument::mostBytesInMemory)
-        return PdfDocument(bytes, password);
-    return PdfDocument("/dev/fd/" + std::to_string(readerDocument), password);
-}
-
 std::string lastOf(const std::vector<std::string>& messages)
 {
     return messages.empty() ? std::string() : messages.back();
@@ -118,7 +111,7 @@ bool tellPages(PdfDocument& document, std::uint32_t count, const ReaderOrder& or
 bool tellPdf(std::string_view bytes, const ReaderOrder& order)
 {
     limitStep(std::chrono::milliseconds(order.stepMilliseconds));
-    PdfDocument document = openPdf(bytes, order.password);
+    PdfDocument document(bytes, "/dev/fd/" + std::to_string(readerDocument));
     if (!document.isOpen() || document.isLocked()) {
         const auto outcome = document.isOpen() ? PdfOpening::Outcome::Locked : PdfOpening::Outcome::Damaged;
         return tell(encode(PdfOpening{ .outcome = outcome, .reason = lastOf(document.takeMessages()) }));

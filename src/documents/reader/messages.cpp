@@ -135,7 +135,6 @@ std::string encode(const ReaderOrder& order)
     writer.add(order.stepMilliseconds);
     writer.add(order.offset);
     writer.add(order.length);
-    writer.add(std::string_view(order.password));
     return writer.take();
 }
 
@@ -152,7 +151,6 @@ std::optional<ReaderOrder> decodeOrder(std::string_view bytes)
     order.stepMilliseconds = reader.word();
     order.offset = reader.longWord();
     order.length = reader.longWord();
-    order.password = reader.text(longestPassword);
     return whole(reader, order);
 }
 

@@ -31,8 +31,7 @@ inline constexpr int readerDocument = 4;
 /// The exit status of a child when the memory that it may have is used up.
 inline constexpr int readerOutOfMemory = 3;
 
-inline constexpr std::size_t longestPassword = 1024;
-inline constexpr std::size_t largestControlMessage = longestPassword + 256;
+inline constexpr std::size_t largestControlMessage = 1024;
 /// Of one document, all pages together.
 inline constexpr std::size_t longestDocumentText = std::size_t(128) << 20;
 /// A document that says it has more has these.
@@ -74,7 +73,6 @@ struct ReaderOrder {
     /// The part of the file that is the document.
     std::uint64_t offset = 0;
     std::uint64_t length = 0;
-    std::string password = {};
 
     bool operator==(const ReaderOrder&) const = default;
 };

@@ -40,10 +40,10 @@ public:
     RowStore& rowsToChange(std::size_t firstChanged, Move move)
     {
         keepCopies(firstChanged);
-        if (firstChanged < std::size_t(m_toldRows)) {
-            if (!m_toldRowsChanged)
+        if (firstChanged < std::size_t(m_viewRows)) {
+            if (!m_viewRowsChanged)
                 m_place = m_view ? m_view->place() : RowPlace();
-            m_toldRowsChanged = true;
+            m_viewRowsChanged = true;
             const std::size_t selectedBefore = m_place.selectedCount();
             move(m_place);
             if (m_place.selectedCount() != selectedBefore)
@@ -66,7 +66,7 @@ public:
     {
         m_copies.removeAll(nullptr);
         m_copies.append(
-            new CopiedRows(m_rows, m_toldRowsChanged ? m_place.selected : m_view->place().selected));
+            new CopiedRows(m_rows, m_viewRowsChanged ? m_place.selected : m_view->place().selected));
         return m_copies.back();
     }
 
@@ -76,7 +76,7 @@ public:
         view.setModel(this);
     }
 
-    int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : m_toldRows; }
+    int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : m_viewRows; }
 
     QVariant data(const QModelIndex& index, int role) const override
     {
@@ -105,10 +105,10 @@ private:
     {
         m_tellingPending = false;
         const int count = int(std::min<std::size_t>(m_rows.size(), std::numeric_limits<int>::max()));
-        if (m_toldRowsChanged) {
-            m_toldRowsChanged = false;
+        if (m_viewRowsChanged) {
+            m_viewRowsChanged = false;
             beginResetModel();
-            m_toldRows = count;
+            m_viewRows = count;
             endResetModel();
             if (!m_view)
                 return;
@@ -116,9 +116,9 @@ private:
             m_view->restore(m_place);
             if (std::exchange(m_selectionLost, false))
                 m_view->selectionMoved();
-        } else if (count > m_toldRows) {
-            beginInsertRows({}, m_toldRows, count - 1);
-            m_toldRows = count;
+        } else if (count > m_viewRows) {
+            beginInsertRows({}, m_viewRows, count - 1);
+            m_viewRows = count;
             endInsertRows();
         }
     }
@@ -126,10 +126,10 @@ private:
     RowStore m_rows;
     RowView* m_view = nullptr; // goes before the model
     QList<QPointer<CopiedRows>> m_copies; // some may be gone
-    RowPlace m_place; // of what the view was told, as moved since; while m_toldRowsChanged
+    RowPlace m_place; // of what the view was told, as moved since; while m_viewRowsChanged
     bool m_selectionLost = false;
-    int m_toldRows = 0;
-    bool m_toldRowsChanged = false;
+    int m_viewRows = 0;
+    bool m_viewRowsChanged = false;
     bool m_tellingPending = false;
 };
 
@@ -184,12 +184,6 @@ std::string_view Listbox::Row(std::size_t row) const
 const RowStore& Listbox::Rows() const
 {
     return m_model->rows();
-}
-
-void Listbox::AppendMatchingRows(
-    RegEx& expression, std::size_t first, std::size_t end, std::vector<std::size_t>& found) const
-{
-    Rows().appendMatching(expression, first, end, found);
 }
 
 void Listbox::DeleteAllRows()

@@ -7,11 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 namespace quilvane {
 
-class RegEx;
 class RowStore;
 
 /// A list of one column, made for millions of rows. Rows are numbered from 0.
@@ -46,11 +44,6 @@ public:
     /// All rows, to be read without a check. Valid as long as the list.
     const RowStore& Rows() const;
 
-    /// Appends to `found` the numbers of those rows of [first, end) in which `expression` is found, the last
-    /// one first. Throws what RegEx::matches() throws.
-    void AppendMatchingRows(
-        RegEx& expression, std::size_t first, std::size_t end, std::vector<std::size_t>& found) const;
-
     void DeleteAllRows();
 
     /// Takes back rows that have just been added: removes all but the first `count`.
@@ -69,13 +62,12 @@ public:
     /// While it stays the same, each row is where it was.
     std::uint64_t Arrangement() const { return m_arrangement; }
 
-    bool HasHeading() const { return m_hasHeading; }
-    void setHasHeading(bool hasHeading) { m_hasHeading = hasHeading; }
+    /// Changes nothing: the list never has a heading.
+    void setHasHeading(bool) { }
 
-    /// Widths of the columns in pixels, separated by commas. The one column there is fills the list whatever
-    /// they say, since an address cut off at a width nobody sees would help no one.
-    const std::string& ColumnWidths() const { return m_columnWidths; }
-    void setColumnWidths(std::string widths) { m_columnWidths = std::move(widths); }
+    /// Widths of the columns in pixels, separated by commas. Changes nothing: the one column there is fills
+    /// the list, since an address cut off at a width nobody sees would help no one.
+    void setColumnWidths(std::string_view) { }
 
 private:
     class Model;
@@ -85,8 +77,6 @@ private:
 
     std::unique_ptr<Model> m_model;
     std::uint64_t m_arrangement = 0;
-    std::string m_columnWidths;
-    bool m_hasHeading = false;
 };
 
 } // namespace quilvane

@@ -16,7 +16,6 @@ public:
     /// The value has been changed. Not fired when a new maximum pushes it down.
     std::function<void()> ValueChanged;
 
-    std::int64_t Maximum() const { return m_maximum; }
     /// May be -1, for a document without pages: the value then stays at 0.
     void setMaximum(std::int64_t maximum);
 

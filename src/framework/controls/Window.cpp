@@ -149,21 +149,6 @@ std::string Window::Title() const
     return fromQt(m_native->frame->windowTitle());
 }
 
-int Window::Width() const
-{
-    return qRound(m_native->content->width() / m_native->unit);
-}
-
-int Window::Height() const
-{
-    return qRound(m_native->content->height() / m_native->unit);
-}
-
-void Window::setSize(int width, int height)
-{
-    m_native->frame->resize(m_native->scaled(width), m_native->scaled(height) + m_native->menuBarHeight());
-}
-
 void Window::savePicture(const std::string& path) const
 {
     if (!m_native->frame->grab().save(toQt(path), "PNG"))

@@ -48,10 +48,6 @@ public:
     void Close();
 
     std::string Title() const;
-    /// Of the content, in pixels of the control table.
-    int Width() const;
-    int Height() const;
-    void setSize(int width, int height);
 
     /// Writes what the window shows, its menu bar included, to a PNG file.
     void savePicture(const std::string& path) const;

@@ -3,8 +3,6 @@
 #include "framework/dialogs/dialogs.h"
 
 #include "framework/EventGuard.h"
-#include "framework/exceptions.h"
-#include "framework/files/displayName.h"
 
 namespace quilvane {
 
@@ -43,11 +41,9 @@ Ref<FolderItem> SelectFolder(std::string_view title)
     return itemFor(Desktop::current().chooseFolder(title));
 }
 
-void Launch(const FolderItem& item)
+bool Launch(const FolderItem& item)
 {
-    if (!Desktop::current().openWithDefaultApplication(item.NativePath()))
-        throw IOException("The file \"" + displayPath(item.NativePath())
-            + "\" is written, but no application was found to open it.");
+    return Desktop::current().openWithDefaultApplication(item.NativePath());
 }
 
 } // namespace quilvane

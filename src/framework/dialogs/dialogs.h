@@ -20,7 +20,7 @@ Ref<FolderItem> GetSaveFolderItem(
     std::string_view filter, std::string_view defaultName, std::string_view title);
 Ref<FolderItem> SelectFolder(std::string_view title);
 
-/// Opens `item` in its default application. Throws IOException if nothing takes it.
-void Launch(const FolderItem& item);
+/// Opens `item` in its default application. False if nothing takes it.
+bool Launch(const FolderItem& item);
 
 } // namespace quilvane

@@ -38,13 +38,10 @@ DynaPDFMBS::DynaPDFMBS(const DocumentLimits& limits)
 
 DynaPDFMBS::~DynaPDFMBS() = default;
 
-bool DynaPDFMBS::CreateNewPDF(const Ref<FolderItem>& outPDF)
+bool DynaPDFMBS::CreateNewPDF(const Ref<FolderItem>&)
 {
     closeDocument();
-    if (!outPDF)
-        return true;
-    fail(notSupported, "A PDF document can be made in memory only.");
-    return false;
+    return true;
 }
 
 bool DynaPDFMBS::SetImportFlags(std::int64_t)
@@ -52,14 +49,12 @@ bool DynaPDFMBS::SetImportFlags(std::int64_t)
     return true;
 }
 
-int DynaPDFMBS::OpenImportFile(const FolderItem& file, int, const std::string& password)
+int DynaPDFMBS::OpenImportFile(const FolderItem& file, int, const std::string&)
 {
     closeDocument();
     m_fileName = displayPath(file.Name());
-    m_password = password.substr(0, longestPassword);
     std::string whyNot;
-    m_source = std::make_unique<InputFile>(
-        InputFile::open(file, InputFile::Access::Read, InputFile::NotRegular::Refused, whyNot));
+    m_source = std::make_unique<InputFile>(InputFile::open(file, InputFile::NotRegular::Refused, whyNot));
     if (!m_source->isOpen()) {
         fail(fileNotOpened, whyNot);
         return failed;
@@ -76,8 +71,7 @@ int DynaPDFMBS::OpenImportFile(const FolderItem& file, int, const std::string& p
 bool DynaPDFMBS::openSource()
 {
     m_child = std::make_unique<DocumentChild>(
-        ReaderOrder{ .kind = DocumentKind::Pdf, .length = UINT64_MAX, .password = m_password },
-        m_source->descriptor(), m_limits);
+        ReaderOrder{ .kind = DocumentKind::Pdf, .length = UINT64_MAX }, m_source->descriptor(), m_limits);
     std::string frame;
     std::string whyNot;
     std::optional<PdfOpening> opening;
@@ -100,12 +94,8 @@ bool DynaPDFMBS::openSource()
     return false;
 }
 
-int DynaPDFMBS::ImportPDFFile(int destPage, double, double)
+int DynaPDFMBS::ImportPDFFile(int, double, double)
 {
-    if (destPage != 1) {
-        fail(notSupported, "Pages can be imported from page 1 on only.");
-        return failed;
-    }
     if (!m_child)
         return failed;
     bool isTaken = false;
@@ -215,14 +205,10 @@ void DynaPDFMBS::leaveOutLastPages(std::size_t pagesTried)
             + " can't be read either.");
 }
 
-std::string DynaPDFMBS::ExtractPageText(bool removeText)
+std::string DynaPDFMBS::ExtractPageText(bool)
 {
     if (m_openPage == 0)
         return {};
-    if (removeText) {
-        fail(notSupported, "The text of a page can't be removed.");
-        return {};
-    }
     const Page& page = m_pages[static_cast<std::size_t>(m_openPage) - 1];
     return page.isReadable ? page.text : std::string();
 }

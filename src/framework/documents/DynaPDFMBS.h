@@ -41,8 +41,7 @@ public:
         documentLocked = 4,
         noSuchPage = 5,
         engineLost = 6,
-        notSupported = 7,
-        pagesLeftOut = 8,
+        pagesLeftOut = 7,
     };
 
     explicit DynaPDFMBS(const DocumentLimits& limits = {});
@@ -50,20 +49,20 @@ public:
     DynaPDFMBS(const DynaPDFMBS&) = delete;
     DynaPDFMBS& operator=(const DynaPDFMBS&) = delete;
 
-    /// An empty document in memory. With an output file, which the engine has no use for, it fails.
+    /// An empty document in memory. Always true: there is no output file.
     bool CreateNewPDF(const Ref<FolderItem>& outPDF = {});
 
     /// Always true: no flag of the import has to do with the text.
     bool SetImportFlags(std::int64_t flags);
 
-    /// 0 if the file can be read, and -1 if not; a damaged one is repaired as far as it goes. The password
-    /// may be the owner's or the user's, whatever its type says. Throws RuntimeException, which names the
+    /// 0 if the file can be read, and -1 if not; a damaged one is repaired as far as it goes. A password is
+    /// not looked at: a document that asks for one can't be read. Throws RuntimeException, which names the
     /// reader, if documents can't be read at all.
     int OpenImportFile(const FolderItem& file, int pwdType = 0, const std::string& password = {});
 
     /// Takes all pages of the open file over into the new document, and returns how many they are; -1 if that
-    /// fails. The new document is empty, so they begin at its page 1: any other one fails. The scale
-    /// has nothing to do with the text.
+    /// fails. The new document is empty, so they begin at its page 1, whatever `destPage` says. The scale has
+    /// nothing to do with the text.
     int ImportPDFFile(int destPage, double scaleX = 1.0, double scaleY = 1.0);
 
     /// Of the new document; 0 before the import. May go down while the pages are gone through.
@@ -73,7 +72,7 @@ public:
     bool EditPage(int pageNum);
 
     /// The text of the open page in the order of the page's own drawing, UTF-8, so that no address is torn;
-    /// empty if none is open or if it fails, as it does with `removeText`.
+    /// empty if none is open. `removeText` changes nothing: no page is ever written.
     std::string ExtractPageText(bool removeText = false);
 
     /// False if no page is open.
@@ -106,7 +105,6 @@ private:
 
     const DocumentLimits m_limits;
     std::string m_fileName; // as it is shown
-    std::string m_password;
     std::unique_ptr<InputFile> m_source;
     std::unique_ptr<DocumentChild> m_child; // from OpenImportFile to ImportPDFFile
     std::size_t m_sourcePageCount = 0;

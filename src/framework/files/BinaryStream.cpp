@@ -9,11 +9,10 @@
 
 namespace quilvane {
 
-Ref<BinaryStream> BinaryStream::Open(const FolderItem& item, bool readWrite)
+Ref<BinaryStream> BinaryStream::Open(const FolderItem& item, bool)
 {
     std::string whyNot;
-    InputFile file = InputFile::open(item, readWrite ? InputFile::Access::ReadWrite : InputFile::Access::Read,
-        InputFile::NotRegular::ReadAsEmpty, whyNot);
+    InputFile file = InputFile::open(item, InputFile::NotRegular::ReadAsEmpty, whyNot);
     if (!file.isOpen())
         return Ref<BinaryStream>::nil(std::move(whyNot));
     return Ref<BinaryStream>::make(std::move(file));

@@ -17,9 +17,9 @@ class FolderItem;
 /// Closed by Close() or when its last reference goes.
 class BinaryStream {
 public:
-    /// Nil, with the reason, if the file can't be opened (with `readWrite`, for writing too); never waits. A
-    /// folder, a pipe, a socket and a device are like an empty file: a run meets them under the name of a
-    /// document, and is to go on as after a document that can't be read.
+    /// Nil, with the reason, if the file can't be opened; never waits. A folder, a pipe, a socket and a
+    /// device are like an empty file: a run meets them under the name of a document, and is to go on as after
+    /// a document that can't be read. `readWrite` changes nothing: a stream has no way to write.
     static Ref<BinaryStream> Open(const FolderItem& item, bool readWrite = false);
 
     explicit BinaryStream(InputFile file);

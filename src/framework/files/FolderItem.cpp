@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/files/FolderItem.h"
 
+#include "framework/exceptions.h"
 #include "framework/files/TextInputStream.h"
 #include "framework/files/TextOutputStream.h"
 #include "framework/files/displayName.h"

@@ -10,10 +10,7 @@
 #include "framework/keepWindowPainted.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <new>
-#include <stdexcept>
 #include <utility>
 
 #include <fcntl.h>
@@ -29,13 +26,12 @@ constexpr std::size_t largestRead = std::size_t(1) << 20;
 
 } // namespace
 
-InputFile InputFile::open(const FolderItem& item, Access access, NotRegular notRegular, std::string& whyNot)
+InputFile InputFile::open(const FolderItem& item, NotRegular notRegular, std::string& whyNot)
 {
     keepWindowPainted();
     InputFile file;
     file.m_path = item.NativePath();
-    OpenedFile opened
-        = access == Access::Read ? item.openToRead() : OpenedFile::open(file.m_path, /*readWrite=*/true);
+    OpenedFile opened = item.openToRead();
     if (opened.isNotRegular() && notRegular == NotRegular::ReadAsEmpty) {
         opened.descriptor = FileDescriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
         opened.failure = opened.descriptor.isOpen() ? 0 : errno;
@@ -65,11 +61,6 @@ std::uint64_t InputFile::size() const
     return static_cast<std::uint64_t>(status.st_size);
 }
 
-std::uint64_t InputFile::rest() const
-{
-    return m_sizeAtOpening - std::min(m_sizeAtOpening, m_position);
-}
-
 std::size_t InputFile::read(std::span<char> into)
 {
     keepWindowPainted();
@@ -90,49 +81,10 @@ std::size_t InputFile::read(std::span<char> into)
     return count;
 }
 
-void InputFile::appendTo(std::string& text, std::uint64_t count)
+void InputFile::requireMemoryForRest() const
 {
-    std::uint64_t expected = std::min(rest(), count);
-    requireMemory(expected, tooLarge());
-    if (expected > 0 && expected < count)
-        ++expected; // one byte more than there is, so that one read finds the end
-    std::size_t filled = text.size();
-    const std::size_t begin = filled;
-    try {
-        text.resize(begin + expected);
-        // A file may be shorter by now, or longer, and those of /proc say that they are empty.
-        while (filled - begin < count) {
-            if (filled == text.size()) {
-                std::array<char, 4096> more;
-                const std::size_t wanted = std::min<std::uint64_t>(more.size(), count - (filled - begin));
-                const std::size_t got = read(std::span(more).first(wanted));
-                if (got == 0)
-                    break;
-                text.append(more.data(), got);
-                filled = text.size();
-            } else {
-                const std::size_t got = read(std::span(text).subspan(filled));
-                if (got == 0)
-                    break;
-                filled += got;
-            }
-        }
-        text.resize(filled);
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException(tooLarge() + '.');
-    } catch (const std::length_error&) {
-        throw OutOfMemoryException(tooLarge() + '.');
-    }
-}
-
-void InputFile::requireMemoryForRest(unsigned copies) const
-{
-    requireMemory(rest() * copies, tooLarge());
-}
-
-std::string InputFile::tooLarge() const
-{
-    return "The file \"" + displayPath(m_path) + "\" is too large to be read";
+    const std::uint64_t rest = m_sizeAtOpening - std::min(m_sizeAtOpening, m_position);
+    requireMemory(2 * rest, "The file \"" + displayPath(m_path) + "\" is too large to be read");
 }
 
 } // namespace quilvane

@@ -16,13 +16,12 @@ class FolderItem;
 /// An open regular file that is read from front to back; what the input streams have in common.
 class InputFile {
 public:
-    enum class Access { Read, ReadWrite };
     /// What becomes of a folder, a pipe, a socket or a device.
     enum class NotRegular { Refused, ReadAsEmpty };
 
     /// Opens `item`. If that fails, the result is not open and `whyNot` holds a sentence for the user. Never
     /// waits for the other end of a pipe or for a device.
-    static InputFile open(const FolderItem& item, Access access, NotRegular notRegular, std::string& whyNot);
+    static InputFile open(const FolderItem& item, NotRegular notRegular, std::string& whyNot);
 
     bool isOpen() const { return m_descriptor.isOpen(); }
     void close();
@@ -39,18 +38,11 @@ public:
     /// Reads up to `into.size()` bytes; 0 at the end of the file. Throws IOException.
     std::size_t read(std::span<char> into);
 
-    /// Appends up to `count` of the next bytes to `text`, up to the end of the file at most. What `text`
-    /// holds already counts for the memory that is asked for. Throws IOException, and OutOfMemoryException
-    /// before the first byte is read.
-    void appendTo(std::string& text, std::uint64_t count);
-
-    /// Throws OutOfMemoryException if the memory free is less than `copies` times what the file still holds.
-    void requireMemoryForRest(unsigned copies) const;
+    /// Throws OutOfMemoryException if the memory free is less than twice what the file still holds, as a
+    /// string that grows takes.
+    void requireMemoryForRest() const;
 
 private:
-    std::uint64_t rest() const;
-    std::string tooLarge() const;
-
     FileDescriptor m_descriptor;
     std::string m_path;
     std::uint64_t m_sizeAtOpening = 0;

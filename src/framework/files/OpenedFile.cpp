@@ -10,7 +10,7 @@
 
 namespace quilvane {
 
-OpenedFile OpenedFile::open(const std::string& path, bool readWrite)
+OpenedFile OpenedFile::open(const std::string& path)
 {
     OpenedFile result;
     struct stat status { };
@@ -18,8 +18,7 @@ OpenedFile OpenedFile::open(const std::string& path, bool readWrite)
     if (isThere && S_ISREG(status.st_mode)) {
         // Something else may stand there by now: hence a second look, and the last two flags, with which the
         // opening of a pipe does not wait and a terminal does not become that of this process.
-        const int mode = (readWrite ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-        FileDescriptor opened(::open(path.c_str(), mode));
+        FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
         isThere = opened.isOpen() && ::fstat(opened.number(), &status) == 0;
         if (isThere && S_ISREG(status.st_mode)) {
             result.size = static_cast<std::uint64_t>(status.st_size);

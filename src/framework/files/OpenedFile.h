@@ -17,9 +17,9 @@ struct OpenedFile {
 
     bool isNotRegular() const { return !descriptor.isOpen() && failure == 0; }
 
-    /// Opens a regular file to be read (with `readWrite`, to be written, too), links followed. Opens nothing
-    /// else: to open a pipe may wait for its other end, and to open a device may set it going. Any thread.
-    static OpenedFile open(const std::string& path, bool readWrite = false);
+    /// Opens a regular file to be read, links followed. Opens nothing else: to open a pipe may wait for its
+    /// other end, and to open a device may set it going. Any thread.
+    static OpenedFile open(const std::string& path);
 };
 
 } // namespace quilvane

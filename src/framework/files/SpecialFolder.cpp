@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/files/SpecialFolder.h"
 
+#include "framework/exceptions.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdlib>

@@ -5,8 +5,6 @@
 #include "framework/files/FolderItem.h"
 #include "text/WideTextDecoder.h"
 
-#include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace quilvane {
@@ -22,7 +20,7 @@ constexpr std::size_t longLine = 4096 * readAhead;
 Ref<TextInputStream> TextInputStream::Open(const FolderItem& item)
 {
     std::string whyNot;
-    InputFile file = InputFile::open(item, InputFile::Access::Read, InputFile::NotRegular::Refused, whyNot);
+    InputFile file = InputFile::open(item, InputFile::NotRegular::Refused, whyNot);
     if (!file.isOpen())
         return Ref<TextInputStream>::nil(std::move(whyNot));
     return Ref<TextInputStream>::make(std::move(file));
@@ -37,17 +35,11 @@ TextInputStream::~TextInputStream() = default;
 
 std::string TextInputStream::ReadAll()
 {
-    if (!m_hasBegun)
-        fillBuffer();
-    std::string text = std::exchange(m_buffer, {});
-    text.erase(0, std::exchange(m_taken, 0));
-    if (m_decoder) {
-        m_file.requireMemoryForRest(2); // two bytes may become three, in a string that grows
-        while (fillBuffer())
-            text += m_buffer;
+    m_file.requireMemoryForRest();
+    std::string text;
+    while (m_taken < m_buffer.size() || fillBuffer()) {
+        text.append(m_buffer, m_taken);
         m_taken = m_buffer.size();
-    } else {
-        m_file.appendTo(text, std::numeric_limits<std::uint64_t>::max());
     }
     return text;
 }
@@ -61,7 +53,7 @@ std::string TextInputStream::ReadLine()
         if (end == std::string::npos) {
             m_taken = m_buffer.size();
             if (line.size() == longLine)
-                m_file.requireMemoryForRest(2); // a string that grows is copied now and then
+                m_file.requireMemoryForRest();
             continue;
         }
         m_taken = end + 1;

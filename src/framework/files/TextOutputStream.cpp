@@ -3,6 +3,7 @@
 #include "framework/files/TextOutputStream.h"
 
 #include "framework/EventGuard.h"
+#include "framework/exceptions.h"
 #include "framework/files/FolderItem.h"
 #include "framework/files/displayName.h"
 #include "framework/keepWindowPainted.h"
@@ -26,7 +27,7 @@ namespace quilvane {
 namespace {
 
 /// Where a chain of links ends, there or not.
-std::string behindLinks(std::string path)
+std::string withLinksFollowed(std::string path)
 {
     constexpr int longestChain = 40; // as the kernel's own
     std::error_code failure;
@@ -77,7 +78,7 @@ Ref<TextOutputStream> TextOutputStream::Create(const FolderItem& item)
     constexpr mode_t permissions = 0777;
     Target target;
     target.shownPath = item.NativePath();
-    target.path = behindLinks(item.NativePath());
+    target.path = withLinksFollowed(item.NativePath());
 
     const auto failed = [&target] {
         return Ref<TextOutputStream>::nil(IOException(target.shownPath, "created", errno).what());

@@ -5,7 +5,6 @@
 #include "framework/Application.h"
 #include "framework/EventGuard.h"
 #include "framework/dialogs/Desktop.h"
-#include "framework/exceptions.h"
 #include "framework/keepWindowPainted.h"
 #include "framework/net/fetch.h"
 
@@ -29,14 +28,10 @@ bool isHere(const std::future<std::string>& body, std::chrono::milliseconds wait
 
 } // namespace
 
-std::string URLConnection::SendSync(std::string_view method, std::string_view url, int timeout)
+std::string URLConnection::SendSync(std::string_view, std::string_view url, int)
 {
-    if (method != "GET")
-        throw ConnectionException(url, "pages can be read only, not sent");
     const std::string address(url); // what `url` looks at may change while the dialog stands
     FetchOptions options = FetchOptions::standard();
-    if (timeout > 0)
-        options.timeout = std::chrono::seconds(timeout);
     std::atomic<std::uint64_t> received = 0;
     options.progress = [&received](std::uint64_t bytes) { received = bytes; };
 

@@ -10,8 +10,8 @@ namespace quilvane {
 /// A request to a web server that the caller waits for.
 class URLConnection {
 public:
-    /// The body of the answer, whatever its status, as bytes. `timeout` is in seconds, for all of the
-    /// request; 0 stands for the bounds of FetchOptions. The one method is GET.
+    /// The body of the answer, whatever its status, as bytes. It is a GET within the bounds of FetchOptions,
+    /// whatever `method` and `timeout` say.
     ///
     /// The handler that calls it waits here, with the windows painted; from one second on a dialog shows how
     /// much has come and lets the user cancel, which ends the handler without a word. Throws what fetch()

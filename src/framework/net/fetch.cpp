@@ -309,7 +309,7 @@ private:
     {
         constexpr std::chrono::milliseconds mostEarly(10); // libcurl's clocks are not so exact
         const auto spent = std::chrono::steady_clock::now() - m_start;
-        if (m_options.timeout.count() > 0 && spent + mostEarly >= m_options.timeout)
+        if (spent + mostEarly >= m_options.timeout)
             return "it was not complete after "
                 + std::to_string(std::chrono::ceil<std::chrono::seconds>(m_options.timeout).count())
                 + " seconds";

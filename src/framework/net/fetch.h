@@ -19,7 +19,7 @@ struct FetchOptions {
     std::chrono::milliseconds connectTimeout = std::chrono::seconds(30);
     /// How long the server may send nothing before the transfer is given up.
     std::chrono::seconds stallTimeout = std::chrono::seconds(60);
-    /// For all of it: a server that sends a byte now and then never stalls. 0 sets no limit.
+    /// For all of it: a server that sends a byte now and then never stalls.
     std::chrono::milliseconds timeout = std::chrono::minutes(10);
     /// In bytes, unpacked.
     std::uint64_t largestBody = std::uint64_t(1) << 30;

@@ -25,12 +25,6 @@ Ref<RegExMatch> RegEx::Search(std::string_view text)
     return Search();
 }
 
-Ref<RegExMatch> RegEx::Search(std::string&& text)
-{
-    m_ownText = std::move(text);
-    return Search(std::string_view(m_ownText));
-}
-
 Ref<RegExMatch> RegEx::Search()
 {
     if (m_next == std::string_view::npos)

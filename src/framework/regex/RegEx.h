@@ -32,18 +32,12 @@ public:
     RegEx(const RegEx&) = delete;
     RegEx& operator=(const RegEx&) = delete;
 
-    const std::string& SearchPattern() const { return m_searchPattern; }
     void setSearchPattern(std::string pattern);
-
-    const std::string& ReplacementPattern() const { return m_replacementPattern; }
     void setReplacementPattern(std::string replacement) { m_replacementPattern = std::move(replacement); }
 
     /// The first match in `text`, or nil. `text` is not copied: it must live and stay as it is for as long as
     /// Search() goes on in it.
     Ref<RegExMatch> Search(std::string_view text);
-    Ref<RegExMatch> Search(const char* text) { return Search(std::string_view(text)); }
-    /// Takes a temporary over, so that Search() has a text to go on in.
-    Ref<RegExMatch> Search(std::string&& text);
 
     /// The next match after the previous one, or nil if there is no more or no text was given. After an
     /// empty match the search goes on so that it comes to an end.
@@ -67,7 +61,6 @@ private:
     std::string m_replacementPattern;
     std::shared_ptr<const CompiledPattern> m_compiled; // null until the pattern is first used
     MatchingBudget m_budget;
-    std::string m_ownText;
     std::string_view m_text;
     std::size_t m_next = std::string_view::npos; // where Search() goes on in m_text; npos if nothing is left
     bool m_lastWasEmpty = false;

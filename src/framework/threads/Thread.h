@@ -28,8 +28,6 @@ public:
 
     int Priority = 5; // nothing looks at it, as the body does not compete with its caller
 
-    const std::string& Name() const { return m_name; }
-
     /// Returns when the body has ended. An error that the body throws ends the body alone: it is reported
     /// here, and the caller goes on. Throws ThreadAlreadyRunningException.
     void Run();
@@ -38,8 +36,6 @@ public:
     /// it holds is given back, with an exception that is no std::exception; a `catch (...)` on the way must
     /// throw on. Harmless on a thread that does not run.
     void Kill();
-
-    bool isRunning() const { return m_running; }
 
 private:
     void runBody();

@@ -20,7 +20,7 @@ namespace quilvane {
 /// It begins with the object and is killed with it, whatever it is doing. When receive() fails, it has ended.
 class DocumentChild {
 public:
-    /// `file` is a descriptor, left to the caller; of the order the kind, the part and the password count.
+    /// `file` is a descriptor, left to the caller; of the order the kind and the part count.
     /// Throws ReaderLost, and RuntimeException if there can be no reader.
     DocumentChild(ReaderOrder order, int file, const DocumentLimits& limits);
     ~DocumentChild();

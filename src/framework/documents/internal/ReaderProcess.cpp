@@ -224,8 +224,8 @@ void ReaderProcess::greet()
         throw notStarted("it has ended at once");
     const std::optional<ReaderGreeting> greeting = decodeGreeting(bytes);
     if (!greeting || greeting->buildId != buildId())
-        throw RuntimeException(
-            named() + " belongs to another version of the program. Please quit Quilvane and start it again.");
+        throw RuntimeException(named()
+            + " belongs to another version of the program. Please quit the program and start it again.");
     static bool isLogged = false;
     if (!greeting->missing.empty() && !std::exchange(isLogged, true))
         System::DebugLog(greeting->missing);
