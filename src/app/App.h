@@ -16,7 +16,7 @@ public:
     /// asks for it: the exports have separators of their own.
     std::string delimiter = "tab";
 
-    // What the filter dialog remembers while the program runs. In spite of the names none of it is stored.
+    // What the filter dialog remembers while the program runs. Despite the names, none of it is stored.
     bool prefCom = false;
     bool prefNet = false;
     bool prefGov = false;

@@ -18,9 +18,8 @@ struct Row {
     std::optional<const char*> uti;
 };
 
-// The last two share a name, and the second adds nothing: the name finds the first. Both have always stood
-// here.
-// clang-format off
+// The last two rows share a name. A lookup by name finds the first, so the second has no effect. Both have
+// always been in this table. clang-format off
 constexpr Row table[] = {
     { "Untitled",                 "",           "",     "",     "", {} },
     { "application/pdf",          ".pdf",       "PDF ", "prvw", "public.data, public.composite-content", "com.adobe.pdf" },

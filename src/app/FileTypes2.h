@@ -10,7 +10,7 @@
 /// area finds them by name.
 namespace quilvane::FileTypes2 {
 
-/// Makes the six types and declares them. The accessors give nil before.
+/// Makes the six types and declares them. Until then the accessors return nil.
 void _Initialize();
 
 /// All of them, in the order of the accessors below.

@@ -106,7 +106,7 @@ void Window1::Event_Open()
 {
     Show();
     Listbox1.setHasHeading(false);
-    // Twelve widths for one column: the list looks at those of the columns that it has.
+    // Twelve widths for one column: the list uses only as many as it has columns.
     Listbox1.setColumnWidths("50,100," + Str(Listbox1.Width() - 150) + ",0,0,0,0,0,0,0,0,0");
     EnableMenuItems();
 }

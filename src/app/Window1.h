@@ -30,7 +30,7 @@ class MyDynaPDFMBS;
 struct RunRules;
 
 /// The main window: the list of addresses, the buttons of every source, the drop area, the two labels that
-/// tell what happened, and some controls that nobody sees and that the sources use as working parts.
+/// report what happened, and some invisible controls that the readers use internally.
 ///
 /// One class, grouped by concern; each room defines the methods that belong to it. The rows of Listbox1 are
 /// the program's data: other windows read and write them here, and they are gone when the window closes.
@@ -67,29 +67,32 @@ public:
     void importBtn1_Action();
     void doCSV();
     void doCSVFile(const Ref<FolderItem>& f);
-    /// Nothing calls it; its counterpart for the worker does its work. Kept for its own end of a run.
+    /// Not called: doCSVFolderThread does this work for the worker. Kept because it ends a run in its own
+    /// way.
     void doCSVFolder(const Ref<FolderItem>& f);
     void doPDF(const Ref<FolderItem>& f);
-    /// Takes the text of a page, numbered from 1, of the document in hand into searchText2, and empties
+    /// Copies the text of a page (numbered from 1) of the open document into searchText2, and empties
     /// searchText.
     void Load(int pageNumber);
     void Slider1_ValueChanged();
     void doWord(const Ref<FolderItem>& f);
     void importBtn_Action();
-    /// Searches the page that urlField names, and empties the field. A page that can't be loaded leaves it.
+    /// Searches the page that urlField names, and empties the field. If the page can't be loaded, the field
+    /// keeps its text.
     void doHTML();
     void urlField_TextChange();
     bool urlField_KeyDown(const std::string& key);
     void HTMLViewer1_DocumentComplete(const std::string& url);
     void HTMLViewer1_DocumentProgressChanged(const std::string& url, int percentage);
-    /// Nothing calls it, like doCSVFolder.
+    /// Not called, like doCSVFolder.
     void doWordFolder(const Ref<FolderItem>& f);
-    /// A form of doPDFCheckThread that nothing calls, for the text in TextField1 and with an end of its own.
+    /// Not called. Does for the text in TextField1 what doPDFCheckThread does, and ends the run in its own
+    /// way.
     void doPDFCheck();
 
     // batch
     void importFolderBtn_Action();
-    /// The second entry of Search Folder, parked out of reach.
+    /// A second handler of Search Folder; its button is outside of the window.
     void PushButton1_Action();
     void Canvas1_Open();
     void Canvas1_DropObject(DragItem& obj);
@@ -97,26 +100,27 @@ public:
     /// Reads the files of a folder, then those of the folders below it.
     void doSubfolder(const Ref<FolderItem>& folder);
     void Thread1_Run();
-    /// The worker's loop for the handler itself, which nothing calls.
+    /// Not called. The worker's loop, for a handler to run instead of the worker.
     void noThread();
 
     // the list, and the end of a run
     void Listbox1_Change();
     void clearBtn_Action();
-    /// Removes the rows that look like names of pictures, and of rows that differ in case at most all but the
-    /// first.
+    /// Removes the rows that look like names of pictures. Of rows that are equal or differ only in case, the
+    /// first stays.
     void checkDuplicates();
-    /// Looks whether anything but checkDuplicates() has removed rows since this was called last: then all of
-    /// the list is to be looked at, and all that is staged is to come again. Frees what was known of them.
+    /// Checks whether anything but checkDuplicates() has removed or moved rows since the last call. If so, it
+    /// forgets the index of the rows: the next checkDuplicates() looks at the whole list, and the next flush
+    /// adds all staged rows again.
     void noteRemovedRows();
 
     /// Puts what a failed search of folders or dropped items has staged into the list, and brings buttons and
     /// menus up to date. Returns how many rows that added. For the report of the failure.
     std::size_t keepStagedFinds();
-    /// Empties ProgressText and what it can tell of the run besides.
+    /// Empties ProgressText and its help text.
     void clearFinishLine();
 
-    /// Adds the staged addresses that this run has not added yet to the list and leaves them staged.
+    /// Adds to the list the staged addresses that this run has not added yet. They stay staged.
     void flushStagedRows();
 
     // export
@@ -130,7 +134,7 @@ public:
     void Timer1_Action();
 
 private:
-    /// Whether a scan adds what it finds to rCounter.
+    /// Whether a scan adds the number of its matches to rCounter.
     enum class Counting { Off, On };
 
     void Layout() override;
@@ -138,12 +142,12 @@ private:
     void Event_Open() override;
     void Event_Close() override;
 
-    /// Adds the addresses of the rest of `stream` to the list; none of them, nor their count, if it can't be
-    /// read to its end.
+    /// Adds the addresses in the rest of `stream` to the list. If it can't be read to its end, adds and
+    /// counts none.
     void scanToList(TextInputStream& stream, Counting counting);
     void addMatchesToList(std::string_view text, Counting counting);
     using TextScan = std::function<void(std::string_view text)>;
-    /// What both do with the text, in one piece or many, that `giveText` hands to its argument.
+    /// The common part of both. `giveText` calls its argument with the text, in one piece or several.
     void scanAllToList(const std::function<void(const TextScan& scan)>& giveText, Counting counting);
     /// Adds all staged addresses to the list at the end of a run, where nothing needs to stay staged.
     void moveStagedRowsToList();
@@ -173,7 +177,7 @@ private:
 
     std::chrono::steady_clock::time_point m_lastEvents; // when a walk began or letEventsIn() returned last
     DuplicateIndex m_knownRows; // those that checkDuplicates() has looked at
-    std::uint64_t m_arrangement = 0; // Listbox1's when it had done so
+    std::uint64_t m_arrangement = 0; // Listbox1.Arrangement() when m_knownRows was last true
 };
 
 } // namespace quilvane

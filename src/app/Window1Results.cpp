@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What all sources end in: the scan, the list, and the words that tell what was found.
+// The steps with which every search ends: scan the text, fill the list, report what was found.
 
 #include "app/Window1.h"
 
@@ -47,18 +47,18 @@ void Window1::flushStagedRows()
 
 void Window1::moveStagedRowsToList()
 {
-    // What was flushed before comes again; the removal of duplicates makes up for it.
+    // Rows that were flushed before are added once more; the removal of duplicates removes them again.
     noteRemovedRows();
     DuplicateIndex ofStaged;
     RowStore rows = resultArray.release(ofStaged);
-    if (Listbox1.ListCount() == 0) // then they are the list's first rows, and known already
+    if (Listbox1.ListCount() == 0) // then the staged rows become the list's first rows, and their index fits
         m_knownRows = std::move(ofStaged);
     Listbox1.TakeRows(std::move(rows));
 }
 
 std::size_t Window1::keepStagedFinds()
 {
-    checkDuplicates(); // Keep may have left some, which are none of this search's
+    checkDuplicates(); // duplicates that Keep has left must not count below
     const std::size_t rowsBefore = Listbox1.ListCount();
     moveStagedRowsToList();
     checkDuplicates();

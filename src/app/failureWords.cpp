@@ -40,7 +40,7 @@ std::string keptFinds()
     if (!isOpen<Window1>())
         return {};
     const bool anyStaged = !implicit<Window1>().resultArray.empty();
-    const std::size_t kept = implicit<Window1>().keepStagedFinds(); // and the buttons are brought up to date
+    const std::size_t kept = implicit<Window1>().keepStagedFinds(); // also updates the buttons
     if (!anyStaged)
         return {};
     if (kept == 0)

@@ -8,8 +8,8 @@ namespace quilvane {
 // line, the text of App::delimiter. Both make the folder if it is missing and throw IOException if that
 // fails.
 
-/// Takes the first line of the file into App::delimiter as it stands, also an empty one. A missing file is
-/// made, empty; one that can't be read changes nothing.
+/// Copies the first line of the file to App::delimiter, even if it is empty. A missing file is made, empty;
+/// one that can't be read changes nothing.
 void getPrefs();
 
 /// Writes the file anew from App::delimiter. Throws NilObjectException, with the reason, if it can't be made.
