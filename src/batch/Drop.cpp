@@ -11,8 +11,8 @@ namespace quilvane {
 
 void Window1::Canvas1_Open()
 {
-    // PDF files and folders have no such line and come all the same: any of these opens the area to
-    // everything.
+    // PDF files and folders need no line here: with any of these types the area accepts every file and
+    // folder.
     Canvas1.AcceptFileDrop("application/vnd.ms-excel");
     Canvas1.AcceptFileDrop("text/plain");
     Canvas1.AcceptFileDrop("application/msword");
@@ -32,12 +32,12 @@ void Window1::Canvas1_DropObject(DragItem& obj)
     forgetText();
     rCounter = 0;
     if (obj.FolderItemAvailable()) {
-        // Nothing is emptied between the items: a later folder's run reads the files of the earlier ones
-        // again, and the removal of duplicates makes up for it.
+        // The arrays are not emptied between the items: the run of a later folder reads the files of the
+        // earlier ones again. The removal of duplicates removes what is found twice.
         Ref<FolderItem> current;
         do {
             if (obj.FolderItemAvailable())
-                myFile = obj.FolderItem(); // else the item before comes once more
+                myFile = obj.FolderItem(); // else the previous item is used again
             if (myFile && myFile->Directory()) {
                 if (!classifyChildren(*myFile, droppedFolderRules, current))
                     return;

@@ -15,11 +15,11 @@
 
 namespace quilvane {
 
-/// The files of one list one by one, each with what reads it. Those that are read are opened some time before
-/// their turn comes; those that are only listed are not touched.
+/// Goes through a list of files and gives each with its readers. A file that will be read is opened some time
+/// before its turn; one that is only listed is not touched.
 class FilesToRead {
 public:
-    /// `paths` are native ones. `rules` tell by the last extension what reads a file.
+    /// `paths` are native ones. `rules` choose the readers by the last extension.
     FilesToRead(std::span<const std::string> paths, std::span<const ReaderRule> rules);
 
     struct File {

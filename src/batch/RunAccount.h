@@ -14,8 +14,8 @@ namespace quilvane {
 
 enum class FileReader;
 
-/// What became of the files that a run has met, each path counted once, however often it is listed or read.
-/// The user can read it at the finish line: a run tells there how much it found, and not how much it left.
+/// Counts what became of the files of a run. Each path counts once, however often it is listed or read. The
+/// user reads it as the help text of the finish line, whose own text tells only how much was found.
 class RunAccount {
 public:
     /// Why a file was not read.
@@ -24,9 +24,9 @@ public:
     void clear() { *this = {}; }
 
     void met(const std::string& path);
-    /// A path that is read after it was left counts as read; else what comes first counts.
+    /// A path that is first left and then read counts as read. Otherwise the first call counts.
     void read(const std::string& path, FileReader reader);
-    /// Of a path that was met.
+    /// Does nothing for a path that was not met.
     void left(const std::string& path, Left why);
     /// A folder of which not all children are known.
     void folderNotListed(const std::string& path);
@@ -35,7 +35,7 @@ public:
     std::string text() const;
 
 private:
-    /// How many there are, and what the first of them are called.
+    /// A count, and the names of the first few.
     struct Group {
         std::size_t count = 0;
         std::vector<std::string> names;

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Search Folder, and its second entry.
+// Search Folder, and its second handler.
 
 #include "app/Window1.h"
 
@@ -50,7 +50,7 @@ void Window1::PushButton1_Action()
     Thread1.Kill();
     checkDuplicates();
     setTotalLabel();
-    // No finish message, and what the walk has hidden stays hidden.
+    // No finish message, and ProgressText stays hidden after a walk.
     clearFinishLine();
     Timer1.setEnabled(false);
 }
@@ -64,7 +64,7 @@ bool Window1::classifyChildren(const FolderItem& folder, const RunRules& rules, 
             subFolderArrayZ.push_back(current->NativePath());
         if (!current)
             return false;
-        // A folder's name is looked at like a file's: old.txt is listed, and not read.
+        // A folder's name is matched, too: a folder old.txt is listed, but can't be read.
         const std::string name = current->Name();
         const bool isLeftOut = rules.leftOut && nameHas(rules.leftOut, name);
         const std::size_t listedBefore = itemArrayZ.size();

@@ -22,8 +22,8 @@ constexpr const char* sampleAddress = "sample@example.com";
 
 } // namespace
 
-/// Stages the addresses of one text, which comes in pieces, and counts them at its end. Of a text that is
-/// left before that nothing stays.
+/// Stages the addresses of one text, which comes in pieces, and counts them in end(). Without end() the
+/// destructor takes them back.
 class SearchRun::Staging {
 public:
     explicit Staging(SearchRun& run)
@@ -46,8 +46,8 @@ public:
 
     void end()
     {
-        // Of more matches than that the rest is counted, but not kept to be found once more: they are staged
-        // already, and a second hold on millions of them would cost as much as the list.
+        // Matches beyond this number are counted, but not kept for doPDFCheckThread: a second copy of
+        // millions of them would need as much memory as the list.
         constexpr std::size_t mostKept = 100'000;
         const std::size_t found = m_run.resultArray.size() - m_before;
         m_run.m_lastMatches.truncate(0);
@@ -158,7 +158,7 @@ void SearchRun::readStaged(FileReader reader, const Ref<FolderItem>& f)
         doWordFolderThread(f);
         break;
     case FileReader::PDF:
-        doPDFCheckThread(); // reads no file: it finds what the file before has left once more
+        doPDFCheckThread(); // reads no file: it finds the text of the previous one again
         break;
     case FileReader::Text:
         doTextThread(f);
@@ -166,7 +166,7 @@ void SearchRun::readStaged(FileReader reader, const Ref<FolderItem>& f)
     case FileReader::Delimited:
         if (const Ref<TextInputStream> stream = f->OpenAsTextFile())
             doCSVFolderThread(f, stream);
-        else // and doPDFCheckThread still finds the text before
+        else // doPDFCheckThread still finds the previous text
             account.left(f->NativePath(), RunAccount::Left::NotOpened);
         break;
     }

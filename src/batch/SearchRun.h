@@ -22,14 +22,14 @@ namespace quilvane {
 enum class FileReader;
 struct ReaderRule;
 
-/// What a search of folders or dropped items works with, and the readers of its files. The main window is
-/// one; but nothing here can reach a control: the worker runs these readers, and it may touch none.
+/// The state of a search of folders or dropped items, and the readers of its files. Window1 derives from it.
+/// This class cannot reach a control: the worker runs its readers, and the worker must not touch one.
 ///
 /// Its life: a handler empties the arrays, lists files and folders in them, has the files read one by one,
 /// and flushes resultArray into the list. Most fields keep their last values until the next run.
 class SearchRun {
 public:
-    std::int64_t nextOne = 0; // how far the run is, in 65536ths and a little more; nobody looks at it
+    std::int64_t nextOne = 0; // see progressValue(); nothing reads it
     std::string myProgressText; // what Timer1 copies to ProgressText
     std::vector<std::string> itemArrayZ; // native paths of the files that the worker reads
     std::vector<std::string> subFolderArrayZ; // native paths of the folders in the searched one
@@ -45,12 +45,13 @@ public:
 
     /// Reads a text file. One that can't be opened is passed over without a word.
     void doTextThread(const Ref<FolderItem>& f);
-    /// Reads a delimited file. `opened` is the stream with which the caller has seen that it can be opened.
+    /// Reads a delimited file from `opened`, a stream of `f`.
     void doCSVFolderThread(const Ref<FolderItem>& f, const Ref<TextInputStream>& opened);
     /// Reads a Word file; finds a sample address in one that can't be read, so that the user sees that there
     /// was one. Passes over the lock file of a document that is open elsewhere.
     void doWordFolderThread(const Ref<FolderItem>& f);
-    /// Stages the addresses of the text that was read last, whoever has read it, and counts them once more.
+    /// Stages and counts the addresses in searchText. If it is empty, stages and counts once more those of
+    /// the text that any reader read last.
     void doPDFCheckThread();
 
 protected:
@@ -64,7 +65,7 @@ protected:
     void accountForFolder(const FolderItem& folder);
     /// Reads `f` with one of the readers above.
     void readStaged(FileReader reader, const Ref<FolderItem>& f);
-    /// The file in itemArrayZ that the run has come to, with all that is told of it.
+    /// Sets the progress text and the numbers for the file `f`, the element `i` of itemArrayZ.
     void tellItem(std::size_t i, const FolderItem& f);
 
 private:
@@ -77,9 +78,9 @@ private:
     std::int64_t m_lastMatchCount = 0;
 };
 
-/// Hands the rest of a stream over in pieces, each of which may be scanned on its own. The file is read in
-/// pieces since whole in memory it would take longer to page in than to scan. Throws what the stream and
-/// `take` throw, and OutOfMemoryException for a word that does not end.
+/// Calls `take` with the rest of a stream in pieces, each of which may be scanned on its own. In pieces,
+/// because to page in memory for a whole file takes longer than to scan it. Throws what the stream and `take`
+/// throw, and OutOfMemoryException for a word that does not end.
 void readInPieces(TextInputStream& stream, const std::function<void(std::string_view)>& take);
 
 } // namespace quilvane

@@ -12,8 +12,8 @@ namespace quilvane {
 
 /// Addresses that a run has found and that are not yet rows of the list.
 ///
-/// A run appends to them. Its handler flushes them into the list: once at its end, or after each item where
-/// several are dropped, and then only what that drop has not flushed yet.
+/// A run appends to them. Its handler flushes them into the list: once at its end, or after each dropped
+/// item, and then only the rows that were not flushed yet.
 class StagedRows {
 public:
     void append(std::string_view address) { m_rows.append(address); }
@@ -23,21 +23,21 @@ public:
     std::string_view operator[](std::size_t i) const { return m_rows[i]; }
     const RowStore& rows() const { return m_rows; }
 
-    /// Takes back what was appended last: `count` are left. Nothing that was flushed may go.
+    /// Removes the rows that were appended last, so that `count` are left. Flushed rows must stay.
     void truncate(std::size_t count) { m_rows.truncate(count); }
 
-    /// Removes duplicates if what is new may be many times what would stay. So addresses that are found again
-    /// and again need no memory, and those of a usual run are not looked at twice.
+    /// Removes duplicates when millions of rows are new and outnumber the known ones. So addresses that are
+    /// found again and again don't fill the memory, and a usual run looks at each address only once.
     void limitDuplicates();
 
-    /// The first element that has not been flushed yet; from now on all count as flushed. What the list would
-    /// not keep is removed before: pictures' names, and of addresses that differ only in case all but the
-    /// first.
+    /// The first element that has not been flushed yet; from now on all count as flushed. First removes what
+    /// the list would not keep: pictures' names, and of addresses that differ only in case all but the first.
     std::size_t beginFlush();
     /// The list has lost rows, so all that is staged is to be flushed again.
     void unmark() { m_flushed = 0; }
 
-    /// Hands all rows over and is empty then. An index of theirs, which may know none, goes to `index`.
+    /// Returns all rows and is empty afterwards. `index` receives their index, which may know only the first
+    /// of them.
     RowStore release(DuplicateIndex& index);
     void clear();
 

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The folders below a searched folder, read by the handler itself while the event loop gets its turns.
+// Reads the folders below the searched one: in the handler itself, which runs the event loop before each
+// file.
 
 #include "app/Window1.h"
 
@@ -19,8 +20,8 @@
 
 namespace quilvane {
 
-/// The folders from the searched one down to that in hand. A link may lead to one of them; it is not entered
-/// again.
+/// The chain of folders from the one where the walk began down to the current one. A link may lead to one of
+/// them; it is not entered again.
 struct Window1::WalkedFolder {
     FolderItem::Identity identity;
     const WalkedFolder* above;
@@ -34,16 +35,16 @@ struct Window1::WalkedFolder {
 /// What was found under a folder.
 struct Window1::WalkResult {
     bool anyFile = false;
-    /// Folders above it to which links lead. They were not entered from here, so that no file was listed here
-    /// holds only for as long as they stand above.
+    /// Folders above it to which links lead. Those links were not followed. So "no file was listed" is known
+    /// only for a walk that is inside of these folders.
     std::set<FolderItem::Identity> notEntered;
 };
 
-/// The folders under which no file was listed. Links may lead to one in many ways; it is not entered again,
-/// which changes no count and keeps an archive of nothing but links from being walked for ever.
+/// The folders under which no file was listed. Many links may lead to one; it is not entered again. That
+/// changes no count, and without it a folder full of links could be walked for ever.
 class Window1::EmptyFolders {
 public:
-    /// Null if the folder is to be entered.
+    /// Null if the folder must be entered.
     const WalkResult* find(const FolderItem::Identity& folder, const WalkedFolder* above) const
     {
         const auto known = m_known.find(folder);
@@ -63,7 +64,7 @@ private:
 
 namespace {
 
-/// The folder after the one in hand: the disk fetches it meanwhile.
+/// Lets the disk fetch the folder after the current one.
 void fetchAfter(std::size_t i, const std::vector<std::string>& folders)
 {
     if (i + 1 < folders.size())
@@ -82,8 +83,8 @@ void Window1::walkSubfolders(const RunRules& rules, Ref<FolderItem>& current)
             flushStagedRows();
             break;
         }
-        // The name is that of the item before: at first of the last child looked at, which need not be a
-        // folder.
+        // The name is that of the previous item: at first, of the last child that was listed, which need not
+        // be a folder.
         myProgressText
             = searchingText(i + std::size_t(rules.firstNumber), subFolderArrayZ.size(), current->Name());
         nextOne = progressValue(i, subFolderArrayZ.size());
@@ -112,7 +113,7 @@ Window1::WalkResult Window1::walkFolder(
     std::vector<std::string> subfolders;
     if (isEntered)
         listFolder(*folder, files, subfolders);
-    // A file gives the event loop its turn. Where long no file comes, it gets one all the same.
+    // The event loop runs before each file. Where no file comes for long, it runs here.
     constexpr std::chrono::milliseconds longWait(100);
     if (files.empty() && std::chrono::steady_clock::now() - m_lastEvents > longWait)
         letEventsIn();
@@ -125,7 +126,7 @@ Window1::WalkResult Window1::walkFolder(
     }
     WalkResult result{ .anyFile = !files.empty(), .notEntered = {} };
     for (std::size_t i = 0; i < subfolders.size(); ++i) {
-        // Both numbers are one short, on purpose.
+        // Both numbers are one too small, on purpose.
         myProgressText = "Checking folder " + Str(i) + " of " + Str(subfolders.size() - 1) + ".";
         fetchAfter(i, subfolders);
         const WalkResult below = walkFolder(GetFolderItem(subfolders[i]), &here, emptyFolders);
@@ -172,7 +173,7 @@ void Window1::readFiles(const std::vector<std::string>& paths)
         nextOne = progressValue(i, paths.size());
         letEventsIn();
         if (!f.item) {
-            // Never seen: the name of a file that is gone has ended the handler before.
+            // Never reached: for a file that is gone, f.item->Name() has thrown already.
             MsgBox("No file was opened.");
             clearFinishLine();
             return;

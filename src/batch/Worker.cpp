@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The worker's body, and its form for the handler itself.
+// The worker's body, and a form of it for a handler.
 
 #include "app/Window1.h"
 

@@ -10,17 +10,17 @@ namespace quilvane {
 
 enum class FileReader { PDF, Word, Delimited, Text };
 
-/// A line of a table that tells what reads a file: `reader` does if `pattern`, a regular expression, is found
-/// in the name.
+/// A row of a table that chooses the readers of a file: `reader` reads it if `pattern`, a regular expression,
+/// is found in the name.
 struct ReaderRule {
     enum class Then { Stop, GoOn };
 
     const char* pattern;
     FileReader reader;
-    Then then = Then::Stop; // or the lines below get a look at the name, too
+    Then then = Then::Stop; // GoOn: the rows below are tried, too
 };
 
-// Each way to a file has a table of its own. Order, patterns and their dots are wanted as they are: a dot
+// Each way to reach a file has its own table. The order, the patterns and their dots are intended: a dot
 // without a backslash stands for any character, so ".txt" finds mytxt.rtf as well.
 
 /// Search File, by the whole name: notes.doc.txt is Word, archive.pdf.csv is PDF.
@@ -29,13 +29,13 @@ extern const std::span<const ReaderRule> searchFileReaders;
 extern const std::span<const ReaderRule> droppedFileReaders;
 /// The worker, by the last extension.
 extern const std::span<const ReaderRule> workerReaders;
-/// The worker's form for the handler itself, which nothing calls, by the last extension.
+/// noThread, which nothing calls, by the last extension.
 extern const std::span<const ReaderRule> noThreadReaders;
 /// The walk below a folder, by the last extension. Old .doc files and PDF files are not read down there.
 extern const std::span<const ReaderRule> walkReaders;
 
-/// What reads a file of which `name` is the whole name or the last extension, in this order; nothing if no
-/// pattern is found in it. Case is ignored.
+/// The readers of a file, in their order. `name` is its whole name or its last extension. Empty if no pattern
+/// is found in it. Case is ignored.
 std::vector<FileReader> readersFor(std::span<const ReaderRule> rules, std::string_view name);
 
 } // namespace quilvane
