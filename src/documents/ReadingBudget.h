@@ -7,8 +7,8 @@
 
 namespace quilvane {
 
-/// What may be unpacked of one document with all that is embedded in it: a few megabytes can be packed to
-/// stand for gigabytes. What is left when it runs out stays unread.
+/// How much may be unpacked from one document, embedded documents included: a few packed megabytes can unpack
+/// to gigabytes. What exceeds the budget stays unread.
 struct ReadingBudget {
     static constexpr std::size_t partBytes = std::size_t(64) << 20; // of one part
 

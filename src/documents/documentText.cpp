@@ -23,14 +23,14 @@ constexpr std::string_view zipMark = "PK\3\4"sv;
 constexpr std::string_view compoundMark = "\xD0\xCF\x11\xE0"sv;
 constexpr std::string_view word2Mark = "\xDB\xA5"sv;
 
-/// Bytes of a file that is read from its begin to its end. What is packed, or found by a directory, may stand
-/// anywhere.
+/// The most bytes of a file that is read from its beginning to its end. Packed and compound files have no
+/// such limit: their parts may be anywhere.
 constexpr std::size_t mostInARow = std::size_t(256) << 20;
 
 /// Bytes of a web page, which is converted as a whole.
 constexpr std::size_t longestPage = std::size_t(64) << 20;
 
-/// As a compound file keeps a stream's name in its directory: UTF-16, little-endian.
+/// A stream's name as the directory of a compound file holds it: UTF-16, little-endian.
 std::string directoryName(std::string_view name)
 {
     std::string result;
@@ -41,8 +41,9 @@ std::string directoryName(std::string_view name)
     return result;
 }
 
-/// Whether a binary file that can't be read was a Word document, and one that is not encrypted. The begin of
-/// its main stream tells ([MS-DOC], section 2.5.1, and the same in earlier versions), or that stream's name.
+/// Whether a binary file that can't be read was a Word document that is not encrypted. It is recognised by
+/// the beginning of its main stream ([MS-DOC], section 2.5.1, and the same in earlier versions) or by that
+/// stream's name.
 bool wasPlainWord(std::string_view bytes)
 {
     if (bytes.find(directoryName("EncryptedPackage")) != std::string_view::npos)

@@ -10,8 +10,8 @@
 
 namespace quilvane {
 
-/// The text, UTF-8, of a document of any kind that Word opens: what kind it is shows in its bytes. Of a
-/// damaged one, what text is left. Nothing for bytes that are no such document, and for an encrypted one.
+/// The text, UTF-8, of a document of any kind that Word opens; the kind is recognised from the bytes. A
+/// damaged document gives the text that is left. Nothing for any other bytes and for an encrypted document.
 std::optional<std::string> documentText(std::string_view bytes);
 
 /// The same for a document inside of another one, whose budget it shares.

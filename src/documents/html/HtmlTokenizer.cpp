@@ -49,8 +49,8 @@ struct NamedCharacter {
     std::string_view character;
 };
 
-/// Those of HTML that stand beside addresses, or that addresses are written with, to hide them from programs
-/// like this one. Sorted by name.
+/// Names of characters that are usual near addresses, or that pages use to hide addresses from programs like
+/// this one. Sorted by name.
 constexpr NamedCharacter namedCharacters[] = { { "NewLine", "\n" }, { "OElig", "\u0152" },
     { "Scaron", "\u0160" }, { "Tab", "\t" }, { "Yuml", "\u0178" }, { "amp", "&" }, { "apos", "'" },
     { "bdquo", "\u201E" }, { "bull", "\u2022" }, { "colon", ":" }, { "comma", "," }, { "commat", "@" },
@@ -87,7 +87,7 @@ std::optional<std::string> characterNamed(std::string_view name)
 
 struct Reference {
     std::optional<std::string> character; // none if it refers to nothing
-    std::size_t length; // of the reference in the text; where it refers to nothing, of what is no reference
+    std::size_t length; // bytes that it takes of the text, whether it refers to something or not
 };
 
 /// `text` begins with an ampersand. Many pages forget the semicolon after a number.

@@ -23,9 +23,9 @@ struct HtmlToken {
 };
 
 /// Cuts a page into tags and the texts between them, by the rules of the HTML standard (WHATWG, 13.2.5),
-/// which give every text a meaning. Comments and declarations are passed over, and so are elements whose
-/// content is neither markup nor seen, as scripts. Keeps no stack of elements: a page can neither be too deep
-/// for it nor, as for the parsers that repair the order of the tags, take more than linear time.
+/// which give every text a meaning. Comments and declarations are skipped, and so are elements whose content
+/// is neither markup nor visible, such as scripts. Keeps no stack of elements: deep nesting does no harm, and
+/// the time is linear, unlike that of parsers which repair the order of the tags.
 class HtmlTokenizer {
 public:
     /// `html` is UTF-8 and must outlive the tokenizer and its tokens.
@@ -53,8 +53,8 @@ private:
     std::string_view m_rest;
 };
 
-/// `text` with its character references (&#64; or &amp;) replaced: the numeric ones, and those
-/// of the names that stand beside addresses. Others stay as they stand.
+/// `text` with its character references (&#64; or &amp;) replaced: the numeric ones, the names of Latin-1 and
+/// those that are usual near addresses. Others stay unchanged.
 std::string withoutReferences(std::string_view text);
 
 } // namespace quilvane

@@ -90,7 +90,7 @@ public:
         }
     }
 
-    /// Where in the text a word will stand that goes on from the one before it; nothing between words.
+    /// The place in the text where the next piece will continue the last word; nothing between words.
     std::optional<std::size_t> placeInWord() const
     {
         return m_gap == Gap::None ? std::optional(m_text.size()) : std::nullopt;
@@ -139,7 +139,7 @@ int wideCodePageOf(std::string_view html)
                                      : 0;
 }
 
-/// A page that does not say what it is in.
+/// The text of a page that does not name its character set.
 std::string utf8OfUnnamed(std::string_view html)
 {
     std::string text = toUtf8(html, codePages::utf8);
@@ -158,7 +158,7 @@ std::string utf8Page(std::string_view html, const std::string& charset)
     const std::string named = charsetNamedIn(html.substr(0, longestHead));
     if (named.empty())
         return utf8OfUnnamed(html);
-    // The name was read in single bytes, so it is no set of wider units that the page is in.
+    // The name could be read as single bytes, so the page is not in a set of wider units, such as UTF-16.
     const bool isUnicode = beginsIgnoringCase(named, "UTF");
     return toUtf8(html, isUnicode ? codePages::utf8 : codePageNamed(named).value_or(codePages::utf8));
 }

@@ -84,7 +84,7 @@ std::string boundaryIn(std::string_view contentType)
     return std::string(contentType.substr(0, contentType.find_first_of(isQuoted ? "\"" : " \t;")));
 }
 
-/// RFC 2045, section 6.7. What is no =XX stays.
+/// RFC 2045, section 6.7. A '=' without two digits stays.
 std::string quotedPrintableDecoded(std::string_view body)
 {
     std::string decoded;
@@ -108,7 +108,7 @@ std::string quotedPrintableDecoded(std::string_view body)
     return decoded;
 }
 
-/// RFC 2045, section 6.8. What is no digit of it is passed over.
+/// RFC 2045, section 6.8. Other characters are skipped.
 std::string base64Decoded(std::string_view body)
 {
     constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";

@@ -18,12 +18,12 @@ namespace {
 
 /// The largest side of a page, in its own units: ISO 32000-1, annex C.
 constexpr double largestSide = 14400;
-/// The page with all of its surroundings. Text that sticks out of a page is cut off at the border of what is
-/// asked for.
+/// The page and a wide margin around it. The library cuts text off at the border of the rectangle that it is
+/// given, and some text sticks out of its page.
 const poppler::rectf everywhere(-largestSide, -largestSide, 3 * largestSide, 3 * largestSide);
 
-/// Called by the library with "poppler/error (12): text", where 12 is a position in the file that there need
-/// not be, and a line end comes out as <0a>.
+/// Called by the library with "poppler/error (12): text". The 12 is a position in the file and may be
+/// missing; a line end is written as <0a>.
 void hear(const std::string& line, void* filter)
 {
     constexpr std::string_view separator = ": ";
@@ -35,7 +35,7 @@ void hear(const std::string& line, void* filter)
     static_cast<MessageFilter*>(filter)->add(message);
 }
 
-// A page with a word in one of the fonts that no document has to bring along.
+// A page with a word in one of the fonts that no document needs to embed.
 constexpr std::string_view smallestDocument = R"(%PDF-1.4
 1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj
 2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj
@@ -86,7 +86,7 @@ std::optional<std::string> PdfDocument::pageText(int number) const
     const std::unique_ptr<poppler::page> page(m_parts->document->create_page(number - 1));
     if (!page)
         return std::nullopt;
-    // In reading order, words are glued together over hyphens, and addresses arise that nobody wrote.
+    // The library's reading order joins words over hyphens, which makes addresses that nobody wrote.
     const poppler::byte_array text = page->text(everywhere, poppler::page::raw_order_layout).to_utf8();
     return tidyPageText({ text.data(), text.size() });
 }
@@ -98,7 +98,7 @@ std::vector<std::string> PdfDocument::takeMessages()
 
 void warmPdfLibrary()
 {
-    // Never closed: with its last document the library drops what it keeps.
+    // Never closed: the library frees what it keeps when its last document is closed.
     static const auto* const document = new PdfDocument(smallestDocument, {});
     document->pageText(1);
 }

@@ -14,8 +14,8 @@ namespace quilvane {
 /// its messages.
 class PdfDocument {
 public:
-    /// The bytes must outlive the object. Where they are more than the library takes from memory, it reads
-    /// them from the file at `path`.
+    /// The bytes must outlive the object. If they are more than the library can take from memory, it reads
+    /// the file at `path`.
     PdfDocument(std::string_view bytes, const std::string& path);
     ~PdfDocument();
     PdfDocument(const PdfDocument&) = delete;
@@ -28,11 +28,11 @@ public:
     /// As the document says, but never negative.
     int pageCount() const;
 
-    /// Of the page of that number, from 1, in the order of the page's own drawing, UTF-8, tidied so that no
-    /// address is torn; nothing if there is no such page.
+    /// The text of page `number`, from 1, in the order in which the page draws it, UTF-8, tidied so that no
+    /// address is torn. Nothing if there is no such page.
     std::optional<std::string> pageText(int number) const;
 
-    /// What the library has said since the last call, as a MessageFilter lets it through.
+    /// The library's messages since the last call, filtered by a MessageFilter.
     std::vector<std::string> takeMessages();
 
 private:

@@ -21,7 +21,7 @@ bool isDomainCharacter(char c)
 }
 
 /// Whether a domain that begins `text` has a name, a dot and a top level of two letters or more, whatever
-/// comes then: "example.com-" does, "example.c" and "example.co1" do not.
+/// follows: "example.com-" does, "example.c" and "example.co1" do not.
 bool beginsWithWholeDomain(std::string_view text)
 {
     for (std::size_t dot = text.find('.', 1); dot != std::string_view::npos; dot = text.find('.', dot + 1)) {

@@ -7,7 +7,7 @@
 
 namespace quilvane {
 
-/// The text of a page, UTF-8 as the layout gives it, with what would break an address taken out of it.
+/// The text of a page, UTF-8 as the layout gives it, without what would break an address.
 ///
 /// Ligatures, full-width forms and typographic hyphens become the ASCII characters that they stand for;
 /// soft hyphens, zero-width characters and the form feed at the end go. So does a line break inside an

@@ -6,8 +6,8 @@
 
 namespace quilvane {
 
-/// Of the sources that the program and its reader have in common: an upgrade may replace the reader under a
-/// running program.
+/// A hash of the sources that the program and its reader share. It tells them apart after an upgrade has
+/// replaced the reader of a running program.
 std::string buildId();
 
 } // namespace quilvane

@@ -33,7 +33,7 @@ using namespace std::chrono_literals;
     ::_exit(readerOutOfMemory);
 }
 
-/// Libraries abort where malloc gives them nothing; they do so for other reasons, too.
+/// Libraries abort when malloc returns null, but also for other reasons.
 void onAbort(int)
 {
     if (errno == ENOMEM)
@@ -83,11 +83,11 @@ std::chrono::nanoseconds timeWorked()
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-/// Tells all pages, each with no regard to whether it is asked for: the program takes them as they come.
+/// Sends all pages without being asked for them.
 bool tellPages(PdfDocument& document, std::uint32_t count, const ReaderOrder& order)
 {
     PdfEnd end{ document.takeMessages() };
-    // Some of the time is kept for an end in good order.
+    // The rest of the time is reserved for sending the end.
     const auto timeForPages = std::chrono::seconds(order.documentSeconds) * 4 / 5;
     std::size_t room = longestDocumentText;
     for (std::uint32_t number = 1; number <= count && (number == 1 || timeWorked() < timeForPages);

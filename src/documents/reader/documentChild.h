@@ -9,8 +9,9 @@
 
 namespace quilvane {
 
-/// What a fresh child does: closes itself in, reads the document readerDocument and tells what is in it over
-/// readerSocket. Returns the exit status. `reader` is the process that has forked it.
+/// The work of a new child: closes itself in (Sandbox), reads the document from the descriptor readerDocument
+/// and sends what is in it over readerSocket. Returns the exit status. `reader` is the process that has
+/// forked it.
 int readDocument(const ReaderOrder& order, const Sandbox& sandbox, pid_t reader);
 
 } // namespace quilvane

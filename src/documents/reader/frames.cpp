@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t mostDescriptors = 4;
 
-/// Calls `transfer`, a send or a receive that never waits, on what is left of `bytes` until nothing is.
+/// Calls `transfer`, a send or a receive that never waits, on the rest of `bytes` until nothing is left.
 template <typename Bytes, typename Function>
 Transfer transferAll(int socket, short event, Bytes bytes, const SocketWait& wait, Function transfer)
 {

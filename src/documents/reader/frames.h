@@ -16,7 +16,7 @@ namespace quilvane {
 /// Closed: the other side is gone, or the socket is broken. GivenUp: the wait has returned false.
 enum class Transfer { Done, Closed, GivenUp, Refused };
 
-/// Waits until poll's `event` comes to pass on the socket; false gives the message up.
+/// Waits until poll's `event` occurs on the socket. Returns false to give the message up.
 using SocketWait = std::function<bool(int socket, short event)>;
 
 bool waitForEver(int socket, short event);
@@ -27,14 +27,14 @@ Transfer sendFrame(int socket, std::string_view frame, const SocketWait& wait);
 /// Replaces `frame` with the next message, of `largest` bytes at most.
 Transfer receiveFrame(int socket, std::string& frame, std::size_t largest, const SocketWait& wait);
 
-// Messages over a socket that keeps them apart. Both wait; a signal does not disturb them.
+// Messages over a socket that keeps them apart. Both functions block, and signals do not interrupt them.
 
-/// `numbers` are descriptors, which the other side gets for its own. False if it is gone.
+/// `numbers` are descriptors, of which the other side gets copies. False if it is gone.
 bool sendMessage(int socket, std::string_view message, std::span<const int> numbers = {});
 
 /// Replaces `message` with the next one, of `largest` bytes at most, and fills `numbers` with the descriptors
-/// that came with it, -1 for each that is missing. False at the end, and for a message that does not fit;
-/// what came with such a one is closed.
+/// that came with it, -1 for each that is missing. False at the end, and for a message that does not fit,
+/// whose descriptors are closed.
 bool receiveMessage(int socket, std::string& message, std::size_t largest, std::span<int> numbers = {});
 
 } // namespace quilvane

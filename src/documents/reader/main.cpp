@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The process that reads documents for the program. It loads what documents need, and then does nothing but
-// fork: each document gets a child of its own, which closes itself in. messages.h tells what is said.
+// fork: each document gets a child of its own, which closes itself in. messages.h describes the protocol.
 
 #include "documents/pdf/PdfDocument.h"
 #include "documents/reader/buildId.h"
@@ -35,12 +35,13 @@ namespace quilvane {
 
 namespace {
 
-/// It ends after that long without a child: a program that stands open all day needs no reader beside it.
+/// The reader ends after this time without a child: a program that is open all day does not need it all the
+/// time.
 constexpr std::chrono::milliseconds idleTime = std::chrono::minutes(1);
 constexpr pid_t notForked = -1;
 constexpr int firstFreeNumber = readerDocument + 1;
 
-/// What a fresh child does: waits for an order, with the two descriptors, and obeys it. Returns its exit
+/// The work of a new child: waits for an order with its two descriptors, and obeys it. Returns its exit
 /// status.
 int obeyOne(int socket, const Sandbox& sandbox, pid_t reader)
 {
@@ -49,7 +50,7 @@ int obeyOne(int socket, const Sandbox& sandbox, pid_t reader)
     if (!receiveMessage(socket, bytes, largestControlMessage, descriptors) || descriptors[1] < 0)
         return EXIT_FAILURE;
     const std::optional<ReaderOrder> order = decodeOrder(bytes);
-    // To other numbers first: the two may have each other's.
+    // To other numbers first: each descriptor may have the number that the other one needs.
     const int document = ::fcntl(descriptors[0], F_DUPFD, firstFreeNumber);
     ::dup2(descriptors[1], readerSocket);
     ::dup2(document, readerDocument);
@@ -59,8 +60,8 @@ int obeyOne(int socket, const Sandbox& sandbox, pid_t reader)
 
 class DocumentReader {
 public:
-    /// Until the program closes its side, says something else than an order, or has nothing to do for long.
-    /// Returns an exit status.
+    /// Serves until the program closes its side, sends something other than an order, or gives no work for
+    /// idleTime. Returns an exit status.
     int serve()
     {
         if (!sendMessage(readerSocket, encode(ReaderGreeting{ buildId(), missingFrom(m_walls) })))
@@ -87,17 +88,17 @@ private:
         return ::poll(&ready, 1, m_children.empty() ? static_cast<int>(idleTime.count()) : -1) != 0;
     }
 
-    /// The next document's child is there before the document: it starts at once, and the fork takes no time
-    /// of the program's.
+    /// The child of the next document is forked in advance, so that its reading starts at once.
     void read(std::uint32_t document, const std::string& order, const std::array<int, 2>& descriptors)
     {
         if (m_spare == notForked || !sendMessage(m_spareSocket, order, descriptors)) {
-            // Somebody has killed it, for which no document is to blame.
+            // Something has killed the spare child. This document is not the reason, so another child reads
+            // it.
             dropSpare();
             forkSpare();
             sendMessage(m_spareSocket, order, descriptors);
         }
-        // Before the next fork: no child holds what is another one's.
+        // Before the next fork, so that no child inherits the descriptors of another one.
         for (const int descriptor : { m_spareSocket, descriptors[0], descriptors[1] })
             ::close(descriptor);
         m_children[document] = m_spare;
@@ -114,7 +115,7 @@ private:
         if (m_spare == 0) {
             ::close(m_spareSocket);
             ::close(readerSocket);
-            ::_exit(obeyOne(pair[1], m_sandbox, reader)); // nothing in the memory is worth taking apart
+            ::_exit(obeyOne(pair[1], m_sandbox, reader)); // without destructors, which would only cost time
         }
         ::close(pair[1]);
     }
@@ -164,7 +165,7 @@ private:
         return found == m_children.end() ? notForked : m_children.extract(found).mapped();
     }
 
-    /// One that is ending by itself keeps the status that it ends with.
+    /// A child that has ended by itself keeps its own exit status.
     std::uint32_t end(std::uint32_t document)
     {
         const pid_t child = take(document);
@@ -186,10 +187,10 @@ private:
     pid_t m_spare = notForked;
     int m_spareSocket = -1;
     std::map<std::uint32_t, pid_t> m_children;
-    std::vector<pid_t> m_ended; // and not waited for yet
+    std::vector<pid_t> m_ended; // children that were told to end and are not waited for yet
 };
 
-/// What the user's session has told the program is no business of a document's.
+/// A document must not see the environment of the user's session.
 void forgetEnvironment()
 {
     for (char** entry = environ; *entry; ++entry)
@@ -203,7 +204,7 @@ void forgetEnvironment()
 
 int main()
 {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL); // nothing that is read must outlive the program
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL); // a reader must not outlive the program
     quilvane::openAllConverters();
     quilvane::warmPdfLibrary();
     quilvane::forgetEnvironment();

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-// What the program and the reader process say to each other.
+// The protocol between the program and the reader process.
 //
 // Over the control socket, which keeps messages apart: the reader greets; the program orders documents, each
 // order with two descriptors, the file and a socket; the reader forks a child for each and never looks at a
@@ -18,13 +18,14 @@
 // Over the document's own socket the child alone speaks, in frames, and ends: of a Word document a verdict
 // and the text; of a PDF document the opening, each page in turn, and the end.
 //
-// The program trusts neither: what is longer than the bounds here, too short or has something left over is
-// refused whole.
+// The program trusts neither the reader nor its children: a message that exceeds the bounds below, is too
+// short or has bytes left over is refused as a whole.
 
 namespace quilvane {
 
-/// The reader's descriptor for the control socket, and of its children the document's socket and its file.
-/// They get no other ones but the null device as standard input, output and error.
+/// Descriptors. The reader has the control socket as readerSocket; a child has the document's socket there,
+/// and the document's file as readerDocument. Standard input, output and error are the null device; no others
+/// are open.
 inline constexpr int readerSocket = 3;
 inline constexpr int readerDocument = 4;
 
@@ -34,7 +35,7 @@ inline constexpr int readerOutOfMemory = 3;
 inline constexpr std::size_t largestControlMessage = 1024;
 /// Of one document, all pages together.
 inline constexpr std::size_t longestDocumentText = std::size_t(128) << 20;
-/// A document that says it has more has these.
+/// A document that claims to have more is read as one with this many.
 inline constexpr std::uint32_t mostPdfPages = 1'000'000;
 inline constexpr std::size_t longestPdfMessage = 240;
 inline constexpr std::size_t mostPdfMessages = 8;
@@ -42,9 +43,9 @@ inline constexpr std::size_t largestPdfHead = mostPdfMessages * (longestPdfMessa
 
 /// The first words of a reader.
 struct ReaderGreeting {
-    /// Of a reader that was built with the program it is the program's own.
+    /// The same as the program's own if both were built from the same sources.
     std::string buildId = {};
-    /// What the system does not offer to close a child in, as a sentence for the log; else empty.
+    /// A sentence for the log if the system lacks something that closes a child in; else empty.
     std::string missing = {};
 
     bool operator==(const ReaderGreeting&) const = default;
@@ -80,7 +81,7 @@ struct ReaderOrder {
 /// The answer to GetCpuTime and EndAndTell.
 struct ReaderAnswer {
     std::uint32_t document = 0;
-    /// Milliseconds or a status. Of a child that could not be started, or is none of the reader's: noChild.
+    /// Milliseconds or a status; noChild if the child could not be started or the reader has no such child.
     std::uint32_t value = 0;
 
     static constexpr std::uint32_t noChild = UINT32_MAX;
@@ -88,10 +89,10 @@ struct ReaderAnswer {
     bool operator==(const ReaderAnswer&) const = default;
 };
 
-/// The first frame of a Word document. A text follows it, in a frame of its own and as it is.
+/// The first frame of a Word document. After Text comes a frame that is the text itself.
 enum class WordVerdict : std::uint8_t { Text, Empty, NoDocument };
 
-/// The first frame of a PDF document. Of a Done one, pages follow.
+/// The first frame of a PDF document. After Done come the pages.
 struct PdfOpening {
     enum class Outcome : std::uint8_t { Done, Damaged, Locked };
 
@@ -107,13 +108,14 @@ struct PdfOpening {
 /// A page, in the order of their numbers.
 struct PdfPage {
     bool isReadable = false;
-    /// UTF-8; of one that can't be read what the PDF library said, longestPdfMessage at most, any bytes.
+    /// UTF-8. If the page can't be read, the message of the PDF library: any bytes, longestPdfMessage at
+    /// most.
     std::string text = {};
 
     bool operator==(const PdfPage&) const = default;
 };
 
-/// After the last page, or earlier: the pages that are missing then were not tried, for want of time.
+/// Comes after the last page, or earlier when the time has run out: then the other pages were not tried.
 struct PdfEnd {
     /// What the PDF library said about a document that it could read, any bytes.
     std::vector<std::string> warnings = {};
@@ -134,7 +136,7 @@ std::optional<ReaderGreeting> decodeGreeting(std::string_view bytes);
 std::optional<ReaderOrder> decodeOrder(std::string_view bytes);
 std::optional<ReaderAnswer> decodeAnswer(std::string_view bytes);
 std::optional<PdfOpening> decodeOpening(std::string_view bytes);
-/// Of these two a frame is one or the other.
+/// A frame is either a page or the end: the other function returns nothing for it.
 std::optional<PdfPage> decodePage(std::string_view bytes);
 std::optional<PdfEnd> decodeEnd(std::string_view bytes);
 

@@ -27,7 +27,7 @@ namespace {
 /// Where the PDF library has the encodings of East Asian documents, if they are installed.
 constexpr const char* characterTables = "/usr/share/poppler";
 
-/// As a newer kernel knows it; its size says how much of it is meant.
+/// The rules of Landlock in their newest form. An older kernel takes only the first members: see sizeIn().
 struct Ruleset {
     std::uint64_t files = 0;
     std::uint64_t network = 0;
@@ -101,7 +101,7 @@ constexpr std::array plainCalls{ SCMP_SYS(read), SCMP_SYS(readv), SCMP_SYS(pread
     SCMP_SYS(getdents64), SCMP_SYS(setitimer), SCMP_SYS(sched_yield), SCMP_SYS(restart_syscall),
     SCMP_SYS(exit), SCMP_SYS(exit_group) };
 
-/// Where a process has its own number in the filter.
+/// Stands in the filter for the id of the process itself, which closeSystemCalls() puts in its place.
 constexpr std::uint32_t ownProcess = 0x7A3B5C7D;
 
 /// The filter as a program for the kernel. The library takes a while to make one, and a child has no time for
@@ -169,7 +169,8 @@ void setLimits([[maybe_unused]] const Allowance& allowance)
 #ifndef __SANITIZE_ADDRESS__
     limit(RLIMIT_DATA, allowance.memory, allowance.memory);
 #endif
-    // The first ends it by a signal that tells why, the second for certain.
+    // The soft limit ends the process by a signal that tells why, the hard one by a signal that it can't
+    // catch.
     limit(RLIMIT_CPU, allowance.seconds, allowance.seconds + 1);
     limit(RLIMIT_CORE, 0, 0);
     limit(RLIMIT_FSIZE, 0, 0);
@@ -208,7 +209,7 @@ Sandbox::Sandbox(const Walls& walls, int socket, int document)
 bool Sandbox::closeIn(const Allowance& allowance, pid_t parent) const
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (::getppid() != parent) // it went before the line above
+    if (::getppid() != parent) // it ended before the line above
         return false;
     setLimits(allowance);
     const bool isQuiet = ::clearenv() == 0 && ::chdir("/") == 0 && ::prctl(PR_SET_DUMPABLE, 0) == 0

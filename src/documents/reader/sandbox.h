@@ -12,7 +12,7 @@
 
 namespace quilvane {
 
-/// What a kernel offers to close a process in. Each part works without the other.
+/// What a kernel offers for restricting a process. Each part works without the other.
 struct Walls {
     /// The version of Landlock, which guards the file system; 0 if there is none.
     int landlock = 0;
@@ -28,27 +28,27 @@ std::string missingFrom(const Walls& walls);
 
 /// What a process may cost.
 struct Allowance {
-    /// In bytes, of what it writes to; pages of a mapped file don't count. Not under AddressSanitizer, which
+    /// Bytes of private memory; pages of a mapped file don't count. Not under AddressSanitizer, which
     /// reserves terabytes.
     std::uint64_t memory = 0;
     /// Of processor time, after which the kernel ends it.
     std::uint32_t seconds = 0;
 };
 
-/// Closes processes in, for good: such a one can read its document and the character tables of the PDF
-/// library, speak over its socket, and ask for memory; it opens no other file, writes none, makes no process
-/// and no connection, and reaches no other process. Calls that nobody thought of fail and do not kill: the
-/// next version of a library may try some that it can do without.
+/// Restricts processes for the rest of their lives: such a process can read its document and the character
+/// tables of the PDF library, speak over its socket, and ask for memory; it opens no other file, writes none,
+/// makes no process and no connection, and reaches no other process. A system call that is not allowed fails
+/// and does not kill the process: the next version of a library may try calls that it can do without.
 ///
 /// Made once, before the processes are forked.
 class Sandbox {
 public:
-    /// Of the walls that are there, those named. `socket` and `document` are the descriptors that each of the
-    /// processes will have.
+    /// `walls` are those to use, which the kernel must have. `socket` and `document` are the descriptors that
+    /// each of the processes will have.
     Sandbox(const Walls& walls, int socket, int document);
 
-    /// Closes in the calling process, which ends when `parent` does. False if something that the kernel
-    /// offers has failed; then nothing may be read.
+    /// Restricts the calling process, which from now on ends when `parent` does. False if something that the
+    /// kernel offers has failed; then nothing may be read.
     [[nodiscard]] bool closeIn(const Allowance& allowance, pid_t parent) const;
 
 private:

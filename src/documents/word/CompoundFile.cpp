@@ -193,7 +193,7 @@ std::string_view CompoundFile::directoryEntry(std::size_t index) const
 CompoundFile::Entry CompoundFile::entryOf(std::string_view directoryEntry) const
 {
     std::uint64_t size = u32At(directoryEntry, entrySizeAt);
-    // With small sectors the upper half is not always written.
+    // With small sectors some writers leave the upper half of the size undefined.
     if (m_sectorSize > headerSize)
         size |= std::uint64_t(u32At(directoryEntry, entrySizeAt + 4)) << 32;
     return { u32At(directoryEntry, entrySectorAt), size };

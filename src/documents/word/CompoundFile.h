@@ -12,7 +12,7 @@
 
 namespace quilvane {
 
-/// The file system within a file that older office documents are: streams, by name, in chains of sectors
+/// An older office document is a small file system in one file: named streams in chains of sectors
 /// ([MS-CFB]). Open it, ask for streams, let it go; the bytes must outlive it.
 ///
 /// Only the streams at the top are seen: storages hold embedded documents, whose streams bear the same names.

@@ -98,7 +98,7 @@ void Relationships::startElement(
     m_entries.push_back({ *kind, std::string(id), std::string(target) });
 }
 
-/// Seen from the source's folder (RFC 3986, section 5.2.4).
+/// Resolved against the source's folder (RFC 3986, section 5.2.4).
 std::string Relationships::partOf(const Entry& entry) const
 {
     const bool isAbsolute = entry.target.starts_with('/') || entry.target.starts_with('\\');

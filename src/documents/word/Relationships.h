@@ -27,19 +27,19 @@ public:
         Kind kind;
         std::string id;
         std::string target; // as written
-        bool isUsed = false; // for whoever follows each entry once
+        bool isUsed = false; // set by a reader that follows each entry only once
     };
 
     /// `source` is the name of the part whose relationships these are; empty for those of the package.
     explicit Relationships(std::string_view source = {});
 
-    /// Where the relationships of a part are kept.
+    /// The name of the part that holds the relationships of `source`.
     static std::string partFor(std::string_view source);
 
     /// In the order of the file; at most 50,000.
     const std::vector<Entry>& entries() const { return m_entries; }
 
-    /// Null if there is none with that id, or none that concerns text. Once the part is read.
+    /// Null if there is none with that id, or none that concerns text. To be called after the part was read.
     Entry* find(std::string_view id);
 
     /// The name of the part that an entry which is no link leads to, as a ZipArchive compares names; empty if

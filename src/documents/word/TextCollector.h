@@ -9,7 +9,7 @@
 
 namespace quilvane {
 
-/// Gathers the text of a document that is walked from its begin to its end, as UTF-8 in which an address
+/// Gathers the text of a document that is walked from its beginning to its end, as UTF-8 in which an address
 /// stands in one piece. Put characters and line ends, then take the text, once.
 ///
 /// What interrupts a text (a footnote, the code of a field) is an aside: opened and closed where it stands,
@@ -39,7 +39,7 @@ public:
     void endParagraph();
 
     void openAside();
-    /// Both need an open aside.
+    /// This and closeFieldCode() need an open aside.
     void closeAside();
     /// Of the code of a field, only what may hold an address comes out; see fieldText().
     void closeFieldCode();
@@ -49,7 +49,7 @@ public:
     /// in what the link shows, which must follow.
     void putMailTarget(std::string_view target);
 
-    /// From then on nothing that is put makes a difference.
+    /// Whether all further text will be dropped.
     bool isFull() const { return m_size >= mostText; }
 
     /// Asides that are still open come last.
@@ -57,7 +57,7 @@ public:
 
 private:
     struct Link {
-        std::size_t at; // of the text that it is in, where what it shows begins
+        std::size_t at; // where the text that it shows begins, in OpenText::text
         std::size_t begin, size; // of its target in m_aside
     };
     struct OpenText {

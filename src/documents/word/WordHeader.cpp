@@ -29,7 +29,7 @@ WordHeader::Place placeAt(std::string_view bytes, std::size_t at)
     return { u32At(bytes, at), u32At(bytes, at + 4) };
 }
 
-/// Where the text of a document stands that has it in one piece.
+/// The place of the text in a document that has it in one piece.
 WordHeader::Place textPlace(std::string_view bytes)
 {
     const std::uint32_t begin = u32At(bytes, 24);
@@ -37,9 +37,9 @@ WordHeader::Place textPlace(std::string_view bytes)
     return { begin, end < begin ? 0 : end - begin };
 }
 
-/// As the "Word for Windows Binary File Format" of 1991 has it, in its section on the FIB: up to the begin of
-/// the text as later versions, then places of six bytes each, four of them for the begin and two for the
-/// size. The one at 0x11E is that of the "complex part", which the other versions call CLX, too.
+/// As the "Word for Windows Binary File Format" of 1991 has it, in its section on the FIB: up to the place of
+/// the text the same as in later versions, then places of six bytes each, four of them for the beginning and
+/// two for the size. The one at 0x11E is that of the "complex part", which the other versions call CLX, too.
 WordHeader readWord2Header(std::string_view bytes)
 {
     constexpr std::size_t piecesAt = 0x11E;

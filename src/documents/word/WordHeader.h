@@ -24,7 +24,7 @@ struct WordHeader {
     /// Of an old document from the Far East: UTF-16.
     bool isWide = false;
     bool isEncrypted = false;
-    /// Which of the two table streams counts, 0Table or 1Table. Not of an old document.
+    /// Whether the table stream is 1Table; else it is 0Table. Not for an old document.
     bool hasTable1 = false;
     /// Of 8-bit text.
     int codePage = 0;

@@ -320,7 +320,8 @@ void WordXmlText::beginBeside()
     m_text.openAside();
 }
 
-/// Ends what the element that was closed just now began, if anything, with the fields in it that have no end.
+/// Closes the aside that the element which has just ended had opened, if any, and the fields in it that have
+/// no end.
 void WordXmlText::endBeside()
 {
     const auto begun = std::find_if(m_beside.rbegin(), m_beside.rend(),

@@ -18,10 +18,10 @@ namespace quilvane {
 /// Takes the text out of one XML part of a Word document: of its body, a header, notes, comments, a chart, a
 /// diagram, or of all of them where they are one file (Word 2003 XML).
 ///
-/// Handler of one readXml(); takeText() when that has finished. Words whose letters have different looks come
-/// in one piece; paragraphs, cells and breaks stay apart. What stands beside the text of a paragraph (text
-/// boxes, field codes, the targets of mail links) follows it on lines of its own, since its place may be
-/// inside a word.
+/// Handler of one readXml(); takeText() when that has finished. Words whose letters are formatted differently
+/// come in one piece; paragraphs, cells and breaks stay apart. What stands beside the text of a paragraph
+/// (text boxes, field codes, the targets of mail links) follows it on lines of its own, since its place may
+/// be inside a word.
 class WordXmlText : public XmlHandler {
 public:
     /// `relationships` are the part's; it must outlive this.
@@ -48,11 +48,11 @@ public:
     enum class Vocabulary : std::uint8_t;
 
 private:
-    /// Something that began beside the text and whose end has not come.
+    /// An open aside (see TextCollector), or a field that has not ended.
     struct Beside {
-        std::size_t owner; // index in m_open of the element that it is; of no meaning for a field
+        std::size_t owner; // index in m_open of its element; without meaning for a field
         bool isField;
-        bool isInCode; // of a field: what makes it, and not yet what it makes
+        bool isInCode; // of a field: in its code, and not yet in its result
     };
 
     bool isSkipping() const { return m_skipped.has_value(); }
@@ -73,13 +73,13 @@ private:
 
     Relationships& m_relationships;
     std::string m_root;
-    std::vector<Role> m_open; // from the root to the element that is told
+    std::vector<Role> m_open; // from the root to the current element
     std::optional<std::size_t> m_skipped; // index in m_open of the element that is passed over
     std::vector<bool> m_isMarkDeleted; // of each open paragraph: whether it goes on in the next one
     std::vector<Beside> m_beside;
     TextCollector m_text;
     std::size_t m_outputSize = 0; // how much text and how many references came out so far
-    std::vector<std::size_t> m_outputBefore; // the same at the begin of each open set of alternatives
+    std::vector<std::size_t> m_outputBefore; // the same at the beginning of each open set of alternatives
     std::vector<const Relationships::Entry*> m_references;
     std::string_view m_lastUri; // most elements are of the same namespace as the one before
     Vocabulary m_lastVocabulary{};

@@ -40,8 +40,8 @@ class Namespaces {
 public:
     Namespaces()
     {
-        // For a document whose root element is damaged, with all that is declared there: what word processors
-        // write.
+        // The prefixes that word processors use, for a document whose root element, which declares them, is
+        // damaged.
         using Uri = std::string_view;
         for (const auto& [prefix, uri] :
             { std::pair<Uri, Uri>{ "w", "http://schemas.openxmlformats.org/wordprocessingml/2006/main" },
@@ -52,7 +52,7 @@ public:
             m_uris.emplace(prefix, uri);
     }
 
-    /// `depth` is that of the element with the declaration. Both views must outlive this.
+    /// `depth` is the depth of the element that declares it. Both views must outlive this.
     void declare(std::string_view prefix, std::string_view uri, std::size_t depth)
     {
         constexpr std::size_t most = 100'000;
@@ -152,7 +152,7 @@ private:
             m_rest.remove_prefix(1);
     }
 
-    /// What stands between those two, of which the first one comes now.
+    /// The text between `begin`, which comes next, and `end`.
     std::string_view takeThrough(std::string_view begin, std::string_view end)
     {
         take(begin.size());
@@ -161,7 +161,7 @@ private:
         return content;
     }
 
-    /// With its references replaced; good until the next start tag is told.
+    /// With its references replaced; valid until forgetReplaced().
     std::string_view plain(std::string_view text)
     {
         if (text.find('&') == npos)
@@ -183,7 +183,8 @@ private:
         forgetReplaced();
     }
 
-    /// Closes what is open in its element, if that is not too much; passes over one that fits nothing.
+    /// Also closes the elements that are open inside its element, unless they are too many. An end tag that
+    /// fits no open element is skipped.
     void takeEndTag()
     {
         take(2);
@@ -209,7 +210,7 @@ private:
         m_handler.endElement();
     }
 
-    /// One that is damaged is passed over up to the next '<' or '>', with no element.
+    /// A damaged tag is skipped up to the next '<' or '>' and opens no element.
     void takeStartTag()
     {
         take(1);
@@ -272,11 +273,11 @@ private:
     XmlHandler& m_handler;
     Namespaces m_namespaces;
     std::vector<std::string_view> m_open; // the names of the open elements
-    std::vector<XmlAttribute> m_attributes; // of the tag at hand
-    std::deque<std::string> m_replaced; // what held references, of the tag or the text at hand
+    std::vector<XmlAttribute> m_attributes; // of the current tag
+    std::deque<std::string> m_replaced; // texts whose references were replaced, of the current tag or text
 };
 
-/// The code page that a document is in by its first bytes (XML 1.0, appendix F); nothing for UTF-8.
+/// The code page of a document, detected from its first bytes (XML 1.0, appendix F); nothing for UTF-8.
 std::optional<int> codePageOf(std::string_view xml)
 {
     using namespace std::string_view_literals;
@@ -291,7 +292,7 @@ std::optional<int> codePageOf(std::string_view xml)
         return {};
     const std::string_view quoted = withoutLeading(declaration.substr(at + key.size()), "\"'");
     const std::string_view name = quoted.substr(0, quoted.find_first_of("\"'"));
-    // What was read here has one byte for a letter, whatever it says.
+    // The declaration could be read with one byte for each letter, so UTF-16 or UTF-32 can't be true.
     if (beginsIgnoringCase(name, "UTF"))
         return {};
     return codePageNamed(name);

@@ -13,8 +13,8 @@ struct XmlAttribute {
     std::string_view value;
 };
 
-/// What readXml() tells. Views hold until the call returns; that of a namespace's URI until all is read, and
-/// the same place stands for the same URI.
+/// Gets the events of readXml(). Views are valid until the call returns. The view of a namespace's URI is
+/// valid until readXml() returns, and the same data() always means the same URI.
 class XmlHandler {
 public:
     virtual ~XmlHandler() = default;
@@ -25,10 +25,10 @@ public:
     virtual void characters(std::string_view text) = 0;
 };
 
-/// Reads an XML document and tells a handler what is in it; each start has its end. What is damaged is passed
-/// over up to the next tag, and an end tag that comes too early closes what is open in its element. Reading
-/// ends at a document type declaration, before any entity is declared, and at elements nested deeper than
-/// 10,000; of an element's attributes, 1,000 count.
+/// Reads an XML document and tells a handler what is in it; each startElement() has its endElement(). What is
+/// damaged is passed over up to the next tag, and an end tag that comes too early closes what is open in its
+/// element. Reading ends at a document type declaration, before any entity is declared, and at elements
+/// nested deeper than 10,000; of an element's attributes, 1,000 count.
 ///
 /// Reads XML 1.0 by itself: expat takes three times as long, gives up at the first damage, and keeps every
 /// name that it has seen; libxml2 takes time that grows with the square of a tag. Looks at each byte a

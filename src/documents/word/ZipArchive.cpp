@@ -28,13 +28,13 @@ constexpr std::size_t directoryEntrySize = 46;
 constexpr std::size_t directoryEndSize = 22;
 constexpr std::size_t longestComment = 0xFFFF;
 
-constexpr std::size_t unknownSize = 0xFFFFFFFF; // also what archives of the 64-bit kind say
+constexpr std::size_t unknownSize = 0xFFFFFFFF; // 64-bit archives have this value, too
 
 constexpr std::string_view slashes = "/\\";
 
 constexpr std::size_t mostEntries = 500'000;
 
-/// Bytes in which the files of an archive without a directory are looked for.
+/// How many bytes are searched for files if there is no directory.
 constexpr std::size_t mostSearched = std::size_t(256) << 20;
 
 constexpr std::array<char, 256> comparedAs = [] {
@@ -70,7 +70,8 @@ public:
     Inflater(const Inflater&) = delete;
     Inflater& operator=(const Inflater&) = delete;
 
-    /// Fills the room with the next bytes, and tells how many those are: fewer only where no more come.
+    /// Fills `room` with the next bytes and returns their number, which is less than the room only at the
+    /// end.
     std::size_t next(std::span<char> room)
     {
         m_stream.next_out = reinterpret_cast<Bytef*>(room.data());
@@ -112,7 +113,7 @@ bool ZipArchive::readDirectory()
     const std::size_t offset = u32At(m_bytes, end + 16);
     if (offset > end || size > end - offset)
         return false;
-    // Offsets count from where the archive begins, which is after the bytes that may stand in front of it.
+    // Offsets count from the beginning of the archive. Other bytes may precede it in the file.
     const std::size_t base = end - size - offset;
 
     std::size_t at = end - size;
@@ -134,7 +135,7 @@ void ZipArchive::findLocalHeaders()
     for (std::size_t at = 0; m_entries.size() < mostEntries
          && (at = searched.find(localHeaderMark, at)) != std::string_view::npos;
          at += localHeaderMark.size()) {
-        // Written at one go, an archive tells the size of a file only after it.
+        // An archive that was written as a stream holds the size of a file only after the file.
         constexpr std::size_t sizeFollows = 8;
         const bool isSizeKnown
             = holdsBytes(m_bytes, at, localHeaderSize) && !(u16At(m_bytes, at + 6) & sizeFollows);
@@ -142,7 +143,7 @@ void ZipArchive::findLocalHeaders()
     }
 }
 
-/// False if there is no header of a file. What is no file of a document is passed over.
+/// False if there is no file header at that offset. Files that no document has are skipped.
 bool ZipArchive::addEntry(std::size_t headerOffset, std::size_t packedSize)
 {
     if (!holdsBytes(m_bytes, headerOffset, localHeaderSize))

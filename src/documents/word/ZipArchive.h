@@ -10,13 +10,13 @@
 
 namespace quilvane {
 
-/// The files in a zip archive, by name. If the archive's directory is cut off or leads nowhere, they are
-/// found by the headers that stand before each.
+/// The files in a zip archive, by name. If the archive's directory is missing or wrong, they are found by the
+/// header before each file.
 ///
 /// Reads the layout of PKWARE's APPNOTE.TXT, sections 4.3.6 to 4.3.16, by itself: the time that libgsf takes
 /// grows with the square of the number of folders. Names are compared without regard to ASCII case, with
-/// either slash between folders. An archive holds a view: the bytes must outlive it. It looks at the
-/// directory and at what is unpacked only, and keeps some forty bytes for each of at most 500,000 files.
+/// either slash between folders. An archive holds a view: the bytes must outlive it. It reads only the
+/// directory and the files that are unpacked, and keeps some forty bytes for each of at most 500,000 files.
 class ZipArchive {
 public:
     /// One of the archive's files. Where its size is not known, `packed` reaches to the end of the archive.
@@ -41,11 +41,11 @@ public:
     /// Null if there is no file of that name. Of several, the first.
     const Entry* find(std::string_view name) const;
 
-    /// The file's unpacked bytes, `most` at most; fewer if its packed bytes make no sense any more. Check
-    /// sums are not looked at: half a file is better than none.
+    /// The file's unpacked bytes, `most` at most; fewer if its packed bytes are damaged from some point on.
+    /// Check sums are ignored: half a file is better than none.
     static std::string unpacked(const Entry& entry, std::size_t most);
 
-    /// As names are compared: in lower case, with '/' between folders and none in front.
+    /// The form in which names are compared: in lower case, with '/' between folders and none in front.
     static std::string normalised(std::string_view name);
 
 private:

@@ -19,8 +19,8 @@ namespace quilvane {
 
 namespace {
 
-/// Takes the characters of a document in order, and turns those that Word gives a meaning of its own
-/// ([MS-DOC] 2.4.1, 2.8.25) into plain text.
+/// Takes the characters of a document in order, and turns those with a special meaning in Word ([MS-DOC]
+/// 2.4.1, 2.8.25) into plain text.
 class CharacterSink {
 public:
     bool isFull() const { return m_text.isFull(); }
@@ -107,9 +107,9 @@ private:
     }
 
     TextCollector m_text;
-    /// Of each open field: whether its code goes on, or its result.
+    /// For each open field: true in its code, false in its result.
     std::vector<bool> m_isInCode;
-    /// Open fields inside those, whose marks are passed over.
+    /// How many more fields are open inside those; their marks are skipped.
     std::size_t m_tooDeep = 0;
 };
 
@@ -184,7 +184,7 @@ private:
                     return;
             }
             if (const std::optional<char32_t> character = m_decoder.next(u8At(stretch, 0)))
-                m_sink.put(static_cast<char16_t>(*character)); // no code page of Word's goes beyond
+                m_sink.put(static_cast<char16_t>(*character)); // no code page of Word has others
             stretch.remove_prefix(1);
         }
     }
@@ -193,7 +193,7 @@ private:
     std::vector<ByteRange> m_deleted;
     TextDecoder m_decoder;
     CharacterSink m_sink;
-    /// Bytes. Pieces may overlap, and hold nothing that makes text.
+    /// Bytes read so far. Limited on its own, since pieces may overlap and may hold no text.
     std::size_t m_read = 0;
 };
 

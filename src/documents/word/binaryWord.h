@@ -12,8 +12,8 @@ namespace quilvane {
 /// comments and text boxes; text marked as deleted is left out, and the target of a mail link stands on a
 /// line of its own. At most 128 MB, the rest is left out.
 ///
-/// Nothing for bytes that are no such document, for an encrypted one, and for one whose container or tables
-/// are damaged, as a part of its text would be missing; textRuns() then finds what there is.
+/// Nothing for bytes that are no such document and for an encrypted one. Nothing either if its container or
+/// tables are damaged, since a part of the text would be missing; textRuns() can then find more.
 std::optional<std::string> textOfBinaryWord(std::string_view bytes);
 
 } // namespace quilvane

@@ -14,17 +14,17 @@ namespace {
 constexpr std::size_t pageSize = 512;
 constexpr std::size_t positionSize = 4;
 
-/// The size of what follows a property's two-byte code, where the code alone tells it; 0 where the
-/// first byte after it does ([MS-DOC] 2.2.5.1).
+/// The size of the operand after a property's two-byte code ([MS-DOC] 2.2.5.1); 0 if the operand's first byte
+/// holds it.
 std::size_t operandSize(std::uint16_t code)
 {
     constexpr std::size_t sizes[] = { 1, 1, 2, 4, 2, 2, 0, 3 };
     return sizes[code >> 13];
 }
 
-/// A page of the main stream that gives the properties of the characters in stretches of it: the count of
-/// stretches in its last byte, their borders, and for each the word of the page where its list of changes
-/// begins.
+/// A page of the main stream that gives the properties of characters, by stretches of the main stream. Its
+/// last byte is the number of stretches. It begins with their borders; then comes, for each, the number of
+/// the page's word where its list of changes begins.
 class PropertyPage {
 public:
     PropertyPage(std::string_view page, bool isOld)
@@ -53,7 +53,8 @@ private:
         const auto [known, isNew] = m_deletes.try_emplace(word, false);
         const std::size_t at = word * 2;
         const std::size_t size = u8At(m_page, at);
-        // Lists do not overlap; where they do, the page is a forgery, and each could be as long as the page.
+        // Lists do not overlap in a genuine page. In a forged one each could be as long as the page, so their
+        // sum is limited.
         if (isNew && m_looked + size <= pageSize) {
             m_looked += size;
             known->second = marksDeletion(bytesAt(m_page, at + 1, size), m_isOld);
@@ -64,7 +65,7 @@ private:
     std::string_view m_page;
     std::size_t m_count;
     bool m_isOld;
-    /// By word: stretches share their lists.
+    /// By the number of the word, since stretches share lists.
     std::map<std::size_t, bool> m_deletes;
     std::size_t m_looked = 0; // bytes
 };

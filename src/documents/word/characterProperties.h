@@ -19,8 +19,8 @@ struct ByteRange {
     std::size_t end;
 };
 
-/// Where text stands that is marked as deleted, sorted and without overlaps. Damage of the tables that say so
-/// makes it fewer, never more than there are bytes in the main stream.
+/// The ranges of text that is marked as deleted, sorted and without overlaps. Damaged tables give fewer
+/// ranges.
 std::vector<ByteRange> deletedRanges(
     const WordHeader& header, std::string_view mainStream, std::string_view tableStream);
 

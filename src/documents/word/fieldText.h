@@ -7,13 +7,13 @@
 
 namespace quilvane {
 
-/// What of a field's code belongs to the text.
+/// The part of a field's code that belongs to the text.
 struct FieldText {
-    std::string text; // empty if nothing does
+    std::string text; // empty if there is none
     bool isMailTarget; // see mailTarget()
 };
 
-/// Of a link, as in HYPERLINK "mailto:a%40b.org", that is where mail goes; of another field all of the code
+/// For a link such as HYPERLINK "mailto:a%40b.org" it is the mail address, for another field the whole code
 /// if it holds an '@'.
 FieldText fieldText(std::string_view code);
 

@@ -46,7 +46,7 @@ public:
     }
 
 private:
-    /// For a package whose relationships are lost: by the names that word processors use.
+    /// For a package whose relationships are lost: finds the parts by the names that word processors use.
     void readPartsByName()
     {
         constexpr std::string_view folder = "word/";
@@ -73,7 +73,7 @@ private:
                 read(*waiting[i], waiting);
     }
 
-    /// Adds the parts that are to be read after this one.
+    /// Reads one part. Adds to `waiting` the parts that it refers to.
     void read(const ZipArchive::Entry& entry, std::vector<const ZipArchive::Entry*>& waiting)
     {
         Relationships relationships = relationshipsOf(ZipArchive::normalised(entry.name));
@@ -132,7 +132,7 @@ private:
 
 constexpr std::string_view flatPackageUri = "http://schemas.microsoft.com/office/2006/xmlPackage";
 
-/// Takes a flat package apart: hands the XML of each part to the handler that `handlerOf` names for it, if
+/// Takes a flat package apart: passes the XML of each part to the handler that `handlerOf` returns for it, if
 /// any.
 class FlatPackageSplitter : public XmlHandler {
 public:
@@ -175,7 +175,7 @@ private:
     std::function<XmlHandler*(const std::string&)> m_handlerOf;
     std::string m_part;
     XmlHandler* m_handler = nullptr;
-    int m_depth = 0; // of elements in the XML of a part, the one around it included
+    int m_depth = 0; // of elements in the XML of a part, the surrounding one included
 };
 
 /// Notes the root element.
@@ -218,7 +218,7 @@ std::set<std::string> textParts(RelationshipsByPart& relationships)
     return found;
 }
 
-/// The part whose relationships are kept in a part of that name; nothing for a part that keeps none.
+/// The part whose relationships the part of this name holds; nothing for a part that holds none.
 std::optional<std::string> sourceOf(std::string_view part)
 {
     constexpr std::string_view folder = "_rels/";
@@ -232,7 +232,7 @@ std::optional<std::string> sourceOf(std::string_view part)
     return source;
 }
 
-/// Read twice, as the relationships may stand after what they belong to.
+/// Reads the package twice, since the relationships of a part may come after the part.
 std::string textOfFlatPackage(std::string_view xml)
 {
     RelationshipsByPart relationships;
@@ -274,7 +274,7 @@ std::optional<std::string> textOfFlatXml(std::string_view xml, ReadingBudget& bu
     if (root.uri == flatPackageUri)
         return textOfFlatPackage(xml);
 
-    // Most other XML is no document, and need not be read to its end to know.
+    // Most other XML is no document, which its beginning shows.
     for (const std::string_view part : { xml.substr(0, rootIsWithin), xml }) {
         Relationships none;
         WordXmlText text(none);

@@ -11,7 +11,7 @@
 namespace quilvane {
 
 /// The text of a Word document that is a package of XML parts in a zip archive (.docx and its kin), UTF-8:
-/// the body first, then what it refers to, then headers, footers, notes and comments. Of a damaged package,
+/// the body first, then what it refers to, then headers, footers, notes and comments. A damaged package gives
 /// what can still be unpacked. Nothing if it holds no word processor's document.
 std::optional<std::string> textOfOpenXml(std::string_view zip, ReadingBudget& budget);
 

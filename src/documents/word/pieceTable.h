@@ -11,8 +11,8 @@
 
 namespace quilvane {
 
-/// A stretch of a document's text. The text is its pieces in order, wherever they stand in the main stream: a
-/// fast-saved document has its later changes at the stream's end.
+/// A stretch of a document's text. The text is the sequence of its pieces, which may be anywhere in the main
+/// stream: a fast-saved document has its later changes at the stream's end.
 struct Piece {
     std::size_t begin; // a byte of the main stream
     std::size_t characters;

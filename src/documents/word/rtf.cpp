@@ -22,8 +22,8 @@ enum class Action {
     Character, // the value
     LineEnd,
     ParagraphEnd,
-    Skip, // of a group: nothing in it is text
-    Transparent, // of a group that readers may pass over: its text counts
+    Skip, // the group holds no text
+    Transparent, // of a group that readers may skip: its text counts
     Aside, // of a group: a text of its own
     FieldCode,
     FontTable,
@@ -45,7 +45,7 @@ struct Keyword {
     int value = 0;
 };
 
-/// Sorted by name. Words that are not here say how the text looks.
+/// Sorted by name. All other words describe only how the text looks.
 constexpr Keyword keywords[] = {
     { "annotation", Action::Aside },
     { "ansicpg", Action::DocumentCodePage },
@@ -120,13 +120,13 @@ const Keyword* findKeyword(std::string_view name)
     return found != std::end(keywords) && found->name == name ? found : nullptr;
 }
 
-/// What holds up to the end of a group, and in the groups inside it.
+/// The settings of a group, which the groups inside it inherit.
 struct State {
     bool isSkipped = false;
     bool isDeleted = false;
     bool isInFontTable = false;
     std::optional<int> font; // else the default one
-    /// How many characters after a \u stand in for it, for readers that do not know it.
+    /// How many characters after a \u replace it for readers that do not know it.
     int fallbackLength = 1;
 };
 
@@ -174,7 +174,7 @@ private:
         case '\\':
             readControl();
             break;
-        case '\0': // which fills what was never written
+        case '\0': // filler in damaged files
             m_rest.remove_prefix(std::min(m_rest.find_first_not_of('\0'), m_rest.size()));
             break;
         case '\r':
@@ -185,7 +185,7 @@ private:
         }
     }
 
-    /// Text up to the next byte that needs a look.
+    /// Text up to the next byte with a special meaning.
     void readPlain()
     {
         const auto isText = [](char c) {
@@ -413,7 +413,7 @@ private:
         m_fallbackLeft = m_state.fallbackLength;
     }
 
-    /// False for what nobody sees. Counts what stands in for a character that was given as a number.
+    /// False for invisible text, and for the characters that replace a \u, which it counts down.
     bool countsAsText()
     {
         if (m_fallbackLeft > 0) {
@@ -433,11 +433,11 @@ private:
     TextCollector m_text;
     State m_state;
     std::vector<Group> m_groups;
-    /// Of groups, those beyond `deepest` included.
+    /// How many groups are open, those beyond `deepest` included.
     std::size_t m_depth = 0;
-    /// After \*: a group whose first word is not known is to be passed over.
+    /// After \*: a group whose first word is not known is skipped.
     bool m_isOptional = false;
-    /// Characters that stand in for the one before them.
+    /// How many characters that replace a \u are still to come.
     int m_fallbackLeft = 0;
 
     int m_codePage = codePages::westernEurope;

@@ -9,15 +9,15 @@ namespace quilvane {
 
 namespace {
 
-/// Only letters of European alphabets beside ASCII: almost every pair of random bytes is some Unicode
-/// character, and up to 255 the letters have the same codes in one byte and in two.
+/// ASCII and the letters of European alphabets only: almost every pair of random bytes is some Unicode
+/// character. Up to 255 the letters have the same codes in one byte and in two.
 bool isPrintable(char16_t unit)
 {
     constexpr char16_t lastCyrillic = 0x052F;
     return (unit >= ' ' && unit < 0x7F) || unit == '\t' || (unit >= 0xC0 && unit <= lastCyrillic);
 }
 
-/// `unitAt` gives the character at an offset; each is `width` bytes wide, the first one stands at `begin`.
+/// `unitAt` gives the character at an offset; each is `width` bytes wide, and the first one is at `begin`.
 template <typename UnitAt>
 void collectRuns(
     TextCollector& text, std::string_view bytes, std::size_t begin, std::size_t width, UnitAt unitAt)
