@@ -6,7 +6,7 @@
 
 namespace quilvane {
 
-// Of the four exports this alone takes a cancelled dialog without a word.
+// Of the four exports only this one shows no message after a cancelled dialog.
 void Window1::exportBtn_Action()
 {
     exportList(Listbox1, ExportFormat::CSV, OnCancel::Silent);

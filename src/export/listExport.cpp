@@ -14,7 +14,7 @@ namespace quilvane {
 
 namespace {
 
-/// Column 0 of all rows as they stand, nothing quoted, sorted or left out.
+/// All rows, unchanged: nothing is quoted, sorted or left out.
 void writeRows(TextOutputStream& stream, const RowStore& rows, ExportFormat format)
 {
     constexpr std::size_t pieceSize = std::size_t(256) * 1024;
@@ -45,7 +45,7 @@ void exportList(const Listbox& list, ExportFormat format, OnCancel onCancel)
     const Ref<FolderItem> file = GetSaveFolderItem(
         "TEXT", format == ExportFormat::CSV ? "email_list.csv" : "email_list.txt", "Export");
     if (!file) {
-        // It blames a write that never began; users know the words.
+        // The message is wrong, since no write began, but users know it.
         if (onCancel == OnCancel::ShowMessage)
             MsgBox("Could not write the file for some reason.");
         return;

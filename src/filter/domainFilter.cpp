@@ -14,7 +14,7 @@ enum class Searched { DomainPart, WholeRow };
 enum class Source {
     Fixed,
     Typed,
-    TypedWithDot, // a text without a dot gets a literal one in front; with one it is taken as typed
+    TypedWithDot, // a text without a dot gets a literal one in front; any other is used as typed
 };
 
 struct Rule {
@@ -43,11 +43,11 @@ struct Rules {
     Rule remove;
 };
 
-// Keep's dots are literal. Remove's are wildcards on purpose: ".net" takes planet.example away as well.
+// Keep's dots are literal. Remove's are wildcards on purpose: ".net" removes planet.example as well.
 constexpr std::array<Rules, domainFilterCount> filters{ {
     { fixed("\\.com"), fixed(".com") },
     { fixed("\\.edu"), fixed(".edu") },
-    // Keep looks at the whole row here, so a local part with .gov in it is kept, too.
+    // Keep searches the whole row here, so an address with .gov before the '@' is kept, too.
     { fixed("\\.gov", Searched::WholeRow), fixed(".gov") },
     { fixed("\\.biz"), fixed(".biz") },
     { fixed("\\.tv"), fixed(".tv") },

@@ -41,7 +41,7 @@ struct DomainFilterChoice {
     std::array<std::string, customFilterCount> customTexts{};
 };
 
-/// One of the filters, ready to look at rows.
+/// One of the filters, ready to test rows.
 class RowFilter {
 public:
     enum class Purpose { Keep, Remove };
@@ -49,9 +49,9 @@ public:
     /// `filter` is a place in `choice.ticked`.
     RowFilter(Purpose purpose, std::size_t filter, const DomainFilterChoice& choice);
 
-    /// Whether Keep keeps the row, or Remove takes it away. Throws RegExSearchPatternException for a text
-    /// that is no pattern, RegExException for one that runs away, and OutOfBoundsException for a row without
-    /// an '@' where the domain is asked for.
+    /// Whether Keep keeps the row, or Remove removes it. Throws RegExSearchPatternException for a text that
+    /// is no pattern, RegExException for one that needs too many steps, and OutOfBoundsException for a row
+    /// without an '@' where the domain is asked for.
     bool matches(std::string_view row);
 
 private:

@@ -15,9 +15,9 @@ struct DomainFilterChoice;
 
 /// The dialog in which the user says which domains to keep in the main list, or to remove from it.
 ///
-/// It remembers nothing itself: every click and keystroke goes to App at once, and opening fills the controls
-/// from there, so Cancel undoes nothing. Ticks of the five custom rows are not stored; opening ticks those
-/// with a text.
+/// It stores nothing itself: every click and keystroke is copied to App at once, and a new dialog is filled
+/// from there, so Cancel undoes nothing. The ticks of the five custom rows are not stored; a new dialog ticks
+/// those with a text.
 class filterWIn : public Window {
 public:
     CheckBox checkCom{ *this, "checkCom" };
@@ -57,7 +57,7 @@ private:
     void Layout() override;
     void Event_Open() override;
 
-    /// Unticks the custom rows without a text, then gives what is ticked and typed.
+    /// Unticks the custom rows without a text, then returns what is ticked and typed.
     DomainFilterChoice takeChoice();
 };
 

@@ -16,13 +16,13 @@ namespace quilvane {
 
 namespace {
 
-/// Calls visit(filter, row) for each ticked filter and each row, filter by filter, and for each from the last
+/// Calls visit(filter, row) for each ticked filter and each row: filter by filter, and for each from the last
 /// row to the first.
 template <typename Visit>
 void runFilters(
     RowFilter::Purpose purpose, const DomainFilterChoice& choice, std::size_t rowCount, Visit visit)
 {
-    constexpr std::size_t rowsPerBlock = 64; // so few, as an own pattern may take long for each
+    constexpr std::size_t rowsPerBlock = 64; // so few, because a pattern that the user typed may be slow
     for (std::size_t i = 0; i < domainFilterCount; ++i) {
         if (!choice.ticked[i])
             continue;
@@ -57,8 +57,8 @@ void filterWIn::keepBtn_Action()
     Window1& main = implicit<Window1>();
     const DomainFilterChoice choice = takeChoice();
     const RowStore& rows = main.Listbox1.Rows();
-    // With nothing ticked no row is kept, and nothing asks. A row that several filters match is kept for
-    // each.
+    // With nothing ticked no row is kept, without a question. A row that several filters match is kept once
+    // for each.
     RowStore kept;
     runFilters(RowFilter::Purpose::Keep, choice, rows.size(), [&](RowFilter& filter, std::size_t row) {
         if (filter.matches(rows[row]))
@@ -87,7 +87,7 @@ void filterWIn::removeBtn_Action()
     } catch (...) {
         failure = std::current_exception();
     }
-    // What has been removed is gone, whatever ends a later filter.
+    // Also after a failure: what an earlier filter has removed is gone.
     main.Listbox1.RetainRows(0, stays);
     main.noteRemovedRows();
     if (failure)
