@@ -22,7 +22,7 @@ namespace {
 
 Application* theApplication = nullptr;
 
-/// The desktop's own request to end, as at the end of a session, takes the way of the menu item.
+/// Treats the desktop's request to quit, such as at the end of a session, like the menu item.
 class QuitFilter : public QObject {
 public:
     explicit QuitFilter(std::function<void()> quit)
@@ -92,7 +92,7 @@ int Application::Run(const std::function<void()>& lateStartUp)
 {
     lateStartUp();
     runGuarded("Event_Open", [this] { Event_Open(); });
-    // The program may have been told to quit while a dialog of the start was waiting.
+    // The program may have been told to quit while a dialog was open during the start.
     return m_quitting ? 0 : QApplication::exec();
 }
 
@@ -107,12 +107,12 @@ void Application::Quit()
 
 void Application::askedToQuit()
 {
-    // Not put off for a dialog: it ends with the program.
+    // Not put off while a dialog is open: the dialog ends with the program.
     if (!isOnlyPainting()) {
         Quit();
         return;
     }
-    // Put off as well as noted: the handler at work may end before it looks.
+    // Both put off and noted: the running handler may end before it checks m_mustQuit.
     putOff(this, [this] { Quit(); });
     m_mustQuit = true;
 }
@@ -134,7 +134,7 @@ void Application::endHandlerIfQuitting()
     Application& self = *theApplication;
     if (std::exchange(self.m_mustQuit, false))
         self.Quit();
-    // The windows' own closing events run to their end.
+    // While windows close, their handlers run to their end.
     if (self.m_quitting && !self.m_closingWindows && handlerDepth() > 0)
         throw QuitUnwinding();
 }
@@ -151,7 +151,7 @@ void Application::chosen(MenuItem& item)
 
 void Application::updateMenus()
 {
-    // A handler that the quitting has overtaken may end in this; there is no window left to bring up to date.
+    // A handler may call this at its end although the program is quitting and no window is left.
     if (m_quitting || putOff(this, [this] { updateMenus(); }))
         return;
     for (const auto& menu : menuBar().menus()) {
@@ -164,8 +164,8 @@ void Application::updateMenus()
 void Application::windowClosed()
 {
     QTimer::singleShot(0, qApp, [this] {
-        // No menu bar outlives the last window here, so no menu can be opened that would bring the menus up
-        // to date: that update comes now, and the program's pass makes its main window anew.
+        // Without a window there is no menu bar, so the user can't open a menu and thereby update the menus.
+        // So the update comes now; the program's part of it makes a new main window.
         if (!m_quitting && WindowList::instance().openWindows().empty())
             updateMenus();
     });

@@ -31,8 +31,8 @@ struct VersionData {
 /// Quit().
 class Application {
 public:
-    /// Answers a chosen menu item. The result says whether no further handler is to see it; there is only
-    /// one.
+    /// Handles a chosen menu item. The result says whether to call no further handler; it has no effect,
+    /// since there is only one.
     using MenuHandler = std::function<bool()>;
 
     Application();
@@ -58,16 +58,16 @@ public:
     /// Closes all windows, each with its closing event, and ends the event loop.
     void Quit();
 
-    /// Delivers all events that wait and all timers that are due. Returns as soon as nothing is left to do,
+    /// Delivers all waiting events and all timers that are due. Returns as soon as nothing is left to do,
     /// after `milliseconds` at the latest. After Quit() it ends the handler that has called it.
     static void DoEvents(int milliseconds);
 
-    // For the toolkit itself.
+    // To be called by the toolkit only.
     void chosen(MenuItem& item);
     void updateMenus();
     void windowClosed();
-    /// Quits if the program was asked to while its windows were only being painted. After Quit() ends the
-    /// handler that has called it: its windows have gone, so what it goes on to do would be seen by nobody.
+    /// Quits if the program was asked to while its windows were only being painted. After Quit() it throws,
+    /// to end the handler that has called it: with the windows gone, nobody would see what that does.
     static void endHandlerIfQuitting();
 
 protected:
@@ -90,8 +90,8 @@ private:
     bool m_closingWindows = false;
 };
 
-/// Brings menu items and buttons up to date: an item is enabled if something handles it, then the
-/// application's own pass runs.
+/// Updates menu items and buttons: enables each item that has a handler, then calls the application's
+/// Event_EnableMenuItems().
 void EnableMenuItems();
 
 } // namespace quilvane

@@ -45,7 +45,8 @@ public:
     }
 };
 
-/// Each in a turn of its own: a handler may run the event loop, and the others are to come in there.
+/// Each event in its own turn of the event loop: a handler may run the loop, which must then deliver the next
+/// events.
 void deliverPutOffSoon()
 {
     QTimer::singleShot(0, [] {
@@ -72,7 +73,7 @@ std::string describeCurrentException()
     }
 }
 
-/// What the program says of the failed handler.
+/// The program's own words about the failed handler.
 std::string wordsFor(const std::string& handlerName)
 {
     try {

@@ -7,18 +7,20 @@
 
 namespace quilvane {
 
-/// Runs `handler`, through which one event enters the program. What it throws ends this handler alone and is
-/// reported to the user in one dialog that names `name`; the caller goes on as if the handler had returned.
+/// Runs `handler`, the program's handler of one event. An exception ends only this handler and is reported to
+/// the user in one dialog; the caller goes on as if the handler had returned. `name` is the handler's, for
+/// the log and setFailureWords().
 ///
 /// Handlers nest (a dialog or DoEvents runs the event loop inside of one); each ends on its own. While the
-/// windows are only being painted nothing is run: an event that must not be lost is put off first.
+/// windows are only being painted no handler runs: an event that must not be lost has to be put off
+/// (putOff()) instead.
 void runGuarded(const std::string& name, const std::function<void()>& handler);
 
-/// Thrown through a handler that the quitting of the program has overtaken; runGuarded ends it without a
-/// word. Not a std::exception, so that no handler of errors takes it for one.
+/// Ends a handler that is running when the program quits; runGuarded catches it and reports nothing. Not a
+/// std::exception, so that no catch block takes it for an error.
 struct QuitUnwinding { };
 
-/// The same through a handler whose work the user has cancelled.
+/// The same for a handler whose work the user has cancelled.
 struct CancelUnwinding { };
 
 /// How many handlers are on the stack now; 0 in the bare event loop.
@@ -27,15 +29,15 @@ int handlerDepth();
 /// Whether the windows are only being painted while a handler works, so that no event may reach the program.
 bool isOnlyPainting();
 
-/// Whether what the user does now is to wait: the windows are only being painted, or events are held.
+/// Whether the user's actions must wait: the windows are only being painted, or events are held.
 bool eventsMustWait();
 
 /// While events must wait: keeps `event` for a later turn of the event loop and returns true. Else returns
-/// false. What an event is put off for, `owner`, forgets it when it goes itself.
+/// false. `owner` is the object to which the event belongs; its destructor must call forgetPutOff().
 bool putOff(const void* owner, std::function<void()> event);
 void forgetPutOff(const void* owner);
 
-/// The windows are only being painted while it lives.
+/// While it exists, the windows are only being painted.
 class OnlyPainting {
 public:
     OnlyPainting();
@@ -44,9 +46,9 @@ public:
     OnlyPainting& operator=(const OnlyPainting&) = delete;
 };
 
-/// Holds all timers and what the user does to a window of the program while it lives, as long as a modal
-/// dialog stands: the handler that has opened it still runs, and is to meet its data as it has left them. The
-/// desktop keeps mouse and keyboard from the windows by itself; the accessibility bus reaches them.
+/// While it exists, puts off all timers and the user's actions in the program's windows. For the time that a
+/// modal dialog is open: the handler that has opened it still runs, and must find its data unchanged. Mouse
+/// and keyboard can't reach the windows then; the accessibility bus can.
 class EventsHeld {
 public:
     EventsHeld();
@@ -58,9 +60,9 @@ public:
 /// Reports the exception in flight as runGuarded does. To be called inside of a catch block.
 void reportCurrentException(const std::string& handlerName);
 
-/// What the program does about a failed handler, and then tells of it: `words` gives the second part of the
-/// report, what has ended and what became of its work. The name of the handler itself goes to the log alone.
-/// So does what `words` throws.
+/// Sets the function that cleans up after a failed handler and returns the second part of its report: what
+/// has ended, and what became of its work. The handler's name itself is only logged, and so is what `words`
+/// throws.
 void setFailureWords(std::function<std::string(const std::string& handlerName)> words);
 
 } // namespace quilvane

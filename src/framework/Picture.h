@@ -9,7 +9,7 @@
 
 namespace quilvane {
 
-/// A drawing of the application's own resources, sharp at every size.
+/// A drawing from the application's resources, sharp at every size.
 class Picture {
 public:
     /// Nil if there is no drawing of that name.

@@ -8,13 +8,13 @@
 
 namespace quilvane {
 
-/// Throws a NilObjectException with that note.
+/// Throws a NilObjectException with this reason.
 [[noreturn]] void throwNilObject(const std::string& why);
 
 /// A shared reference that may be nil. Following a nil one throws NilObjectException instead of crashing.
 ///
-/// A factory that finds nothing returns Ref<T>::nil(why); a caller that goes on without testing then gets an
-/// exception that says why there is nothing, so the user reads "Permission denied" and not only "nil".
+/// A factory that finds nothing returns Ref<T>::nil(why); a caller that follows it without a test then gets
+/// an exception with that reason, so the user reads "Permission denied" and not only "nil".
 template <typename T>
 class Ref {
 public:
@@ -37,7 +37,7 @@ public:
         return Ref(std::make_shared<T>(std::forward<Arguments>(arguments)...));
     }
 
-    /// The note of the factory that found nothing; empty if it left none or the reference is not nil.
+    /// The reason that the factory gave; empty if it gave none or the reference is not nil.
     const std::string& whyNil() const { return m_whyNil; }
 
     explicit operator bool() const { return static_cast<bool>(m_object); }

@@ -22,8 +22,8 @@ namespace quilvane {
 
 namespace {
 
-/// In the sizes that title bars and panels show. Drawn here, since a desktop that does not know the program's
-/// entry, as when it is not installed, takes the windows' own icon.
+/// In the sizes that title bars and panels show. Needed where the desktop does not know the program's entry,
+/// as when it is not installed: then it shows the windows' own icon.
 QIcon iconFromDrawings(const QString& id)
 {
     QSvgRenderer small(QStringLiteral(":/icons/%1-small.svg").arg(id));
@@ -64,12 +64,12 @@ Runtime::Runtime(int& argc, char** argv, std::string_view applicationName)
     QApplication::setApplicationName(toQt(applicationName));
     // Closing the last window does not end the program; its File menu does.
     QApplication::setQuitOnLastWindowClosed(false);
-    // On every desktop; colours are the desktop's own.
+    // The same style on every desktop, in the desktop's colours.
     QApplication::setStyle(new ProgramStyle);
     followFocus();
-    // A write past the user's limit on file sizes shall fail with a reason and not end the program.
+    // A write beyond the user's limit on file sizes must fail with a reason and not end the program.
     std::signal(SIGXFSZ, SIG_IGN);
-    // So shall one to a connection or a process that has closed.
+    // So must a write to a connection or a process that has closed.
     std::signal(SIGPIPE, SIG_IGN);
 }
 

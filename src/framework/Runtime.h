@@ -7,15 +7,15 @@
 
 namespace quilvane {
 
-/// The toolkit itself, initialised: made first in the process and gone last.
+/// Initialises the toolkit. The first object of the process to be made and the last to be destroyed.
 class Runtime {
 public:
     /// `argc` and `argv` must live as long as the runtime.
     Runtime(int& argc, char** argv, std::string_view applicationName);
     ~Runtime();
 
-    /// Tells the desktop which of its entries this is: the windows get the entry's icon, from the resources.
-    /// Call it before there is a window.
+    /// Tells the desktop which desktop entry the program has, and gives the windows that entry's icon from
+    /// the resources. To be called before the first window is made.
     static void setDesktopEntry(std::string_view id);
 
     /// Light text on dark windows, whatever the desktop's own colours.

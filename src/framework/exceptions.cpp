@@ -11,7 +11,7 @@ namespace quilvane {
 
 namespace {
 
-constexpr std::size_t longestQuote = 80; // bytes; a pattern may be a pasted novel
+constexpr std::size_t longestQuote = 80; // bytes; a pattern may be a long pasted text
 
 std::string quote(std::string_view text)
 {

@@ -16,7 +16,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// A nil Ref was followed. `why` is the note of the factory that found nothing; empty if it left none.
+/// A nil Ref was followed. `why` is the reason that its factory gave; empty if it gave none.
 class NilObjectException : public RuntimeException {
 public:
     explicit NilObjectException(const std::string& why = {});

@@ -14,7 +14,7 @@ constinit thread_local Painter painter = nullptr; // set on the main thread only
 constinit long lastTurn = 0;
 constinit long lastPainting = 0;
 
-/// In milliseconds, as exact as the kernel's tick, and so a few nanoseconds' work.
+/// In milliseconds, only as exact as the kernel's tick, but a call takes a few nanoseconds.
 long now()
 {
     timespec time{};

@@ -4,9 +4,9 @@
 
 namespace quilvane {
 
-/// To be called again and again by whatever waits or works for long; as a rule it only looks at the clock.
-/// Where the event loop has not turned for so many milliseconds it lets the windows paint and answer the
-/// window manager and the accessibility bus. No event reaches the program meanwhile.
+/// To be called again and again by code that waits or works for long; usually it only looks at the clock. If
+/// the last turn of the event loop or the last painting is so many milliseconds ago, it lets the windows
+/// paint and answer the window manager and the accessibility bus. No event reaches the program meanwhile.
 ///
 /// What a window shows must be whole at the call: no list between two states. If the program was asked to
 /// quit, this ends the handler that has called it, as Application::DoEvents does. On other threads than the
@@ -14,12 +14,12 @@ namespace quilvane {
 void keepWindowPainted(long milliseconds = 100);
 
 namespace internal {
-/// For the toolkit itself: what to call when it is time, on this thread; nullptr for nothing.
+/// To be called by the toolkit only. Sets what keepWindowPainted() calls on this thread; nullptr for nothing.
 void setWindowPainter(void (*paint)());
-/// The time to the next painting starts now, of either; the first is for the event loop itself.
+/// Both start the time to the next painting; the first one also starts timeSinceTurn().
 void eventLoopTurned();
 void windowsWerePainted();
-/// In milliseconds, since the event loop turned last.
+/// In milliseconds, since the last turn of the event loop.
 long timeSinceTurn();
 } // namespace internal
 

@@ -6,8 +6,8 @@
 
 namespace quilvane {
 
-/// Writes a line of the toolkit's own to the standard error stream, for whoever looks into what went wrong.
-/// The program's log is System::DebugLog.
+/// Writes a line of the toolkit to the standard error stream, as a help in finding faults. The program's log
+/// is System::DebugLog.
 void logLine(std::string_view text);
 
 } // namespace quilvane

@@ -9,7 +9,7 @@
 
 namespace quilvane {
 
-/// What ends a line in the text files that the program writes.
+/// The line end in the text files that the program writes.
 inline constexpr std::string_view endOfLine = "\n";
 
 /// Plain decimal digits, with a minus sign below 0.
@@ -19,7 +19,7 @@ std::string Str(Number number)
     return std::to_string(number);
 }
 
-/// The one ASCII character of that code, 0 to 127; OutOfBoundsException for any other.
+/// The ASCII character of that code, 0 to 127; OutOfBoundsException for any other.
 std::string Chr(int code);
 
 /// The pieces of `text` between the separators, one more than there are separators, so never none. An empty

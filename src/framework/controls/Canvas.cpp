@@ -89,8 +89,8 @@ protected:
 private:
     class Accessible;
 
-    /// Of the files and folders of this machine among what is dragged. A list may hold comments and other
-    /// addresses as well.
+    /// The paths of the dragged files and folders of this machine. The dragged list may also hold comments
+    /// and other addresses.
     static std::vector<std::optional<std::string>> localPaths(const QMimeData& dragged)
     {
         std::vector<std::optional<std::string>> paths;
@@ -106,12 +106,12 @@ private:
         return paths;
     }
 
-    /// Takes the drag, or refuses it while events must wait: who drops shall see at once that nothing comes
-    /// of it.
+    /// Accepts the drag, or refuses it while events must wait, so that the user sees at once that a drop
+    /// would have no effect.
     void answer(QDropEvent& event)
     {
-        // A copy where it is offered: what is moved the source may delete. Not all sources tell what they
-        // offer.
+        // As a copy where that is offered, since after a move the source may delete the file. Not all sources
+        // tell what they offer.
         event.setDropAction(
             event.possibleActions().testFlag(Qt::CopyAction) ? Qt::CopyAction : event.proposedAction());
         event.setAccepted(!eventsMustWait());
@@ -136,8 +136,8 @@ private:
     bool m_takesDrag = false;
 };
 
-/// What a screen reader meets: a button where a press does something, else a picture. One without a name is
-/// decoration and stays a plain surface, which readers pass over.
+/// What a screen reader finds: a button if a press has an effect, else a picture. A canvas without a name is
+/// decoration, which screen readers skip.
 class Canvas::Area::Accessible : public QAccessibleWidget {
 public:
     explicit Accessible(Area& area)
@@ -163,7 +163,7 @@ public:
 
     void doAction(const QString& name) override
     {
-        // Not at once: the reader waits for the answer, and what is pressed may show a dialog.
+        // Not at once: the screen reader waits for the call to return, and the press may open a dialog.
         if (actionNames().contains(name) && name == pressAction())
             QMetaObject::invokeMethod(
                 &m_area, [&area = m_area] { area.press(); }, Qt::QueuedConnection);
@@ -195,7 +195,7 @@ Canvas::~Canvas()
 
 void Canvas::Drop(DragItem item)
 {
-    // It was taken before the handler at work began.
+    // The drop was accepted before the running handler began.
     if (putOff(this, [this, item] { Drop(item); }))
         return;
     if (DropObject)

@@ -14,22 +14,22 @@ public:
     Canvas(Window& window, std::string_view name);
     ~Canvas() override;
 
-    /// The window's controls are all in place.
+    /// All of the window's controls have their places.
     std::function<void()> Open;
 
     /// The mouse was pressed on the canvas, or the space bar or Return while it has the keyboard. The result
-    /// says whether the program has dealt with the press; nothing further follows either way.
+    /// says whether the program has handled the press; it has no effect.
     std::function<bool()> MouseDown;
 
-    /// Something was dropped on the canvas. It comes from the event loop once the other program has been told
-    /// that the drop is taken, so that it need not wait for what the handler does.
+    /// Something was dropped on the canvas. Fired in a later turn of the event loop, so that the other
+    /// program learns at once that the drop is taken and need not wait for the handler.
     std::function<void(DragItem& item)> DropObject;
 
     /// Drops something as the user would.
     void Drop(DragItem item);
 
-    /// Lets files be dropped if `fileType` is the name of a declared file type. One such call lets in files
-    /// of all kinds, and folders: what is dragged tells its names only, and folders have no type.
+    /// Lets files be dropped if `fileType` is the name of a declared file type. One such call allows files of
+    /// all kinds, and folders: a drag tells only names, and folders have no type.
     void AcceptFileDrop(std::string_view fileType);
 
     /// A nil picture leaves the canvas empty.

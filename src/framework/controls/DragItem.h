@@ -13,8 +13,7 @@
 
 namespace quilvane {
 
-/// What was dropped, item by item: look at the item in hand, then ask for the next. The first is in hand at
-/// once.
+/// The dropped items, one at a time. The first is current at the beginning; NextItem() goes to the next.
 class DragItem {
 public:
     /// Native paths; none for an item that is no file or folder.
@@ -25,13 +24,13 @@ public:
 
     bool FolderItemAvailable() const { return m_current < m_paths.size() && m_paths[m_current]; }
 
-    /// The file or folder in hand, which may be gone; nil if the item is none.
+    /// The current file or folder, which may have vanished; nil if the item is neither.
     Ref<quilvane::FolderItem> FolderItem() const
     {
         return FolderItemAvailable() ? itemAt(*m_paths[m_current]) : Ref<quilvane::FolderItem>();
     }
 
-    /// False, and the last item stays in hand, when there is no further one.
+    /// False if there is no further item; the last one then stays current.
     bool NextItem()
     {
         if (m_current + 1 >= m_paths.size())

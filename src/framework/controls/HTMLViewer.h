@@ -10,15 +10,15 @@
 
 namespace quilvane {
 
-/// The place of a web viewer, parked outside of the window, without a network. Nothing is ever scanned in
-/// what it would load, and it is given every address that is half typed: loading those would tell strangers'
-/// servers what the user types, and ask for each page twice. So every load is one that fails, for which there
-/// is no event.
+/// Stands for a web viewer. It lies outside of the window and loads nothing. What it would load is never
+/// scanned, and it gets every half-typed address: to load those would tell foreign servers what the user
+/// types, and would ask for each page twice. So every load fails, for which there is no event.
 class HTMLViewer : public RectControl {
 public:
     HTMLViewer(Window& window, std::string_view name);
 
-    /// Where a viewer that loads pages would tell that one is here, and how much of it, 0 to 100. Not fired.
+    /// A page was loaded; a part of it was loaded, `percentage` from 0 to 100. Never fired, since nothing is
+    /// loaded.
     std::function<void(const std::string& url)> DocumentComplete;
     std::function<void(const std::string& url, int percentage)> DocumentProgressChanged;
 

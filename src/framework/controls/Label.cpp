@@ -42,7 +42,8 @@ private:
         if (!m_designColor)
             return;
         const QColor color = readableOn(palette().color(QPalette::Window), *m_designColor, textContrast);
-        // Setting the palette comes back here as a palette change; it ends with the colour already set.
+        // Setting the palette causes another palette change, which ends here, since the colour is set
+        // already.
         if (palette().color(QPalette::WindowText) == color)
             return;
         QPalette changed;
@@ -173,7 +174,8 @@ void Label::showHelpText()
     QWidget& label = *native().widget;
     if (m_isCut)
         label.setToolTip(tooltip(m_text + (helpText().empty() ? "" : "\n\n" + helpText())));
-    // A label that lies over a picture lets drops and clicks through to it, and would not show a tooltip.
+    // A label may lie over a picture and then lets drops and clicks through to it. One with a tooltip can't,
+    // since it would not show.
     label.setAttribute(Qt::WA_TransparentForMouseEvents, label.toolTip().isEmpty());
 }
 

@@ -13,30 +13,30 @@ public:
     Label(Window& window, std::string_view name);
 
     const std::string& Text() const { return m_text; }
-    /// Plain text: markup is shown as it stands, and a line end, as in a file's name, in a
-    /// label of one line as a visible sign.
+    /// Plain text: markup is shown unchanged. In a label of one line a line end, which a file's name may
+    /// hold, is shown as a visible sign.
     void setText(std::string_view text);
 
-    /// 0xRRGGBB, as drawn on a light window. On a background on which it could not be read the label takes a
-    /// lighter or darker shade of it.
+    /// 0xRRGGBB, for a light window. On a background on which it could not be read the label takes a lighter
+    /// or darker shade.
     void setTextColor(std::uint32_t rgb);
     /// Pixels of the control table.
     void setTextSize(int pixels);
-    /// What is really free for the text, in pixels of the control table: `width`, less than the table's where
-    /// another control lies over the label, and `above` it room for a second line.
+    /// The room that is really free for the text, in pixels of the control table: `width`, which is less than
+    /// the table's where another control covers the label, and `above` the label, for a second line.
     void setRoom(int width, int above);
     void setCentred();
-    /// The text is broken into lines where it stands in the table and begins at the top.
+    /// The text is broken into lines and begins at the top.
     void setMultiline();
 
 private:
     void makeWidget(Native& native) override;
     void setTableCaption(std::string_view caption) override;
-    /// After the text, where that is cut.
+    /// If the text is cut, the tooltip begins with the whole text.
     void showHelpText() override;
 
-    /// Sets the text as large as it fits, from the text's size down, in one line or in as many as there is
-    /// room for. What fits in no size is cut in its middle, and a tooltip has it whole.
+    /// Shows the text in the largest size in which it fits, at most m_textSize, in one line or in as many as
+    /// there is room for. A text that fits in no size is cut in its middle, and the tooltip shows all of it.
     void fit();
 
     std::string m_text;

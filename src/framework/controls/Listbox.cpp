@@ -27,15 +27,15 @@ public:
 
     const RowStore& rows() const { return m_rows; }
 
-    /// For additions: the view asks for what it has not been told of.
+    /// For additions, of which the view is told later.
     RowStore& rowsToAddTo()
     {
         tellViewSoon();
         return m_rows;
     }
 
-    /// For removals. The rows before `firstChanged` stay as they are; `move` does to a place in the list what
-    /// the caller then does to the rows.
+    /// For removals. The rows before `firstChanged` stay as they are. `move` must change a RowPlace as the
+    /// caller will change the rows.
     template <typename Move>
     RowStore& rowsToChange(std::size_t firstChanged, Move move)
     {
@@ -53,7 +53,7 @@ public:
         return m_rows;
     }
 
-    /// What was copied stays as it is, whatever becomes of the rows from that one on.
+    /// To be called before rows from `firstChanged` on change: copied rows must keep their text.
     void keepCopies(std::size_t firstChanged)
     {
         for (const QPointer<CopiedRows>& copy : m_copies) {
@@ -124,9 +124,9 @@ private:
     }
 
     RowStore m_rows;
-    RowView* m_view = nullptr; // goes before the model
-    QList<QPointer<CopiedRows>> m_copies; // some may be gone
-    RowPlace m_place; // of what the view was told, as moved since; while m_viewRowsChanged
+    RowView* m_view = nullptr; // is deleted before the model
+    QList<QPointer<CopiedRows>> m_copies; // some may have been deleted
+    RowPlace m_place; // valid while m_viewRowsChanged: the view's place in the changed rows
     bool m_selectionLost = false;
     int m_viewRows = 0;
     bool m_viewRowsChanged = false;
@@ -141,7 +141,7 @@ Listbox::Listbox(Window& window, std::string_view name)
 
 Listbox::~Listbox()
 {
-    deleteWidget(); // before the model it shows
+    deleteWidget(); // before the model that it shows
 }
 
 void Listbox::AddRow(std::string_view text)
@@ -209,7 +209,7 @@ void Listbox::RetainRows(std::size_t first, std::span<const unsigned char> stays
     m_model->keepCopies(firstChanged);
     constexpr long soon = 10; // ms: the removal goes on without a pause, for 100 ms where rows are many
     keepWindowPainted(soon);
-    ++m_arrangement; // before, as it may fail half-way
+    ++m_arrangement; // before the removal, which may fail half-way
     m_model->rowsToChange(firstChanged, [&](RowPlace& place) { place.retain(first, stays); })
         .retain(first, stays);
 }

@@ -14,14 +14,14 @@ class RowStore;
 
 /// A list of one column, made for millions of rows. Rows are numbered from 0.
 ///
-/// Rows belong to the program at once; the view is told of them once a pass of the event loop, however many
-/// came, and draws only those in sight.
+/// New rows can be read at once; the view is told of them once in a turn of the event loop, however many
+/// there are, and draws only those in sight.
 class Listbox : public RectControl {
 public:
     Listbox(Window& window, std::string_view name);
     ~Listbox() override;
 
-    /// Other rows are selected than before, or none is any more.
+    /// The selection has changed.
     std::function<void()> Change;
 
     void AddRow(std::string_view text);
@@ -54,19 +54,19 @@ public:
     /// is in sight moves with the rows.
     void RetainRows(std::size_t first, std::span<const unsigned char> stays);
 
-    /// Makes the list anew from these rows and leaves the store empty. Nothing is selected then: nobody tells
-    /// which row has come from which.
+    /// Replaces all rows by these and leaves the store empty. Nothing is selected then, since it is not known
+    /// which new row stands for which old one.
     void ReplaceRows(RowStore&& rows);
 
-    /// Another number each time that DeleteAllRows, RetainRows or ReplaceRows has removed or moved rows.
-    /// While it stays the same, each row is where it was.
+    /// A number that changes each time that DeleteAllRows, RetainRows or ReplaceRows has removed or moved
+    /// rows. While it is the same, each row is where it was.
     std::uint64_t Arrangement() const { return m_arrangement; }
 
     /// Changes nothing: the list never has a heading.
     void setHasHeading(bool) { }
 
-    /// Widths of the columns in pixels, separated by commas. Changes nothing: the one column there is fills
-    /// the list, since an address cut off at a width nobody sees would help no one.
+    /// Widths of the columns in pixels, separated by commas. Changes nothing: the only column fills the list,
+    /// so that no address is cut off.
     void setColumnWidths(std::string_view) { }
 
 private:

@@ -8,8 +8,8 @@ namespace quilvane {
 
 class Window;
 
-/// A menu bar that any number of windows show: the items and their states are one, each window draws its own
-/// bar.
+/// A menu bar that any number of windows show. They share the items and their states; each window draws its
+/// own bar.
 class MenuBar {
 public:
     MenuBar();

@@ -22,7 +22,7 @@ MenuItem::MenuItem(std::string_view name, std::string_view text, std::string_vie
         return;
     }
     action.setText(toQt(text));
-    // Qt's Ctrl is the platform's command key.
+    // Qt calls the platform's command key Ctrl.
     action.setShortcut(QKeySequence(toQt(shortcut).replace("Cmd+", "Ctrl+")));
     QObject::connect(&action, &QAction::triggered, [this] { Choose(); });
 }

@@ -14,7 +14,7 @@ namespace quilvane {
 class MenuItem {
 public:
     /// `shortcut` as in "Cmd+Q", where Cmd stands for the platform's command key. The text "-" is a
-    /// separator; an ampersand in it stands before the letter that selects the item.
+    /// separator; an ampersand in the text precedes the letter that selects the item.
     MenuItem(std::string_view name, std::string_view text, std::string_view shortcut = {});
     virtual ~MenuItem();
     MenuItem(const MenuItem&) = delete;
@@ -29,7 +29,7 @@ public:
     bool Enabled() const { return m_enabled; }
     void setEnabled(bool enabled);
 
-    /// What the item shows under the pointer.
+    /// The item's tooltip.
     void setHelpText(std::string_view text);
 
     virtual bool isQuit() const { return false; }

@@ -16,7 +16,7 @@ public:
     /// Presses the button as the user would: nothing happens while it is disabled.
     void Push();
 
-    // For Layout: the button that Return presses where nothing else takes that key, and the one that Escape
+    // For Layout: the button that Return presses if no control takes that key, and the one that Escape
     // presses.
     void setDefault();
     void setCancel();

@@ -37,8 +37,8 @@ void RectControl::setVisible(bool visible)
     m_visible = visible;
     if (!m_native->widget)
         return;
-    // What is hidden for a moment only stays: the walk hides its progress line for each folder, and a screen
-    // reader would be told of each time.
+    // Hidden later, so that a control which is shown again at once does not change: the walk hides its
+    // progress line for each folder, and a screen reader would be told each time.
     if (visible)
         m_native->widget->show();
     else
@@ -104,7 +104,8 @@ void RectControl::showHelpText()
 {
     QWidget& widget = *m_native->widget;
     widget.setToolTip(tooltip(m_helpText));
-    // Only a change, as a screen reader is told each time: the progress is written many times a second.
+    // Only if it has changed: a screen reader is told each time, and the progress is written many times a
+    // second.
     if (const QString description = toQt(m_helpText); description != widget.accessibleDescription())
         widget.setAccessibleDescription(description);
 }

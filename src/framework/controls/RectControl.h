@@ -34,12 +34,13 @@ struct ControlRow {
     int tabIndex;
 };
 
-/// What all controls that have a place in a window share.
+/// The base class of all controls with a place in a window.
 ///
 /// A control is a member of its window and registers itself there by name. The window's Layout gives it its
 /// place from the control table; only then, and only if some part of that place lies inside of the content,
-/// does it get a widget. Controls parked above or left of the content are working parts: they hold their
-/// state and fire their events like any other, but neither mouse, keyboard nor screen reader comes upon them.
+/// does it get a widget. Controls above or left of the content ("parked" ones) are for internal use: they
+/// hold their state and fire their events like any other, but neither mouse, keyboard nor screen reader can
+/// reach them.
 class RectControl {
 public:
     RectControl(Window& window, std::string_view name, ControlKind kind);
@@ -52,7 +53,7 @@ public:
 
     /// What was set, not whether the control can be seen: a parked control is visible, too.
     bool Visible() const { return m_visible; }
-    /// Hiding reaches the screen when the event loop gets its turn.
+    /// The control is hidden on the screen in the next turn of the event loop.
     void setVisible(bool visible);
 
     bool Enabled() const { return m_enabled; }
@@ -67,24 +68,23 @@ public:
     /// Gives the control the keyboard when its window is shown.
     void setFocus();
 
-    /// What a screen reader says for a control that shows no text of its own.
+    /// What a screen reader speaks for a control that shows no text of its own.
     void setAccessibleName(std::string_view name);
 
-    /// What the control shows under the pointer, and what a screen reader can tell of it besides its name.
-    /// Plain text of one or more lines, which are broken where they are long.
+    /// The control's tooltip, and its description for a screen reader. Plain text of one or more lines; long
+    /// ones are broken.
     void setHelpText(std::string_view text);
 
-    /// Gives the control its place and its widget. Once, by the window.
+    /// Gives the control its place and its widget. The window calls it once.
     void place(const ControlRow& row);
 
     struct Native;
     Native& native() { return *m_native; }
 
 protected:
-    /// Makes the control's widget in `native.content` and connects its signals. Default: a kind that never
-    /// shows.
+    /// Makes the control's widget in `native.content` and connects its signals. Default: no widget.
     virtual void makeWidget(Native& native);
-    /// Takes the caption column of the table. Default: this kind shows none.
+    /// Shows the caption from the table. Default: shows none.
     virtual void setTableCaption(std::string_view caption);
     /// Shows the help text. Default: as the widget's tooltip and description.
     virtual void showHelpText();
@@ -94,10 +94,10 @@ protected:
     Window& window() const { return m_window; }
     const std::string& helpText() const { return m_helpText; }
 
-    /// For a control whose widget looks at its members: to be called in its own destructor.
+    /// For a control whose widget uses the control's members: to be called in the control's destructor.
     void deleteWidget();
 
-    /// Runs an event's handler, if one is bound, under the guard, named control, underscore, event.
+    /// Runs an event's handler, if one is bound, with runGuarded(), under the name "control_event".
     void fire(std::string_view event, const std::function<void()>& handler) const;
 
 private:

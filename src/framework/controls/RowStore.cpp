@@ -17,10 +17,11 @@ namespace quilvane {
 
 namespace {
 
-/// In bytes, with what it takes to look for duplicates among them.
+/// In bytes, with the share of the index that finds duplicates.
 constexpr std::uint64_t memoryForRow = 96;
 
-/// To be called where so many chunks have gone: the heap would keep what lies below anything still in use.
+/// To be called after so many chunks were freed: otherwise the heap keeps freed memory that lies below memory
+/// in use.
 void giveBackMemoryOf(std::size_t chunks)
 {
     constexpr std::size_t many = 256;
@@ -28,8 +29,8 @@ void giveBackMemoryOf(std::size_t chunks)
         ::malloc_trim(0);
 }
 
-/// Calls take(i) for each row i that holds `literal`, of rows that stand one after the other in `text`.
-/// ends[i] - offset is the place after row i.
+/// Calls take(i) for each row i that holds `literal`. `text` is the rows one after the other; row i ends at
+/// ends[i] - offset.
 template <typename Take>
 void forEachRowWith(const LiteralText& literal, std::string_view text, const std::uint32_t* ends,
     std::uint32_t offset, Take take)
@@ -121,7 +122,7 @@ void RowStore::truncate(std::size_t count)
 {
     m_chunks.resize((count + rowsPerChunk - 1) / rowsPerChunk);
     m_size = count;
-    m_room = 0; // what is there is found out when the next row comes
+    m_room = 0; // makeRoom() finds out with the next row
 }
 
 void RowStore::retain(std::size_t first, std::span<const unsigned char> stays)
@@ -132,8 +133,8 @@ void RowStore::retain(std::size_t first, std::span<const unsigned char> stays)
     if (row == oldSize)
         return;
 
-    // The chunks from that row's on are taken out and what stays of them is added again. What has been copied
-    // goes at once: the peak is the list and one chunk, not the list twice.
+    // The chunks from that row on are taken out, and their remaining rows are added again. Each old chunk is
+    // freed at once: at most the list and one chunk are in memory, not the list twice.
     const std::size_t firstChunk = row / rowsPerChunk;
     requireMemoryForCopyOfAny(firstChunk);
     std::vector<ChunkPointer> old(std::make_move_iterator(m_chunks.begin() + std::ptrdiff_t(firstChunk)),
@@ -170,7 +171,7 @@ void RowStore::requireMemoryForCopyOfAny(std::size_t firstChunk) const
 
 void RowStore::makeRoomIfMemoryAllows(std::size_t bytes)
 {
-    // Once a million rows, and not for a short list.
+    // Checked once in a million rows, and not for a short list.
     constexpr std::size_t million = std::size_t(1) << 20;
     if (m_size % million == 16 * rowsPerChunk)
         requireMemory(million * memoryForRow, "The list is too long");
@@ -191,7 +192,7 @@ void RowStore::makeRoom(std::size_t bytes)
     if (index == 0) {
         if (!m_chunks.empty())
             resize(m_chunks.back(), lastText);
-        // Rows are much like those before them.
+        // The next rows will be about as long as the last ones.
         ChunkPointer next;
         const std::size_t room = std::max({ bytes, lastText + lastText / 16, smallestText });
         resize(next, room);
@@ -201,7 +202,7 @@ void RowStore::makeRoom(std::size_t bytes)
     } else {
         const std::size_t room = std::max(bytes, used / 2);
         resize(m_chunks.back(), used + room);
-        m_room = room; // only now: what can't be had is not promised
+        m_room = room; // only after resize(), which may throw
     }
 }
 

@@ -17,12 +17,12 @@ class RegEx;
 /// The rows of a list: texts in chunks of one arena each, so that millions cost little more than their bytes
 /// and adding a row never moves the earlier ones. Rows are numbered from 0.
 ///
-/// What adds rows throws OutOfMemoryException when memory gets short, and std::length_error when 4,096 rows
-/// come to more than 4 GB.
+/// Functions that add rows throw OutOfMemoryException when memory gets short, and std::length_error when
+/// 4,096 rows come to more than 4 GB.
 class RowStore {
 public:
     RowStore() = default;
-    /// What was moved from is empty.
+    /// The store that was moved from is empty afterwards.
     RowStore(RowStore&& other) noexcept;
     RowStore& operator=(RowStore&& other) noexcept;
 
@@ -42,13 +42,13 @@ public:
     /// Adds copies of the rows of `other`, another store, from row `first` on.
     void append(const RowStore& other, std::size_t first);
 
-    /// Adds the rows of `other` and leaves it empty. Its memory goes as its rows come over.
+    /// Adds the rows of `other` and leaves it empty. Frees its memory while its rows are copied.
     void take(RowStore&& other);
 
     std::size_t size() const { return m_size; }
     bool empty() const { return m_size == 0; }
 
-    /// Valid until rows are removed or the store goes. `row` must be below size().
+    /// Valid until rows are removed or the store is destroyed. `row` must be below size().
     std::string_view operator[](std::size_t row) const
     {
         return m_chunks[row / rowsPerChunk]->rows(row % rowsPerChunk, row % rowsPerChunk + 1);
@@ -73,9 +73,9 @@ public:
 private:
     static constexpr std::size_t rowsPerChunk = 4096;
 
-    /// What a block of memory begins with; the texts of the rows follow it.
+    /// The beginning of a block of memory; the texts of the rows follow it.
     struct Chunk {
-        std::uint32_t ends[rowsPerChunk + 1]; // of row i: the byte after its text is ends[i + 1]
+        std::uint32_t ends[rowsPerChunk + 1]; // the text of row i is at [ends[i], ends[i + 1])
 
         char* text() { return reinterpret_cast<char*>(this + 1); }
         const char* text() const { return reinterpret_cast<const char*>(this + 1); }
@@ -91,14 +91,14 @@ private:
     };
     using ChunkPointer = std::unique_ptr<Chunk, Free>;
 
-    /// Makes room for one more row, or for several that fit into the last chunk, of `bytes` bytes together.
+    /// Makes room for `bytes` bytes: one more row, or several that fit into the last chunk.
     void makeRoom(std::size_t bytes);
     void makeRoomIfMemoryAllows(std::size_t bytes);
-    /// Throws std::bad_alloc if a chunk from that one on could not be copied.
+    /// Throws std::bad_alloc if there is no memory for a copy of the largest chunk from `firstChunk` on.
     void requireMemoryForCopyOfAny(std::size_t firstChunk) const;
     /// Gives a chunk, or a null one, room for that many bytes of text.
     static void resize(ChunkPointer& chunk, std::size_t textSize);
-    /// Adds the rows [begin, end) of a chunk that stays as it is.
+    /// Adds copies of the rows [begin, end) of a chunk.
     void appendRows(const Chunk& chunk, std::size_t begin, std::size_t end);
 
     std::vector<ChunkPointer> m_chunks; // all but the last are full

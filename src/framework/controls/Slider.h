@@ -8,12 +8,12 @@
 
 namespace quilvane {
 
-/// A counter with an event, always parked outside of the window: it has no widget.
+/// A counter with an event. It always lies outside of the window and has no widget.
 class Slider : public RectControl {
 public:
     Slider(Window& window, std::string_view name);
 
-    /// The value has been changed. Not fired when a new maximum pushes it down.
+    /// The value has been changed. Not fired when a new maximum lowers it.
     std::function<void()> ValueChanged;
 
     /// May be -1, for a document without pages: the value then stays at 0.

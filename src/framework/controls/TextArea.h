@@ -6,7 +6,7 @@
 
 namespace quilvane {
 
-/// Always parked outside of the window: a name without a widget.
+/// Always outside of the window: a name without a widget.
 class TextArea : public RectControl {
 public:
     TextArea(Window& window, std::string_view name)

@@ -27,7 +27,7 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override
     {
-        // A handler that fails has had the key, too: it is not to press the default button as well.
+        // A key counts as handled also if the handler fails: it must not press the default button as well.
         bool handled = bool(m_field.KeyDown);
         if (handled)
             m_field.fire("KeyDown", [&] { handled = m_field.KeyDown(characterOf(*event)); });
@@ -41,7 +41,7 @@ protected:
         const int length = selectionLength();
         const bool cursorAtStart = cursorPosition() == start;
         QLineEdit::focusOutEvent(event);
-        // Qt takes the selection away; the Edit menu, when reached by the Alt key, is to find it.
+        // Qt removes the selection, but the Edit menu needs it when it is opened by the Alt key.
         if (event->reason() == Qt::MenuBarFocusReason && length > 0)
             cursorAtStart ? setSelection(start + length, -length) : setSelection(start, length);
     }

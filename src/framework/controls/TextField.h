@@ -6,8 +6,7 @@
 
 namespace quilvane {
 
-/// A one-line text field. Parked outside of the window it has no widget and is a text buffer that takes any
-/// bytes.
+/// A one-line text field. Outside of the window it has no widget and is a text buffer for any bytes.
 class TextField : public RectControl {
 public:
     TextField(Window& window, std::string_view name);
@@ -15,7 +14,7 @@ public:
     /// The text has changed, by the user or by code.
     std::function<void()> TextChange;
 
-    /// A key was pressed in the field; true if it is not to be typed. The key is its character, Chr(13) for
+    /// A key was pressed in the field; true if it must not be typed. The key is its character, Chr(13) for
     /// Return and Chr(3) for the Enter key of the numeric pad.
     std::function<bool(const std::string& key)> KeyDown;
 

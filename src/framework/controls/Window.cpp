@@ -32,7 +32,7 @@ namespace quilvane {
 
 namespace {
 
-/// The frame of a window on the screen; the user's closing of it becomes the program's Close.
+/// The frame of a window on the screen. When the user closes it, it calls Window::Close().
 class Frame : public QMainWindow {
 public:
     explicit Frame(Window& window)
@@ -63,7 +63,7 @@ private:
     Window& m_window;
 };
 
-/// Where the last open window stood when it closed, for the one that comes after it.
+/// The place on the screen of the last open window when it closed, for the next window.
 std::optional<QPoint> placeOfLastWindow;
 
 constexpr int smallestSide = 64;
@@ -97,7 +97,7 @@ void Window::Native::scaleToUserAndScreen(const QSize& contentSize)
         auto* area = new QScrollArea;
         area->setFrameShape(QFrame::NoFrame);
         area->setFocusPolicy(Qt::NoFocus);
-        // Of the design's size, so that what is parked outside of it is not to be scrolled to.
+        // A fixed size, so that the user can't scroll to what lies outside of it.
         content->setFixedSize(scaledSize);
         area->setWidget(frame->takeCentralWidget());
         frame->setCentralWidget(area);
@@ -253,7 +253,7 @@ void Window::showAtStart()
         Show();
         return;
     }
-    // Once the event loop runs: a window that the handler closes again never reaches the screen.
+    // In a turn of the event loop, so that a window which the handler closes again is never shown.
     QTimer::singleShot(0, m_native->frame.get(), [this] {
         if (!m_closed && !m_native->frame->isVisible())
             Show();
@@ -278,7 +278,7 @@ Window& WindowList::implicitInstance(std::type_index type, std::unique_ptr<Windo
 {
     if (Window* open = findImplicit(type))
         return *open;
-    // It is in the list before it opens: its own Event_Open may ask for the implicit instance.
+    // Added to the list before it opens: its own Event_Open may ask for the implicit instance.
     m_open.push_back({ make(), type });
     Window& made = *m_open.back().window;
     made.runOpening();

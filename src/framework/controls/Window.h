@@ -15,12 +15,12 @@ namespace quilvane {
 class MenuBar;
 class PushButton;
 
-/// What a window is apart from its controls. Sizes are those of the content, the menu bar not counted, in
+/// The properties of a window without its controls. Sizes are those of the content without the menu bar, in
 /// pixels of the control table.
 struct WindowProperties {
     std::string_view title;
     int width, height;
-    MenuBar* menuBar = nullptr; // none of its own: the application's
+    MenuBar* menuBar = nullptr; // null: the application's
     bool minimizeButton = false;
     bool maximizeButton = false;
     bool resizable = false;
@@ -33,9 +33,9 @@ struct WindowProperties {
 /// smaller as the user's text is when the window is made, and never larger than the screen.
 ///
 /// Made by implicit<W>() or openWindow<W>(): the constructor makes the controls, Layout gives them their
-/// places and binds their events, Event_Open runs. Close() runs Event_Close and takes the window off the
-/// screen; the object goes, with its data, once no handler is running any more, so a handler may close its
-/// own window and go on.
+/// places and binds their events, Event_Open runs. Close() hides the window and runs Event_Close. The object
+/// and its data are deleted when no handler is running any more, so a handler may close its own window and go
+/// on.
 class Window {
 public:
     Window();
@@ -52,15 +52,15 @@ public:
     /// Writes what the window shows, its menu bar included, to a PNG file.
     void savePicture(const std::string& path) const;
 
-    /// Has a screen reader speak a text soon, wherever the keyboard is. Of several texts of one handler the
-    /// last one is spoken.
+    /// Lets a screen reader speak a text soon, wherever the focus is. Of several texts of one handler only
+    /// the last one is spoken.
     void Announce(std::string_view text);
 
     RectControl& control(std::string_view name) const;
 
     void setDefaultButton(PushButton& button) { m_defaultButton = &button; }
     void setCancelButton(PushButton& button) { m_cancelButton = &button; }
-    /// Presses the default or the cancel button, if there is one; nothing in a window that is closed.
+    /// Presses the default or the cancel button, if there is one. Does nothing in a closed window.
     void pressDefault();
     void pressCancel();
 
@@ -74,8 +74,8 @@ protected:
 
     // For Layout.
     void setProperties(const WindowProperties& properties);
-    /// Gives each control of the table its place, in the table's order, later ones above earlier ones, and
-    /// sets the tab order. Throws std::logic_error for a row without a control of that name and kind.
+    /// Gives each control of the table its place and sets the tab order. Later controls lie above earlier
+    /// ones. Throws std::logic_error for a row without a control of that name and kind.
     void place(std::span<const ControlRow> table);
 
 private:
@@ -107,9 +107,9 @@ public:
 
     void closed(Window& window);
     void closeAll();
-    /// Deletes the windows that were closed, once the event loop is back with no handler on the stack.
+    /// Deletes the closed windows in the next turn of the event loop in which no handler is running.
     void deleteClosedSoon();
-    /// Deletes them now. No handler may be on the stack.
+    /// Deletes them now. No handler may be running.
     void deleteClosed();
 
 private:

@@ -11,12 +11,12 @@ struct MessageDialogButton {
     bool Visible = false;
 };
 
-/// A modal question of up to three buttons: fill in, ShowModal, look at the answer.
+/// A modal question with up to three buttons: fill in the members, call ShowModal(), use the answer.
 class MessageDialog {
 public:
     enum class Button { Action, Cancel, AlternateAction };
 
-    /// 1 is the caution sign, 0 an information.
+    /// 1 is the warning sign, 0 the information sign.
     int Icon = 0;
     std::string Message;
     std::string Explanation;

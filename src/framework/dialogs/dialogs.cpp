@@ -8,8 +8,8 @@ namespace quilvane {
 
 namespace {
 
-/// Nil only for a dialog that was cancelled: the answer may be a file that is still to be made, and of one
-/// that has vanished the user is to read that it can't be opened.
+/// Nil only after a cancelled dialog. The file may not exist yet; and if it has vanished, the user must read
+/// that it can't be opened.
 Ref<FolderItem> itemFor(const std::optional<std::string>& path)
 {
     return path ? itemAt(*path) : Ref<FolderItem>();

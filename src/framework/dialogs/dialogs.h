@@ -13,8 +13,8 @@ namespace quilvane {
 /// A modal message with one OK button.
 void MsgBox(std::string_view text);
 
-/// The platform's modal dialogs; nil when the user cancels. `filter` names kinds of files by names that are
-/// no types of this platform, so the open dialog offers `files` instead, and all files beside them.
+/// The platform's modal dialogs; nil when the user cancels. `filter` has no effect, since its names are no
+/// file types of this platform; the open dialog offers `files` instead, and all files as a second choice.
 Ref<FolderItem> GetOpenFolderItem(std::string_view filter, std::string_view title, const OfferedFiles& files);
 Ref<FolderItem> GetSaveFolderItem(
     std::string_view filter, std::string_view defaultName, std::string_view title);

@@ -23,7 +23,7 @@ constexpr int errorType = 0;
 constexpr int mostBadPagesInARow = 3;
 constexpr int mostBadPages = 8;
 
-/// What the PDF library said last, as it failed.
+/// The last message of the PDF library, as the end of a sentence.
 std::string because(const std::string& reason)
 {
     return reason.empty() ? "." : ": " + displayPath(reason) + '.';
@@ -103,7 +103,7 @@ int DynaPDFMBS::ImportPDFFile(int, double, double)
     try {
         isTaken = receivePages(whyNot);
     } catch (const ReaderLost&) {
-        // By another reader, from the begin.
+        // By another reader, from the beginning.
         if (!openSource())
             return failed;
         isTaken = receivePages(whyNot);
@@ -180,7 +180,7 @@ bool DynaPDFMBS::EditPage(int pageNum)
 
 bool DynaPDFMBS::failPage(int pageNum, const std::string& reason)
 {
-    if (std::exchange(m_lastBadPage, pageNum) != pageNum) { // the first page is asked for twice at times
+    if (std::exchange(m_lastBadPage, pageNum) != pageNum) { // the first page is sometimes opened twice
         ++m_badPagesInARow;
         ++m_badPages;
     }
@@ -198,7 +198,7 @@ void DynaPDFMBS::leaveOutLastPages(std::size_t pagesTried)
     const std::size_t left = std::max(pagesTried, static_cast<std::size_t>(m_pages.rend() - lastGood));
     const std::size_t before = m_pages.size();
     if (left >= before)
-        return; // the run goes on to the last page
+        return; // no page is left out
     m_pages.resize(left);
     fail(pagesLeftOut,
         "The pages of " + quotedName() + " from " + std::to_string(left + 1) + " to " + std::to_string(before)

@@ -20,15 +20,15 @@ class InputFile;
 /// The PDF engine, for one document: CreateNewPDF, SetImportFlags, OpenImportFile, ImportPDFFile, then for
 /// each page EditPage, ExtractPageText, EndPage.
 ///
-/// The document is read in the closed room: OpenImportFile begins, ImportPDFFile takes the texts of all pages
-/// over, and what is asked then costs no more time. What makes an operation fail fires the error event once,
-/// as an error. What the engine finds amiss in a document that it can read all the same fires it as one
-/// warning, when all pages are there. When reading it fails, to the limits or to a fault, the document is
-/// gone: it has no pages, and what is asked of it fails without another event.
+/// The document is read in another process: OpenImportFile begins, ImportPDFFile takes over the texts of all
+/// pages, and the calls after it cost no more time. A failed operation fires the error event once, as an
+/// error. Faults in a document that can still be read fire it once, as a warning, when all pages have come.
+/// When reading fails, because of the limits or a crash, the document is lost: it has no pages, and further
+/// operations fail without another event.
 ///
-/// Nobody wants to be told of each of a million bad pages. After three in a row that failed, or eight in all,
-/// the others count as empty. If there is no good page any more, the document ends with the last good one or
-/// with the last one tried, and one error says so.
+/// The user must not be told of each of a million bad pages. After three bad pages in a row, or eight in all,
+/// further ones count as empty. The document then ends with its last good page, or with the last page tried
+/// if that comes later. If this leaves out pages, one error says so.
 class DynaPDFMBS {
 public:
     /// The bit in the type of the error event that makes it a warning.
@@ -55,32 +55,32 @@ public:
     /// Always true: no flag of the import has to do with the text.
     bool SetImportFlags(std::int64_t flags);
 
-    /// 0 if the file can be read, and -1 if not; a damaged one is repaired as far as it goes. A password is
-    /// not looked at: a document that asks for one can't be read. Throws RuntimeException, which names the
+    /// 0 if the file can be read, and -1 if not; a damaged one is repaired as far as possible. The password
+    /// is ignored: a document that asks for one can't be read. Throws RuntimeException, which names the
     /// reader, if documents can't be read at all.
     int OpenImportFile(const FolderItem& file, int pwdType = 0, const std::string& password = {});
 
-    /// Takes all pages of the open file over into the new document, and returns how many they are; -1 if that
-    /// fails. The new document is empty, so they begin at its page 1, whatever `destPage` says. The scale has
-    /// nothing to do with the text.
+    /// Imports all pages of the open file into the new document, and returns their number; -1 if that fails.
+    /// The new document is empty, so they begin at its page 1, whatever `destPage` says. The scale has no
+    /// effect on the text.
     int ImportPDFFile(int destPage, double scaleX = 1.0, double scaleY = 1.0);
 
-    /// Of the new document; 0 before the import. May go down while the pages are gone through.
+    /// Of the new document; 0 before the import. May become smaller while pages are opened.
     int GetPageCount() const { return static_cast<int>(m_pages.size()); }
 
-    /// Opens the page of that number, from 1, in place of the open one. False if it can't be made.
+    /// Opens page `pageNum`, from 1, and closes the page that was open. False if it can't be opened.
     bool EditPage(int pageNum);
 
-    /// The text of the open page in the order of the page's own drawing, UTF-8, so that no address is torn;
-    /// empty if none is open. `removeText` changes nothing: no page is ever written.
+    /// The text of the open page, UTF-8, in the order in which the page draws it; empty if none is open.
+    /// `removeText` changes nothing: no page is ever written.
     std::string ExtractPageText(bool removeText = false);
 
     /// False if no page is open.
     bool EndPage();
 
 protected:
-    /// `errorType` holds warningType or is 0. Fired within the operation, when the engine is at rest. -1
-    /// stops the document: it has no pages any more, and nothing more is told of it; 0 goes on.
+    /// `errorType` contains warningType or is 0. Fired during the operation. A result of -1 stops the
+    /// document: it has no pages any more, and no further event is fired for it; 0 goes on.
     virtual int Event_Error(int errorCode, const std::string& errorMessage, int errorType);
 
 private:
@@ -89,14 +89,14 @@ private:
         std::string text; // or why it can't be read
     };
 
-    /// Begins to read m_source. If it is none to be read, says why.
+    /// Begins to read m_source. If it can't be read, fires the error event with the reason.
     bool openSource();
-    /// Takes the pages as they come. False, with the reason, if they don't.
+    /// Receives the pages. False, with the reason, if that fails.
     bool receivePages(std::string& whyNot);
     void tellOfImport();
     bool failPage(int pageNum, const std::string& reason); // false
     void leaveOutLastPages(std::size_t pagesTried);
-    /// The error event, with what it may do to the document.
+    /// Fires the error event, and stops the document if its result says so.
     void tell(int code, const std::string& message, int type);
     void fail(ErrorCode code, const std::string& message);
     void lose(const std::string& whyNot);

@@ -16,15 +16,14 @@ class FileBytes;
 class WordFileMBS {
 public:
     /// Nil, with the reason, for what can't be read: bytes that are no such document, an encrypted one, and
-    /// one that costs more than the limits or breaks the child that reads it. Of a damaged document, what is
-    /// left. Throws RuntimeException, which names the reader, if documents can't be read at all: that says
-    /// nothing about this one.
+    /// one that costs more than the limits or breaks the child that reads it. A damaged document gives the
+    /// text that is left. Throws RuntimeException, which names the reader, if no document can be read at all.
     static Ref<WordFileMBS> OpenData(const FileBytes& data, const DocumentLimits& limits = {});
 
     explicit WordFileMBS(std::string text);
 
-    /// UTF-8: body, tables, text boxes, headers, footers, notes and comments, and after the paragraph where
-    /// one stands, on a line of its own, the address that a mail link leads to.
+    /// UTF-8: body, tables, text boxes, headers, footers, notes and comments. The address of a mail link
+    /// comes on a line of its own, after the paragraph with the link.
     const std::string& Text() const { return m_text; }
 
 private:

@@ -14,12 +14,12 @@ class FolderItem;
 
 /// A file, read as bytes.
 ///
-/// Closed by Close() or when its last reference goes.
+/// Closed by Close() or with its last reference.
 class BinaryStream {
 public:
     /// Nil, with the reason, if the file can't be opened; never waits. A folder, a pipe, a socket and a
-    /// device are like an empty file: a run meets them under the name of a document, and is to go on as after
-    /// a document that can't be read. `readWrite` changes nothing: a stream has no way to write.
+    /// device count as an empty file: they may have the name of a document, and a run must go on as after a
+    /// document that can't be read. `readWrite` has no effect, since a stream can't write.
     static Ref<BinaryStream> Open(const FolderItem& item, bool readWrite = false);
 
     explicit BinaryStream(InputFile file);
@@ -27,8 +27,8 @@ public:
     /// The size of the file in bytes, now. Throws IOException.
     std::uint64_t Length() const;
 
-    /// The next `count` bytes, fewer if the file ends before, to be read by whoever needs them: the one use
-    /// of a stream is a document, most of which nobody looks at. Throws IOException.
+    /// The next `count` bytes, fewer if the file ends before. They are not read yet: streams are used for
+    /// documents, most of whose bytes are never needed. Throws IOException.
     FileBytes Read(std::uint64_t count);
 
     void Close();

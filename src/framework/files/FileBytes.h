@@ -9,8 +9,8 @@
 
 namespace quilvane {
 
-/// Bytes of a file that are named and not yet read: for a reader that looks at a few of them only, which a
-/// file of any size then costs no memory. The file stays open as long as the object lives.
+/// A range of bytes of a file that is not read yet. For a reader that needs only a few of them, so that a
+/// file of any size needs no memory. The file stays open as long as the object exists.
 class FileBytes {
 public:
     /// From `offset` on, `length` bytes, or fewer if the file ends before. Opens `file`, a descriptor, a

@@ -6,7 +6,7 @@
 
 namespace quilvane {
 
-/// Owns an open file of the system, and closes it when it goes.
+/// Owns a file descriptor, and closes it in its destructor.
 class FileDescriptor {
 public:
     FileDescriptor() = default;

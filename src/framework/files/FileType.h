@@ -11,7 +11,7 @@
 
 namespace quilvane {
 
-/// A kind of document that the application knows by name. It is of use once it is declared.
+/// A kind of document that the application knows by name. It has an effect only when it is declared.
 struct FileType {
     std::string Name;
     std::string Extensions; ///< each with its dot, separated by semicolons
@@ -22,7 +22,7 @@ struct FileType {
     std::string MimeType;
     bool Imported = false;
 
-    /// Makes these the declared types, in place of those before.
+    /// Replaces the declared types by these.
     static void declare(std::vector<Ref<FileType>> types);
 
     /// The first declared type of that name; nil if there is none.

@@ -119,7 +119,7 @@ int FolderItem::Count() const
 
 Ref<FolderItem> FolderItem::Item(int index) const
 {
-    keepWindowPainted(); // whoever goes through a folder asks each item what it is
+    keepWindowPainted(); // a walk through a folder calls this for each child
     const std::vector<ListedChild>& all = children();
     const auto position = static_cast<std::size_t>(index) - 1;
     if (index < 1 || position >= all.size())
@@ -136,7 +136,7 @@ const std::string& FolderItem::whyNotListed() const
 
 void FolderItem::CreateAsFolder() const
 {
-    constexpr mode_t forAll = 0777; // the user's umask takes away what others are not to have
+    constexpr mode_t forAll = 0777; // the user's umask removes what others must not have
     if (::mkdir(m_path.c_str(), forAll) == 0)
         return;
     const int reason = errno;
@@ -169,7 +169,7 @@ const std::vector<FolderItem::ListedChild>& FolderItem::children() const
         return m_children;
     errno = 0;
     const std::unique_ptr<DIR, CloseFolder> folder(::opendir(m_path.c_str()));
-    // readdir tells its failures by errno alone, so it is 0 before each call.
+    // readdir reports failures only by errno, so it is set to 0 before each call.
     for (const dirent* entry = nullptr; folder && (entry = ::readdir(folder.get())) != nullptr; errno = 0) {
         const std::string_view name = entry->d_name;
         if (name != "." && name != "..")
@@ -187,8 +187,7 @@ Ref<FolderItem> itemAt(std::string_view path)
         return Ref<FolderItem>::nil('"' + displayPath(path) + "\" can't be the path of a file.");
     if (path.starts_with('/'))
         return Ref<FolderItem>::make(std::string(path));
-    // Where the current folder itself was removed the path stays relative, and whatever uses it says that it
-    // is gone.
+    // If the current folder was removed, the path stays relative, and its use fails with a reason.
     std::error_code ignored;
     const std::string current = std::filesystem::current_path(ignored).native();
     return Ref<FolderItem>::make(path.empty() ? current : joined(current, path));

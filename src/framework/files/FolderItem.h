@@ -16,18 +16,18 @@ namespace quilvane {
 class TextInputStream;
 class TextOutputStream;
 
-/// A reference to a file or folder that may not exist. Nothing is held open, but in an item of ReadAhead.
+/// A reference to a file or folder that may not exist. Holds no file open, except for an item from ReadAhead.
 ///
-/// Got from itemAt and GetFolderItem, a dialog, or another item's Child and Item. Paths and names are bytes
-/// as the file system has them, not always UTF-8: show them through displayPath.
+/// Returned by itemAt and GetFolderItem, a dialog, or another item's Child and Item. Paths and names are
+/// bytes as the file system has them, not always UTF-8: show them through displayPath.
 class FolderItem {
 public:
     /// `path` must be absolute; itemAt takes any.
     explicit FolderItem(std::string path);
-    /// A file that was opened before its turn.
+    /// A file that ReadAhead has opened.
     FolderItem(std::string path, OpenedFile opened);
 
-    /// What a folder tells of a child when it is listed.
+    /// What the listing of a folder tells about a child.
     enum class Kind { Unknown, Folder, Link, Other };
     FolderItem(std::string path, Kind kind);
 
@@ -37,13 +37,13 @@ public:
 
     /// Links are followed: false for a link that leads nowhere.
     bool Exists() const;
-    /// Whether this is a folder or a link to one. A child got by Item is what it was when its folder was
+    /// Whether this is a folder or a link to one. For a child from Item, as it was when its folder was
     /// listed.
     bool Directory() const;
-    /// Whether this is a symbolic link, to whatever and even to nothing. A child got by Item as above.
+    /// Whether this is a symbolic link, to anything or to nothing. For a child from Item, as for Directory.
     bool Alias() const;
 
-    /// What the file system itself knows the file or folder by, links followed; all 0 where there is none.
+    /// The file system's own identity of the file or folder, links followed; all 0 if there is none.
     struct Identity {
         std::uint64_t device = 0;
         std::uint64_t number = 0;
@@ -67,7 +67,7 @@ public:
     /// The child at `index`, from 1 to Count, in the order that the file system gives; nil outside.
     Ref<FolderItem> Item(int index) const;
 
-    /// Makes the folder; content with one that is there. Its parent must exist. Throws IOException.
+    /// Makes the folder; does nothing if it exists. Its parent must exist. Throws IOException.
     void CreateAsFolder() const;
 
     /// TextOutputStream::Create on this item.
@@ -75,7 +75,8 @@ public:
     /// TextInputStream::Open on this item.
     Ref<TextInputStream> OpenAsTextFile() const;
 
-    /// What the streams read: the first time the file that was opened before its turn, if there is one.
+    /// Opens the file for a stream. The first call returns the file that ReadAhead has opened, if there is
+    /// one.
     OpenedFile openToRead() const;
 
 private:
@@ -97,7 +98,7 @@ private:
 /// that folder. Nil only for a path with a NUL in it.
 Ref<FolderItem> itemAt(std::string_view path);
 
-/// As itemAt, but nil, with the reason, for a path that leads to nothing, not even to a link.
+/// As itemAt, but nil, with the reason, for a path at which there is nothing, not even a link.
 Ref<FolderItem> GetFolderItem(std::string_view path);
 
 } // namespace quilvane

@@ -21,7 +21,7 @@ namespace quilvane {
 
 namespace {
 
-/// In bytes. A slow disk gives them in the blink of an eye.
+/// In bytes. Even a slow disk reads them in a fraction of a second.
 constexpr std::size_t largestRead = std::size_t(1) << 20;
 
 } // namespace
@@ -75,8 +75,8 @@ std::size_t InputFile::read(std::span<char> into)
         throw IOException(m_path, "read", errno);
     const auto count = static_cast<std::size_t>(got);
     m_position += count;
-    // A regular file gives less than was asked for at its end only, which saves the call that would give
-    // nothing. Those of /proc say that they are empty and give their text in parts of any length.
+    // A regular file gives less than was asked for only at its end, so another call is not needed. Files of
+    // /proc report size 0 and give their text in parts of any length.
     m_atEnd = count == 0 || (count < wanted && m_sizeAtOpening > 0 && m_position >= m_sizeAtOpening);
     return count;
 }

@@ -13,10 +13,10 @@ namespace quilvane {
 
 class FolderItem;
 
-/// An open regular file that is read from front to back; what the input streams have in common.
+/// An open regular file that is read from its beginning to its end. The common part of the input streams.
 class InputFile {
 public:
-    /// What becomes of a folder, a pipe, a socket or a device.
+    /// What to do with a folder, a pipe, a socket or a device.
     enum class NotRegular { Refused, ReadAsEmpty };
 
     /// Opens `item`. If that fails, the result is not open and `whyNot` holds a sentence for the user. Never
@@ -26,10 +26,10 @@ public:
     bool isOpen() const { return m_descriptor.isOpen(); }
     void close();
 
-    /// For another process that is to read the file, from its front; -1 if none is open.
+    /// For another process that reads the file; -1 if none is open.
     int descriptor() const { return m_descriptor.number(); }
 
-    /// The path that it was opened by.
+    /// The path by which it was opened.
     const std::string& path() const { return m_path; }
 
     /// In bytes, now. Throws IOException.
@@ -38,8 +38,8 @@ public:
     /// Reads up to `into.size()` bytes; 0 at the end of the file. Throws IOException.
     std::size_t read(std::span<char> into);
 
-    /// Throws OutOfMemoryException if the memory free is less than twice what the file still holds, as a
-    /// string that grows takes.
+    /// Throws OutOfMemoryException if the free memory is less than twice the rest of the file, which a
+    /// growing string needs.
     void requireMemoryForRest() const;
 
 private:

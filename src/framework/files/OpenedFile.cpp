@@ -16,8 +16,8 @@ OpenedFile OpenedFile::open(const std::string& path)
     struct stat status { };
     bool isThere = ::stat(path.c_str(), &status) == 0;
     if (isThere && S_ISREG(status.st_mode)) {
-        // Something else may stand there by now: hence a second look, and the last two flags, with which the
-        // opening of a pipe does not wait and a terminal does not become that of this process.
+        // By now something else may have that path. So the type is checked again, and with the last two flags
+        // open() does not wait for a pipe and does not make a terminal the controlling one of this process.
         FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
         isThere = opened.isOpen() && ::fstat(opened.number(), &status) == 0;
         if (isThere && S_ISREG(status.st_mode)) {

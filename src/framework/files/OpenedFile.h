@@ -9,7 +9,7 @@
 
 namespace quilvane {
 
-/// What came of opening a path: a regular file, something else, or a failure.
+/// The result of opening a path: a regular file, something else, or a failure.
 struct OpenedFile {
     FileDescriptor descriptor; ///< open for a regular file only
     std::uint64_t size = 0; ///< of the regular file when it was opened, in bytes
@@ -18,7 +18,7 @@ struct OpenedFile {
     bool isNotRegular() const { return !descriptor.isOpen() && failure == 0; }
 
     /// Opens a regular file to be read, links followed. Opens nothing else: to open a pipe may wait for its
-    /// other end, and to open a device may set it going. Any thread.
+    /// other end, and to open a device may start it. Any thread.
     static OpenedFile open(const std::string& path);
 };
 

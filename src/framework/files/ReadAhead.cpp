@@ -26,21 +26,21 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// One helper is enough where the disk's cache holds the files, and more only take turns there. A disk that
-/// has to be asked serves several at a time: 5,000 files of 4 KB that no cache held took 0.50 s by one
-/// helper, 0.25 s by eight, and no less by sixteen.
+/// One helper is enough if the files are in the disk's cache; more would only wait for each other. But a disk
+/// serves several requests at a time: 5,000 files of 4 KB that were in no cache took 0.50 s with one helper,
+/// 0.25 s with eight, and no less with sixteen.
 constexpr unsigned mostHelpers = 8;
-/// A run that waits for longer than this waits for a disk: another helper is started.
+/// If a run waits longer than this, it waits for a disk, and another helper is started.
 constexpr std::chrono::milliseconds longWait(1);
-/// What takes longer was not in the disk's cache.
+/// What takes longer to open was not in the disk's cache.
 constexpr std::chrono::microseconds slow(200);
-/// The time for which a run waits before the window is looked after.
+/// How long a run waits before it calls keepWindowPainted().
 constexpr std::chrono::milliseconds slice(10);
 
-/// So many files are open before their turn at most,
+/// At most so many files are open before their turn,
 constexpr std::size_t mostFiles = 32;
-/// and the disk is asked for so many bytes of them, and for so many of one file. What follows the system
-/// fetches by itself when the run gets there.
+/// and the disk is asked for at most so many of their bytes, and so many of one file. The system itself
+/// fetches the rest when the run gets there.
 constexpr std::uint64_t mostBytes = 32u << 20;
 constexpr std::uint64_t mostBytesOfOne = 4u << 20;
 
@@ -50,12 +50,12 @@ std::uint64_t fetchedOf(const OpenedFile& file)
     return std::min(file.size, mostBytesOfOne);
 }
 
-/// The helper threads. They outlive the lists they work on, as a walk has a list for each folder.
+/// The helper threads. They outlive the ReadAhead objects, since a walk makes one for each folder.
 class Helpers {
 public:
     using Work = std::function<void()>;
 
-    /// Has one more thread do some work. False if it would need a new one, and none can be started.
+    /// Lets one more thread do some work. False if that needs a new thread and none can be started.
     bool begin(Work work)
     {
         const std::lock_guard lock(m_mutex);
@@ -67,7 +67,7 @@ public:
         try {
             std::thread([this] { doWork(); }).detach();
             return true;
-        } catch (const std::system_error&) { // no more threads for this process: fewer do, and none
+        } catch (const std::system_error&) { // no more threads for this process: the run goes on with fewer or none
             m_waiting.pop_back();
             return false;
         }
@@ -96,13 +96,13 @@ private:
 
     std::mutex m_mutex;
     std::condition_variable m_workCame;
-    std::deque<Work> m_waiting; // that no thread has begun yet
+    std::deque<Work> m_waiting; // work that no thread has begun yet
     std::size_t m_idle = 0; // threads without work
 };
 
 Helpers& helpers()
 {
-    static Helpers& all = *new Helpers; // stays: at the end of the process a thread may still use it
+    static Helpers& all = *new Helpers; // never deleted: at the end of the process a thread may still use it
     return all;
 }
 
@@ -121,7 +121,7 @@ void fetch(const std::string& folder)
             break;
     }
     if (Clock::now() - start < slow)
-        return; // the disk's cache holds the folder, so its files, too
+        return; // the disk's cache holds the folder, so probably its files, too
     for (const std::string& path : files) {
         const OpenedFile file = OpenedFile::open(path);
         if (file.descriptor.isOpen())
@@ -133,7 +133,7 @@ void fetch(const std::string& folder)
 
 void fetchAhead(const std::string& folder)
 {
-    static std::atomic<bool> isBusy = false; // for ever, if a dead disk is asked
+    static std::atomic<bool> isBusy = false; // stays true if a disk never answers
     if (isBusy.exchange(true))
         return;
     const auto work = [folder] {
@@ -144,8 +144,8 @@ void fetchAhead(const std::string& folder)
         isBusy = false;
 }
 
-/// What the run and the helpers share. It goes, and closes the files that nobody has taken, with the last of
-/// them.
+/// What the run and the helpers share. The last of them deletes it, which closes the files that the run has
+/// not taken.
 class ReadAhead::Queue {
 public:
     Queue(std::vector<std::string> paths, Opener opener)
@@ -157,7 +157,7 @@ public:
 
     const std::vector<std::string>& paths() const { return m_paths; }
 
-    /// A helper's work: returns when the last file is in hand, or nobody wants any.
+    /// A helper's work. Returns when there is no further file to open, or after abandon().
     void openFiles();
 
     /// The next file, or nothing if a helper does not have it within `time`.
@@ -175,17 +175,17 @@ private:
     std::mutex m_mutex; // guards what follows
     std::condition_variable m_fileOpened;
     std::condition_variable m_roomMade;
-    std::vector<std::optional<OpenedFile>> m_opened; // that of path i at i % size
-    std::size_t m_begun = 0; // so many paths a helper has in hand or is done with
-    std::size_t m_taken = 0; // so many files the run has taken
-    std::uint64_t m_fetched = 0; // bytes asked for, of the files not yet taken
+    std::vector<std::optional<OpenedFile>> m_opened; // the file of path i is at i % size
+    std::size_t m_begun = 0; // how many paths the helpers have taken
+    std::size_t m_taken = 0; // how many files the run has taken
+    std::uint64_t m_fetched = 0; // bytes that the disk was asked for, of files that the run has not taken
     bool m_runWaits = false;
     bool m_abandoned = false;
 };
 
 void ReadAhead::Queue::openFiles()
 {
-    // To wake the run for every file costs more than to open one that the cache holds.
+    // To wake the run for each file costs more than to open a file that is in the cache.
     constexpr std::size_t filesToWakeFor = 8;
     std::unique_lock lock(m_mutex);
     while (true) {

@@ -7,7 +7,7 @@
 
 namespace quilvane {
 
-/// Folders whose place the platform tells.
+/// Folders whose place the platform defines.
 class SpecialFolder {
 public:
     SpecialFolder() = delete;

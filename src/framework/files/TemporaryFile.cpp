@@ -23,7 +23,7 @@ std::string folderOf(const std::string& path)
     return path.substr(0, path.rfind('/') + 1);
 }
 
-/// At most so many are made in a folder at a time. Few, so that all can be looked at for those left over.
+/// At most so many exist in a folder at a time. Few, so that all names can be checked for left-over files.
 constexpr int mostNames = 16;
 
 std::string temporaryName(const std::string& target, int number)
@@ -48,7 +48,7 @@ void removeLeftOver(const std::string& target)
         if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != ::geteuid())
             continue;
         const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
-        // By the time of the lock the name may belong to another file.
+        // Before the lock was taken, the name may have been given to another file.
         if (file.isOpen() && ::flock(file.number(), LOCK_EX | LOCK_NB) == 0 && isNameOf(path, file.number()))
             ::unlink(path.c_str());
     }
@@ -69,13 +69,13 @@ std::string makeName(const std::string& target, Make make)
     return {};
 }
 
-/// False only if another has locked the file. A file system without locks keeps what is left over.
+/// False only if another process has locked the file. On a file system without locks, left-over files stay.
 bool lock(int file)
 {
     return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-/// Returns 0 or the errno value. Some file systems know no fsync; there is then nothing to wait for.
+/// Returns 0 or the errno value. Some file systems have no fsync; then there is nothing to wait for.
 int sync(int file)
 {
     return ::fsync(file) == 0 || errno == EINVAL ? 0 : errno;
@@ -109,13 +109,13 @@ TemporaryFile TemporaryFile::beside(const std::string& target, mode_t mode)
     made.m_file
         = FileDescriptor(::open((folderOf(target) + '.').c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, mode));
     if (made.isOpen()) {
-        lock(made.number()); // for the name that it may have for a moment
+        lock(made.number()); // for the name that rename() may give it for a moment
         return made;
     }
     made.m_path = makeName(target, [&](const std::string& path) {
         made.m_file
             = FileDescriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
-        // Before it had the lock another may have taken it for one left over.
+        // Before it had its lock, another process may have removed it as left over.
         if (!made.isOpen() || (lock(made.number()) && isNameOf(path, made.number())))
             return made.isOpen();
         made.m_file.close();
@@ -157,7 +157,7 @@ int TemporaryFile::rename(const std::string& target)
             return 0;
         if (errno != EEXIST)
             return errno;
-        // A link replaces nothing, but a name does.
+        // A link can't replace a file, but renaming can, and needs a name.
         m_path = makeName(target, link);
         if (m_path.empty())
             return errno;
@@ -177,7 +177,7 @@ int TemporaryFile::copyInto(const std::string& target) const
         return errno;
     if (!S_ISREG(before.st_mode))
         return EINVAL;
-    // First what needs more room on the disk: as long as that can fail, the old text stands.
+    // First the part that needs more room on the disk: while that can fail, the old text is unchanged.
     int failure = copyBytes(m_file.number(), into.number(), before.st_size, whole.st_size);
     if (failure == 0 && whole.st_size > before.st_size)
         failure = sync(into.number());

@@ -8,11 +8,11 @@
 
 namespace quilvane {
 
-/// A file that waits, until it is whole, to take the place of another or a place that is free.
+/// A file that replaces another one, or becomes a new one, only when it is complete.
 ///
-/// Where the file system can do so it has no name, so that nothing of it stays if the program is killed. Else
-/// it is a hidden file beside the target, with a lock; a file of that kind without a lock was left by a
-/// program that was killed, and the next one made in that folder removes it.
+/// If the file system supports it, the file has no name, so that nothing is left of it if the program is
+/// killed. Otherwise it is a hidden file beside the target, with a lock. Such a file without a lock was left
+/// by a program that was killed; the next one that is made in that folder removes it.
 class TemporaryFile {
 public:
     TemporaryFile() = default;
@@ -29,13 +29,13 @@ public:
     bool isOpen() const { return m_file.isOpen(); }
     int number() const { return m_file.number(); }
 
-    /// Goes to the disk and takes the place of `target`, in whose folder it must have been made, at one
-    /// stroke. Returns 0 or the errno value; the target is then untouched.
+    /// Writes the file to the disk and replaces `target` by it in one step. It must have been made in the
+    /// folder of `target`. Returns 0, or the errno value of a failure, which leaves the target unchanged.
     int rename(const std::string& target);
 
     /// Writes what this file holds into `target`, which must be there; its other names, its owner and its
-    /// permissions stay. Returns 0 or the errno value. If there is no room for a longer text the target is
-    /// untouched; a disk that fails after that leaves it in pieces.
+    /// permissions stay. Returns 0 or the errno value. If the disk has no room for a longer text the target
+    /// is unchanged; a failure of the disk after that leaves it damaged.
     int copyInto(const std::string& target) const;
 
     /// Closes and removes the file; does nothing if there is none.

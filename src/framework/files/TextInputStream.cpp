@@ -90,7 +90,7 @@ void TextInputStream::Close()
     m_taken = 0;
 }
 
-/// Replaces the buffer, all of which has been handed out, by what comes next. False at the end of the file.
+/// Replaces the buffer, all of which has been returned, by the next text. False at the end of the file.
 bool TextInputStream::fillBuffer()
 {
     m_buffer.clear();
@@ -107,7 +107,7 @@ bool TextInputStream::fillBuffer()
         if (bytes.empty())
             m_decoder->finish(m_buffer);
         else
-            m_decoder->decode(bytes, m_buffer); // to nothing, if they are but a mark
+            m_decoder->decode(bytes, m_buffer); // to nothing if they are only a byte order mark
     } while (m_buffer.empty() && !bytes.empty());
     return !m_buffer.empty();
 }

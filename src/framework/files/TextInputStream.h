@@ -16,11 +16,11 @@ namespace quilvane {
 class FolderItem;
 class WideTextDecoder;
 
-/// A regular file, read from its start to its end as bytes. Only text in UTF-16 or UTF-32, which no scan
-/// could read, is told by its byte order mark and turned into UTF-8; no other encoding is converted, and
-/// UTF-8's mark is not taken off.
+/// A regular file, read from its start to its end as bytes. Only text in UTF-16 or UTF-32, which the scan
+/// could not read, is recognised by its byte order mark and converted to UTF-8. No other encoding is
+/// converted, and UTF-8's mark is kept.
 ///
-/// Closed by Close() or when its last reference goes. Reading throws IOException, also on a closed stream.
+/// Closed by Close() or with its last reference. Reading throws IOException, also on a closed stream.
 class TextInputStream {
 public:
     /// Nil, with the reason, if the file can't be opened or is anything but a regular file (a folder, a pipe,
@@ -30,7 +30,7 @@ public:
     explicit TextInputStream(InputFile file);
     ~TextInputStream();
 
-    /// The rest of the file. If that is more than the memory free, throws OutOfMemoryException and reads
+    /// The rest of the file. If there is not enough memory for it, throws OutOfMemoryException and reads
     /// nothing.
     std::string ReadAll();
 
@@ -50,7 +50,7 @@ private:
 
     InputFile m_file;
     std::string m_buffer; // what was read or decoded before it was asked for; the first m_taken bytes of it
-                          // have been handed out
+                          // have been returned
     std::size_t m_taken = 0;
     bool m_hasBegun = false; // the first bytes have been read
     std::unique_ptr<WideTextDecoder> m_decoder; // null but for a text in UTF-16 or UTF-32

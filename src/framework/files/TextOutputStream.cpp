@@ -26,10 +26,10 @@ namespace quilvane {
 
 namespace {
 
-/// Where a chain of links ends, there or not.
+/// The path to which a chain of links leads; it need not exist.
 std::string withLinksFollowed(std::string path)
 {
-    constexpr int longestChain = 40; // as the kernel's own
+    constexpr int longestChain = 40; // the kernel has the same limit
     std::error_code failure;
     for (int i = 0; i < longestChain && std::filesystem::is_symlink(path, failure); ++i) {
         const std::filesystem::path target = std::filesystem::read_symlink(path, failure);
@@ -40,8 +40,8 @@ std::string withLinksFollowed(std::string path)
     return path;
 }
 
-/// Does `work`, which takes as long as a disk has to write, on another thread while the windows are painted.
-/// Returns its result. If the program is asked to quit meanwhile the work still comes to its end.
+/// Does `work`, which waits for the disk, on another thread while the windows are painted. Returns its
+/// result. If the program is asked to quit meanwhile, the work is still completed.
 template <typename Work>
 int doWhilePainting(Work work)
 {
@@ -74,7 +74,7 @@ int writeAll(int file, std::string_view text)
 
 Ref<TextOutputStream> TextOutputStream::Create(const FolderItem& item)
 {
-    constexpr mode_t forAll = 0666; // the user's umask takes away what others are not to have
+    constexpr mode_t forAll = 0666; // the user's umask removes what others must not have
     constexpr mode_t permissions = 0777;
     Target target;
     target.shownPath = item.NativePath();
@@ -89,7 +89,7 @@ Ref<TextOutputStream> TextOutputStream::Create(const FolderItem& item)
         return failed();
     if (exists && !S_ISREG(existing.st_mode))
         return Ref<TextOutputStream>::nil('"' + displayPath(target.shownPath) + "\" is not a regular file.");
-    // Renaming asks for the folder's permission only, so a write-protected file would be replaced.
+    // Renaming needs only the folder's permission, so it would replace a write-protected file.
     if (exists && ::faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0)
         return failed();
 
@@ -97,7 +97,7 @@ Ref<TextOutputStream> TextOutputStream::Create(const FolderItem& item)
     target.temporary = TemporaryFile::beside(target.path, mode);
     if (!target.temporary.isOpen()) {
         const int failure = errno;
-        if (exists) // and may be written, though nothing can be made in its folder
+        if (exists) // it may be written, though no file can be made in its folder
             target.temporary = TemporaryFile::elsewhere();
         target.isFilledInPlace = true;
         errno = failure;
@@ -105,9 +105,9 @@ Ref<TextOutputStream> TextOutputStream::Create(const FolderItem& item)
     if (!target.temporary.isOpen())
         return failed();
     if (exists) {
-        // Its other names would go on meaning the old file.
+        // After a rename its other names would still mean the old file.
         target.isFilledInPlace = target.isFilledInPlace || existing.st_nlink > 1;
-        // Of no effect, and no harm, where the user may not give files away.
+        // Without effect where the user may not give files away.
         [[maybe_unused]] const int ignored
             = ::fchown(target.temporary.number(), existing.st_uid, existing.st_gid);
         ::fchmod(target.temporary.number(), mode);
@@ -129,9 +129,9 @@ TextOutputStream::~TextOutputStream()
     }
     try {
         Close();
-    } catch (const IOException&) { // the target is untouched, and a destructor has nobody to tell
+    } catch (const IOException&) { // a destructor can't report it
     } catch (const QuitUnwinding&) {
-        giveUp(); // the handler ends at its next look at the clock
+        giveUp(); // the handler ends at its next keepWindowPainted()
     }
 }
 
@@ -160,7 +160,7 @@ void TextOutputStream::bringToPlace()
     TemporaryFile whole = std::move(m_target.temporary);
     const int failure = doWhilePainting([this, &whole] {
         const int refused = m_target.isFilledInPlace ? EPERM : whole.rename(m_target.path);
-        // A shared folder may allow writing a file and not replacing it.
+        // A shared folder may allow a file to be written but not replaced.
         return refused == EPERM || refused == EACCES ? whole.copyInto(m_target.path) : refused;
     });
     if (failure != 0)

@@ -12,16 +12,16 @@ namespace quilvane {
 
 class FolderItem;
 
-/// Writes a text file that takes its place only when it is whole.
+/// Writes a text file that replaces an older one only when it is complete.
 ///
-/// The text goes into a temporary file beside the target; Close() brings it to the disk and puts it in the
-/// place of the target. When the last reference goes the stream is closed too, unless an exception is on its
-/// way or a write has failed: then the temporary file is removed and the target is as it was. A program that
-/// is killed leaves the target as it was, too.
+/// The text goes into a temporary file beside the target; Close() writes it to the disk and replaces the
+/// target by it. The destructor calls Close(), unless an exception is being thrown or a write has failed:
+/// then the temporary file is removed and the target is unchanged. If the program is killed the target is
+/// unchanged, too.
 ///
 /// A target that has several names, or that may be written but not replaced, is filled with the whole text
-/// by Close() instead. There must be room for both texts then, but a disk that fails in the middle of that,
-/// and nothing else, leaves it in pieces.
+/// by Close() instead. That needs room for both texts. Only if the disk fails, or the program is killed, in
+/// the middle of it is the target damaged.
 class TextOutputStream {
 public:
     /// Makes the file or prepares to replace it. A link is followed and stays. Nil, with the reason, if a new
@@ -30,10 +30,10 @@ public:
 
     /// Only for Create.
     struct Target {
-        std::string shownPath; // as the user knows it
+        std::string shownPath; // as the user chose it
         std::string path; // all links followed
         TemporaryFile temporary;
-        bool isFilledInPlace = false; // else `temporary` takes its place
+        bool isFilledInPlace = false; // else `temporary` replaces it
     };
     explicit TextOutputStream(Target target);
 
@@ -41,15 +41,14 @@ public:
     TextOutputStream& operator=(const TextOutputStream&) = delete;
     ~TextOutputStream();
 
-    /// Throws IOException; the stream is then closed, the target untouched.
+    /// Throws IOException; the stream is then closed and the target unchanged.
     void Write(std::string_view text);
     /// Writes `text` and one line end.
     void WriteLine(std::string_view text);
 
-    /// Throws IOException if the text can't be brought to its place; the target is then untouched, save as
-    /// told above. Does
-    /// nothing on a stream that is closed or has failed. A destructor can't report that, so who wants to know
-    /// calls Close.
+    /// Throws IOException if that fails; the target is then unchanged, with the exception described above.
+    /// Does nothing on a stream that is closed or has failed. The destructor can't report a failure, so call
+    /// Close to get it.
     void Close();
 
 private:

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t mebibyte = std::uint64_t(1) << 20;
-/// Less than this is granted without a look at what is free.
+/// Up to this size no check is made.
 constexpr std::uint64_t small = 16 * mebibyte;
 /// Left to the rest of the program.
 constexpr std::uint64_t reserve = 64 * mebibyte;
@@ -56,13 +56,13 @@ std::optional<std::uint64_t> number(const std::string& path)
     return std::nullopt;
 }
 
-/// What the files of the two control group versions are called.
+/// The names of the files in the two versions of control groups.
 struct GroupFiles {
     const char* mount;
     const char* limit;
     const char* usage;
     std::array<const char*, 2>
-        cache; // lines of memory.stat: pages that the kernel takes back before it ends anyone
+        cache; // lines of memory.stat: pages that the kernel frees before it kills a process
 };
 
 constexpr GroupFiles version1 = { "/sys/fs/cgroup/memory", "/memory.limit_in_bytes", "/memory.usage_in_bytes",
@@ -81,8 +81,8 @@ std::uint64_t leftInGroup(const std::string& folder, const GroupFiles& files)
     return *limit - std::min(*limit, used);
 }
 
-/// A limit of a group binds all groups below it, so the least of them counts. Inside a container the group's
-/// own path is often not there, and its limits stand at the mount itself; asking for both is harmless.
+/// A limit of a group also applies to all groups below it, so the smallest one counts. In a container the
+/// group's own path often does not exist, and its limits are at the mount itself. So both are read.
 std::uint64_t leftInGroupAndParents(const std::string& root, std::string group, const GroupFiles& files)
 {
     const std::string mount = root + files.mount;

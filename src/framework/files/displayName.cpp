@@ -11,7 +11,8 @@ namespace quilvane {
 
 namespace {
 
-/// Control characters, line ends of Unicode, and those that change the direction of the text or take no room.
+/// Control characters, line ends of Unicode, and characters that change the direction of the text or have no
+/// width.
 bool mustBeSpelled(std::uint32_t code)
 {
     const auto within

@@ -11,7 +11,7 @@ namespace quilvane {
 
 namespace {
 
-/// Long enough for a busy reader to ask what it shows.
+/// Long enough for a busy screen reader to ask for the text.
 constexpr auto showsFor = std::chrono::seconds(20);
 
 QAccessibleInterface* makeAccessible(const QString&, QObject* object)

@@ -9,21 +9,22 @@ class QLabel;
 
 namespace quilvane {
 
-/// Has screen readers speak a text wherever the keyboard is. They speak the labels in an object with the role
-/// of a notification when it begins to show; an event for announcements has come to Qt later. Nobody sees it:
-/// it has no size.
+/// Lets screen readers speak a text wherever the focus is. They speak the labels in an object with the role
+/// of a notification when it is shown; Qt 6.4 has no event for announcements. The widget has no size, so it
+/// is invisible.
 class Announcement : public QWidget {
 public:
     explicit Announcement(QWidget& window);
 
-    /// At the next turn of the event loop. Of the texts that come before it the last one is spoken.
+    /// Speaks `text` in the next turn of the event loop. Of several texts before that, only the last one is
+    /// spoken.
     void say(const QString& text);
 
 private:
     void speak();
 
     QLabel* m_label;
-    QString m_text; // what is still to be spoken
+    QString m_text; // the text that will be spoken
     QTimer m_hiding;
 };
 

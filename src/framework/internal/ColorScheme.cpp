@@ -29,8 +29,8 @@ ColorScheme::ColorScheme(QDBusConnection bus)
 {
     if (!bus.isConnected())
         return;
-    // Else the slot is not found: it is looked up by its parameters' types, and this one gets its number
-    // late.
+    // Otherwise the slot is not found: it is looked up by the types of its parameters, and this type would be
+    // registered too late.
     qRegisterMetaType<QDBusVariant>();
     bus.connect(service, path, interface, "SettingChanged", this,
         SLOT(settingChanged(QString, QString, QDBusVariant)));
@@ -65,7 +65,7 @@ void ColorScheme::settingChanged(const QString& group, const QString& key, const
 
 void ColorScheme::apply(const QVariant& scheme)
 {
-    // Read wraps its answer into one variant more than the signal does.
+    // The answer of Read has one more variant around it than the signal's value.
     const QVariant inner
         = scheme.canConvert<QDBusVariant>() ? scheme.value<QDBusVariant>().variant() : scheme;
     const bool wantsDark = inner.toUInt() == preferDark;

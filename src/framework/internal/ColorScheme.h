@@ -8,14 +8,14 @@
 
 namespace quilvane {
 
-/// Follows the desktop's wish for dark windows, at the start and while the program runs. Most desktops tell
-/// it by the settings portal alone, which this version of Qt does not ask. Colours of the desktop's own that
-/// are dark already stay as they are.
+/// Follows the desktop's setting for dark windows, at the start and while the program runs. Most desktops
+/// offer it only by the settings portal, which Qt 6.4 does not ask. If the desktop's own colours are dark
+/// already, they stay.
 class ColorScheme : public QObject {
     Q_OBJECT
 
 public:
-    /// Asks the desktop on that bus and does not wait for the answer. Without a bus nothing follows.
+    /// Asks the desktop on that bus and does not wait for the answer. Without a bus it does nothing.
     explicit ColorScheme(QDBusConnection bus);
 
     /// Light text on dark windows.

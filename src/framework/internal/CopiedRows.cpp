@@ -60,8 +60,8 @@ QStringList CopiedRows::formats() const
 
 QVariant CopiedRows::retrieveData(const QString& format, QMetaType) const
 {
-    // As bytes, of which Qt makes a string only for a receiver that wants one: that takes three times as
-    // much.
+    // As bytes: a string would need three times as much memory, and Qt makes one only for a receiver that
+    // wants it.
     return hasFormat(format) ? QVariant(m_rows ? text() : m_text) : QVariant();
 }
 
@@ -82,7 +82,7 @@ QByteArray CopiedRows::makeText() const
 
 QByteArray CopiedRows::text() const
 {
-    // Nothing may be thrown through Qt, nor end the handler that is about to change the list.
+    // No exception may pass through Qt, or end the handler that is about to change the list.
     try {
         return makeText();
     } catch (const std::exception& error) {

@@ -10,16 +10,16 @@ namespace quilvane {
 
 class RowStore;
 
-/// Rows of a list in the clipboard or on a drag, one a line. Their text is made when another program asks for
-/// it, since many copies are never pasted, and anew each time; only where the list is about to change is it
-/// made before and kept.
+/// Rows of a list in the clipboard or on a drag, one a line. Their text is made each time that a program asks
+/// for it, since many copies are never pasted. Only when the list is about to change is it made in advance
+/// and kept.
 class CopiedRows : public QMimeData {
 public:
     /// `rows` must live until keep() is called.
     CopiedRows(const RowStore& rows, std::vector<RowRange> ranges);
 
-    /// To be called before any of the rows from `firstChanged` on is removed or moved: keeps the text if they
-    /// are in it.
+    /// To be called before rows from `firstChanged` on are removed or moved: keeps the text if it contains
+    /// any of them.
     void keep(std::size_t firstChanged);
 
     bool hasFormat(const QString& format) const override;

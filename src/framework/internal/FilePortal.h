@@ -4,19 +4,18 @@
 
 namespace quilvane {
 
-/// The desktop's own dialogs for files, as its portal offers them. Qt shows them by a plugin that most
-/// desktops don't load of themselves.
+/// The desktop's own file dialogs, which its portal offers. Qt shows them with a plugin that it does not load
+/// by itself on most desktops.
 class FilePortal {
 public:
     /// Made before the QApplication, which then loads the plugin if it is installed and the user has asked
     /// for no other.
     FilePortal();
-    /// Ends what the constructor has set for the QApplication, or programs started from here would inherit
-    /// it.
+    /// Undoes the constructor's setting, which programs started from here would inherit.
     static void applicationIsMade();
 
-    /// The version of the portal's dialogs: from 1 on it asks for files, from 3 on for folders. 0 if there is
-    /// no portal or no plugin. Waits for the portal's answer, for a second at most.
+    /// The version of the portal's dialogs: from 1 on they choose files, from 3 on also folders. 0 if there
+    /// is no portal or no plugin. Waits for the portal's answer, for a second at most.
     static int version();
 };
 

@@ -8,10 +8,10 @@
 
 namespace quilvane {
 
-/// The toolkit's side of a control. `widget` is null for a control that nobody can reach.
+/// The Qt side of a control. `widget` is null for a control outside of the window.
 struct RectControl::Native {
     QWidget* content = nullptr;
-    QWidget* widget = nullptr; // the control's own, though a child of the content
+    QWidget* widget = nullptr; // a child of `content`, but deleted by the control
 };
 
 } // namespace quilvane

@@ -10,7 +10,7 @@
 namespace quilvane {
 
 struct Picture::Native {
-    mutable QSvgRenderer renderer; // drawing is no const member of it
+    mutable QSvgRenderer renderer; // its render() is not const
 };
 
 } // namespace quilvane

@@ -7,7 +7,7 @@
 namespace quilvane {
 
 /// Qt's Fusion style, whose controls fit the windows' tables. In dark colours Fusion draws outlines darker
-/// than the window and takes grey captions as the desktop gives them: here both keep a contrast.
+/// than the window, and disabled captions in the desktop's grey. This style gives both enough contrast.
 class ProgramStyle : public QProxyStyle {
 public:
     ProgramStyle();

@@ -27,7 +27,7 @@ namespace quilvane {
 
 namespace {
 
-Desktop* desktopInUse = nullptr; // none: the real one
+Desktop* desktopInUse = nullptr; // null: the real one
 
 QWidget* parentWindow()
 {
@@ -36,7 +36,7 @@ QWidget* parentWindow()
 
 constexpr const char* allFiles = "All files (*)";
 
-/// The words and the patterns as Qt takes them. Not every desktop's dialog ignores upper and lower case.
+/// The words and the patterns in Qt's form. Some desktops' dialogs distinguish upper and lower case.
 QString nameFilter(const OfferedFiles& files)
 {
     QStringList patterns;
@@ -50,7 +50,7 @@ QString nameFilter(const OfferedFiles& files)
     return toQt(files.words) + " (" + patterns.join(' ') + ')';
 }
 
-/// Where a dialog starts that had its last choice in `last`.
+/// The folder in which a dialog starts whose last choice was in `last`.
 QString startFolder(const QString& last)
 {
     for (const QString& folder :
@@ -61,7 +61,8 @@ QString startFolder(const QString& last)
     return QDir::homePath();
 }
 
-/// To be called before the dialog gets its properties: either of the two dialogs takes only what comes after.
+/// To be called before the dialog gets its other properties: the dialog that is chosen here takes only those
+/// set later.
 void useDesktopsOwnIfThere(QFileDialog& dialog, int portalVersion)
 {
     dialog.setOption(QFileDialog::DontUseNativeDialog, FilePortal::version() < portalVersion);
@@ -126,8 +127,8 @@ std::optional<std::string> QtDesktop::chooseFileToSave(std::string_view title, s
     dialog.setNameFilter(allFiles);
     dialog.setDirectory(startFolder(m_folderSavedTo));
     dialog.selectFile(toQt(defaultName));
-    // The desktop's own dialog has asked by then whether to replace a file, and of the name without the
-    // suffix.
+    // Not for the desktop's own dialog: it asks whether to replace a file before the suffix would be added,
+    // so it would ask about another name.
     if (dialog.testOption(QFileDialog::DontUseNativeDialog))
         dialog.setDefaultSuffix(QFileInfo(toQt(defaultName)).suffix());
     std::optional<std::string> path = choice(dialog);
@@ -190,7 +191,7 @@ bool QtDesktop::waitForPage(
     label->setTextFormat(Qt::PlainText);
     label->setMargin(8);
     dialog.setLabel(label);
-    dialog.setRange(0, 0); // a server need not say how much is to come
+    dialog.setRange(0, 0); // without a percentage: a server need not tell the size
     const QFontMetrics metrics(label->font());
     const QString shownHost
         = metrics.elidedText(toQt(host), Qt::ElideMiddle, longestHost * metrics.averageCharWidth());

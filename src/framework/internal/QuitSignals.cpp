@@ -16,7 +16,7 @@ namespace {
 
 volatile sig_atomic_t eventFile = -1;
 
-/// In it nothing may be done but what signal-safety(7) lists.
+/// May only call functions that signal-safety(7) lists.
 void noteSignal(int)
 {
     const int errorNumber = errno;

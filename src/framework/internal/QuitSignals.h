@@ -14,8 +14,8 @@ class QSocketNotifier;
 namespace quilvane {
 
 /// Turns the signals that ask a process to end, SIGTERM, SIGINT and SIGHUP, into a call from the event loop.
-/// The second one of a kind ends the process at once. What the parent has ignored, as nohup does, stays
-/// ignored. One at a time; gives the signals back when it goes.
+/// A second signal of the same kind ends the process at once. Signals that the parent process has ignored, as
+/// nohup does, stay ignored. There may be one object at a time; its destructor restores the signals.
 class QuitSignals {
 public:
     explicit QuitSignals(const std::function<void()>& quit);
@@ -26,7 +26,7 @@ public:
 private:
     static constexpr std::array numbers{ SIGTERM, SIGINT, SIGHUP };
 
-    FileDescriptor m_arrived; // readable once one has come
+    FileDescriptor m_arrived; // readable after a signal has come
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::array<struct sigaction, numbers.size()> m_before{};
 };

@@ -18,7 +18,7 @@ void RowPlace::retain(std::size_t first, std::span<const unsigned char> stays)
     std::sort(
         borders.begin(), borders.end(), [](const std::size_t* a, const std::size_t* b) { return *a < *b; });
 
-    // A border moves up by the rows that go before it; each row is looked at once.
+    // A border moves up by the number of removed rows before it; each row is looked at once.
     std::size_t looked = first;
     std::size_t stayed = first;
     for (std::size_t* border : borders) {

@@ -16,8 +16,8 @@ struct RowRange {
     bool operator==(const RowRange&) const = default;
 };
 
-/// What the user has before them in a list: which rows are selected, which one has the keyboard, and which
-/// one stands at the top. It moves with the rows when others are removed.
+/// What the user sees in a list: which rows are selected, which one has the focus, and which one is at the
+/// top. When rows are removed, it follows the others.
 struct RowPlace {
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
@@ -25,10 +25,10 @@ struct RowPlace {
     std::size_t current = none;
     std::size_t top = 0;
 
-    /// As RowStore::retain(). Of the row with the keyboard and of the one at the top the next that stays
-    /// takes the place, which may be one after the last.
+    /// Follows RowStore::retain(). If the row with the focus or the one at the top goes, the next row that
+    /// stays replaces it; this may be the one after the last.
     void retain(std::size_t first, std::span<const unsigned char> stays);
-    /// As RowStore::truncate().
+    /// Follows RowStore::truncate().
     void truncate(std::size_t count);
 
     std::size_t selectedCount() const;

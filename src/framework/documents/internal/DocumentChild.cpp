@@ -107,15 +107,15 @@ bool DocumentChild::waitFor(int socket, short event)
         const auto left = m_lastLook + m_limits.silence - Clock::now();
         if (left > 0ms && waitForReader(socket, event, std::chrono::ceil<std::chrono::milliseconds>(left)))
             return true;
-        // However many frames it sends: between two looks it must have worked.
+        // Checked even if it sends frames: it must have worked since the last check.
         if (!isAtWork())
             return false;
         m_lastLook = Clock::now();
     }
 }
 
-/// Whether it has done a tenth of what it could have done since the last look: a busy machine lets many wait,
-/// but one that sleeps does nothing.
+/// Whether it has used a tenth of the processor time that it could have had since the last check. On a busy
+/// machine it gets less than all; a child that sleeps uses none.
 bool DocumentChild::isAtWork()
 {
     constexpr int leastPart = 10;

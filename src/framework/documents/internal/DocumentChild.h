@@ -15,13 +15,13 @@
 
 namespace quilvane {
 
-/// A child of the reader that reads one document for us.
+/// A child of the reader that reads one document.
 ///
-/// It begins with the object and is killed with it, whatever it is doing. When receive() fails, it has ended.
+/// It begins with the object and is killed with it. When receive() has failed, it has ended.
 class DocumentChild {
 public:
-    /// `file` is a descriptor, left to the caller; of the order the kind and the part count.
-    /// Throws ReaderLost, and RuntimeException if there can be no reader.
+    /// `file` is a descriptor that the caller keeps. Of `order` only the kind and the part of the file are
+    /// used. Throws ReaderLost, and RuntimeException if there can be no reader.
     DocumentChild(ReaderOrder order, int file, const DocumentLimits& limits);
     ~DocumentChild();
     DocumentChild(const DocumentChild&) = delete;
@@ -31,10 +31,10 @@ public:
     /// sentence for the user. Throws ReaderLost.
     bool receive(std::string& frame, std::size_t largest, std::string& whyNot);
 
-    /// To be called before receive() when some time has passed in which nobody received.
+    /// To be called before receive() when receive() was not called for some time.
     void resume();
 
-    /// What ends it for a frame that makes no sense. Returns the sentence for the user.
+    /// Ends the child because it has sent an invalid frame. Returns the sentence for the user.
     std::string refuse();
 
 private:
@@ -47,7 +47,7 @@ private:
     FileDescriptor m_socket;
     std::uint32_t m_number = 0;
     std::chrono::steady_clock::time_point m_lastLook;
-    std::uint32_t m_worked = 0; // milliseconds, at the last look
+    std::uint32_t m_worked = 0; // milliseconds of processor time at the last check
     bool m_hasEnded = false;
 };
 

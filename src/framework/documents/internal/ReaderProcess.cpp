@@ -32,7 +32,7 @@ using namespace std::chrono_literals;
 
 /// Loading its libraries from a slow disk may take a while.
 constexpr std::chrono::milliseconds timeToStart = 30s;
-/// It does nothing that takes time, but the machine may be busy.
+/// An answer needs no time, but the machine may be busy.
 constexpr std::chrono::milliseconds timeToAnswer = 10s;
 
 std::string named()
@@ -50,7 +50,7 @@ RuntimeException notStarted(int errorNumber)
     return notStarted(std::strerror(errorNumber));
 }
 
-/// The folder of the running program, also when an upgrade has replaced its file since.
+/// The folder of the running program, even if an upgrade has replaced its file.
 std::string programFolder()
 {
     std::array<char, PATH_MAX> path;
@@ -73,7 +73,7 @@ public:
         ::posix_spawn_file_actions_addopen(&m_actions, number, "/dev/null", O_RDWR, 0);
     }
     void give(int number, int as) { ::posix_spawn_file_actions_adddup2(&m_actions, number, as); }
-    /// What some library has opened without O_CLOEXEC is no business of the child's.
+    /// The child must not get what a library has opened without O_CLOEXEC.
     void closeFrom(int number) { ::posix_spawn_file_actions_addclosefrom_np(&m_actions, number); }
 
     const posix_spawn_file_actions_t* get() const { return &m_actions; }
@@ -92,8 +92,8 @@ pid_t spawn(int socket)
 
     std::string& program = ReaderProcess::program();
     std::array<char*, 2> arguments{ program.data(), nullptr };
-    // Of the environment only where its libraries are, if that is said there. They are bound at once: what is
-    // left for later, each child would do again.
+    // Of the environment only the path of the libraries, if it is set. The libraries are bound at once;
+    // otherwise each child would bind them again.
     std::string bindNow = "LD_BIND_NOW=1";
     std::string libraries = "LD_LIBRARY_PATH=";
     const char* const folders = std::getenv("LD_LIBRARY_PATH");
@@ -210,7 +210,7 @@ void ReaderProcess::start()
         throw notStarted(errno);
     m_socket = FileDescriptor(pair[0]);
     const FileDescriptor theirs(pair[1]);
-    // Under a number that none of the child's own has.
+    // Not under one of the numbers that the child's own descriptors get.
     const FileDescriptor given(::fcntl(theirs.number(), F_DUPFD_CLOEXEC, readerSocket + 1));
     m_process = spawn(given.number());
 }

@@ -16,44 +16,44 @@
 
 namespace quilvane {
 
-/// The reader process ended before it could do what it was asked for. No fault of a document's: it may be
-/// tried again, with another reader.
+/// The reader process has ended before it answered. The document is not the cause and may be read again, by
+/// another reader.
 class ReaderLost : public RuntimeException {
 public:
     ReaderLost();
 };
 
-/// Waits until poll's `event` comes to pass on the socket; false if it has not after `most`. The one place
-/// where the program waits for a document that is being read.
+/// Waits until poll's `event` occurs on the socket; false if it has not after `most`. The only place where
+/// the program waits for a document that is being read.
 bool waitForReader(int socket, short event, std::chrono::milliseconds most);
 
 /// The process that reads documents, quilvane-reader. It is started with the first document, on the main
-/// thread, ends when it has had nothing to do for a while, and is then started anew.
+/// thread. It ends when it was idle for a while, and the next document starts it again.
 ///
-/// Kept alive by those who hold it; running() holds the present one.
+/// Shared by the DocumentChild objects that use it and running(), which keeps the current one.
 class ReaderProcess {
 public:
-    /// Throws RuntimeException, which names the program, if it can't be started or is not the one that was
-    /// built with this program.
+    /// Throws RuntimeException, which names the reader, if it can't be started or was not built with this
+    /// program.
     static std::shared_ptr<ReaderProcess> running();
-    /// The next running() starts another one. To be called when this one is of no more use.
+    /// The next running() starts another one. To be called when the current one has failed.
     static void forget();
-    /// Its path: beside the program, as it is built, or where an installation keeps it. Tests put others
-    /// there.
+    /// The path of the reader's program: beside this program in a build folder, else where it is installed.
+    /// Tests change it.
     static std::string& program();
 
     ReaderProcess();
-    /// Kills the process, and with it all that it reads.
+    /// Kills the process, and with it its children.
     ~ReaderProcess();
     ReaderProcess(const ReaderProcess&) = delete;
     ReaderProcess& operator=(const ReaderProcess&) = delete;
 
-    /// Has a child read the file, a descriptor, and tell what is in it over the socket. Returns the
-    /// document's number. Throws ReaderLost.
+    /// Lets a child read `file`, a descriptor, and send what is in it over `socket`. Returns the document's
+    /// number. Throws ReaderLost.
     std::uint32_t read(ReaderOrder order, int file, int socket);
-    /// One of the actions that are answered. Throws ReaderLost.
+    /// For the actions that have an answer. Throws ReaderLost.
     std::uint32_t ask(ReaderOrder::Action action, std::uint32_t document);
-    /// Ends the child, if there is still one.
+    /// Ends the document's child, if there still is one.
     void end(std::uint32_t document);
 
 private:
