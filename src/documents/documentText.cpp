@@ -25,7 +25,7 @@ constexpr std::string_view word2Mark = "\xDB\xA5"sv;
 
 /// The most bytes of a file that is read from its beginning to its end. Packed and compound files have no
 /// such limit: their parts may be anywhere.
-constexpr std::size_t mostInARow = std::size_t(256) << 20;
+constexpr std::size_t mostReadInOrder = std::size_t(256) << 20;
 
 /// Bytes of a web page, which is converted as a whole.
 constexpr std::size_t longestPage = std::size_t(64) << 20;
@@ -63,7 +63,7 @@ std::optional<std::string> binaryText(std::string_view bytes)
 {
     if (std::optional<std::string> text = textOfBinaryWord(bytes))
         return text;
-    bytes = bytes.substr(0, mostInARow);
+    bytes = bytes.substr(0, mostReadInOrder);
     std::string left = wasPlainWord(bytes) ? textRuns(bytes) : std::string();
     return left.empty() ? std::nullopt : std::optional(std::move(left));
 }
@@ -98,7 +98,7 @@ std::optional<std::string> textOfAnyKind(std::string_view bytes, ReadingBudget& 
         return textOfOpenXml(bytes, budget);
     if (bytes.starts_with(compoundMark) || bytes.starts_with(word2Mark))
         return binaryText(bytes);
-    if (std::optional<std::string> text = textOfRtf(bytes.substr(0, mostInARow)))
+    if (std::optional<std::string> text = textOfRtf(bytes.substr(0, mostReadInOrder)))
         return text;
     return markupText(bytes, budget);
 }

@@ -8,10 +8,10 @@
 
 namespace quilvane {
 
-/// What a library says while it reads one document, for a user who must answer each message: those that
-/// differ in their numbers only count as one, and a damaged file with millions of messages is cut short.
+/// Collects a library's messages about one document, to be shown to the user. Messages that differ only in
+/// their numbers count as one, and their number is limited, since a damaged file may cause millions.
 ///
-/// One for each document: add() whatever comes, take() after each operation.
+/// One for each document: add() each message, take() after each operation.
 class MessageFilter {
 public:
     void add(std::string_view message);

@@ -24,7 +24,7 @@ const poppler::rectf everywhere(-largestSide, -largestSide, 3 * largestSide, 3 *
 
 /// Called by the library with "poppler/error (12): text". The 12 is a position in the file and may be
 /// missing; a line end is written as <0a>.
-void hear(const std::string& line, void* filter)
+void addMessage(const std::string& line, void* filter)
 {
     constexpr std::string_view separator = ": ";
     constexpr std::string_view lineEnd = "<0a>";
@@ -58,7 +58,7 @@ PdfDocument::PdfDocument(std::string_view bytes, const std::string& path)
     : m_parts(std::make_unique<Parts>())
 {
     using poppler::document;
-    poppler::set_debug_error_function(hear, &m_parts->messages);
+    poppler::set_debug_error_function(addMessage, &m_parts->messages);
     m_parts->document.reset(bytes.size() <= std::numeric_limits<int>::max()
             ? document::load_from_raw_data(bytes.data(), static_cast<int>(bytes.size()))
             : document::load_from_file(path));

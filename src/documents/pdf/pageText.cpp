@@ -12,7 +12,7 @@ namespace quilvane {
 
 namespace {
 
-/// No longer address can be mailed to: RFC 5321, 4.5.3.1, 64 bytes before the @ and 255 after it.
+/// The longest address that mail allows: RFC 5321, 4.5.3.1, 64 bytes before the @ and 255 after it.
 constexpr std::size_t longestAddress = 64 + 1 + 255;
 
 bool isDomainCharacter(char c)
@@ -35,7 +35,7 @@ bool beginsWithWholeDomain(std::string_view text)
     return false;
 }
 
-/// Whether `text` ends in an address that is not whole yet: an @ and the begin of a domain, or nothing.
+/// Whether `text` ends in an incomplete address: an @ and the beginning of a domain, or nothing after the @.
 bool endsInUnfinishedAddress(std::string_view text)
 {
     std::size_t begin = text.size();

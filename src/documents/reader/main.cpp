@@ -69,7 +69,7 @@ public:
         forkSpare();
         std::string bytes;
         std::array<int, 2> descriptors{ -1, -1 };
-        while (isBusySoon() && receiveMessage(readerSocket, bytes, largestControlMessage, descriptors)) {
+        while (waitForOrder() && receiveMessage(readerSocket, bytes, largestControlMessage, descriptors)) {
             const std::optional<ReaderOrder> order = decodeOrder(bytes);
             if (!order)
                 return EXIT_FAILURE;
@@ -82,7 +82,7 @@ public:
     }
 
 private:
-    bool isBusySoon() const
+    bool waitForOrder() const
     {
         pollfd ready{ readerSocket, POLLIN, 0 };
         return ::poll(&ready, 1, m_children.empty() ? static_cast<int>(idleTime.count()) : -1) != 0;
