@@ -172,7 +172,7 @@ bool DynaPDFMBS::EditPage(int pageNum)
     const Page& page = m_pages[static_cast<std::size_t>(pageNum) - 1];
     if (page.isReadable)
         m_badPagesInARow = 0;
-    else if (!m_isTiredOfBadPages)
+    else if (!m_ignoresBadPages)
         return failPage(pageNum, page.text);
     m_openPage = pageNum;
     return true;
@@ -186,8 +186,8 @@ bool DynaPDFMBS::failPage(int pageNum, const std::string& reason)
     }
     fail(noSuchPage,
         quotedName() + " has no page " + std::to_string(pageNum) + " that can be read" + because(reason));
-    m_isTiredOfBadPages = m_badPagesInARow == mostBadPagesInARow || m_badPages == mostBadPages;
-    if (m_isTiredOfBadPages)
+    m_ignoresBadPages = m_badPagesInARow == mostBadPagesInARow || m_badPages == mostBadPages;
+    if (m_ignoresBadPages)
         leaveOutLastPages(static_cast<std::size_t>(pageNum));
     return false;
 }
@@ -253,7 +253,7 @@ void DynaPDFMBS::closeDocument()
     m_lastBadPage = 0;
     m_badPagesInARow = 0;
     m_badPages = 0;
-    m_isTiredOfBadPages = false;
+    m_ignoresBadPages = false;
     m_hasStopped = false;
 }
 

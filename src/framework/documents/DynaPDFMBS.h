@@ -115,7 +115,7 @@ private:
     int m_lastBadPage = 0;
     int m_badPagesInARow = 0;
     int m_badPages = 0;
-    bool m_isTiredOfBadPages = false;
+    bool m_ignoresBadPages = false;
     bool m_hasStopped = false; // by the error event
 };
 

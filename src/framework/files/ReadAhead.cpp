@@ -67,7 +67,8 @@ public:
         try {
             std::thread([this] { doWork(); }).detach();
             return true;
-        } catch (const std::system_error&) { // no more threads for this process: the run goes on with fewer or none
+        } catch (const std::system_error&) { // no more threads for this process: the run goes on with fewer
+                                             // or none
             m_waiting.pop_back();
             return false;
         }

@@ -25,7 +25,7 @@ namespace quilvane {
 
 namespace {
 
-/// Tells screen readers of an event that has befallen one row.
+/// Tells screen readers of an event of one row.
 void announce(QAbstractItemView& view, int row, QAccessible::Event what)
 {
     if (!QAccessible::isActive())
@@ -43,7 +43,7 @@ qint64 countOf(const QItemSelection& rows)
     return count;
 }
 
-/// Shortens what is too long for the list, and shows it whole in a tooltip.
+/// Shortens a text that is too long for the list, and shows all of it in a tooltip.
 class RowDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -58,8 +58,8 @@ public:
             QToolTip::hideText();
             return true;
         }
-        // In lines, since there is nothing in an address at which Qt would break it; and no longer than a
-        // screen is high.
+        // Broken into lines here, since Qt would find no place to break an address; and cut so that it fits
+        // on a screen.
         constexpr qsizetype line = 80;
         constexpr qsizetype longest = 40 * line;
         if (text.size() > longest)
@@ -188,7 +188,7 @@ void RowView::contextMenuEvent(QContextMenuEvent* event)
 
 void RowView::keyPressEvent(QKeyEvent* event)
 {
-    // Qt would copy the row with the keyboard.
+    // Qt would copy only the row with the focus.
     if (event->matches(QKeySequence::Copy))
         copySelection();
     else
@@ -254,7 +254,7 @@ void RowView::selectionChanged(const QItemSelection& selected, const QItemSelect
     QAbstractItemView::selectionChanged(selected, deselected);
     if (m_restoring)
         return;
-    // A few rows one by one, so that a reader speaks them.
+    // A few rows one by one, so that a screen reader speaks them.
     constexpr qint64 few = 8;
     if (countOf(selected) + countOf(deselected) > few) {
         QAccessibleEvent event(this, QAccessible::SelectionWithin);
@@ -323,7 +323,7 @@ int RowView::verticalOffset() const
 
 void RowView::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags flags)
 {
-    // From where the mouse was pressed to where it is, so either may be the upper one.
+    // The rectangle goes from where the mouse was pressed to where it is, so either end may be the upper one.
     const int first = std::max(0, rowAt(std::min(rect.top(), rect.bottom())));
     const int last = std::min(rowCount() - 1, rowAt(std::max(rect.top(), rect.bottom())));
     QItemSelection rows;

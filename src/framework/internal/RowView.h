@@ -13,18 +13,18 @@ namespace quilvane {
 /// A list view that computes where a row is instead of laying rows out: all are of one height, and the scroll
 /// bar counts rows, so a million of them cost what thirty cost.
 ///
-/// It derives from QListView, and so overrides all of its layout, because that is the class which Qt's bridge
-/// to screen readers knows as a list. Which row is meant QListView takes from its layout, so what readers are
-/// told is overridden, too.
+/// It derives from QListView because Qt's bridge to screen readers knows that class as a list, and overrides
+/// all of its layout. QListView also takes the row numbers for screen readers from its layout, so those
+/// events are overridden, too.
 class RowView : public QListView {
 public:
     explicit RowView(QWidget* parent);
 
     /// Called when the selection changes.
     std::function<void()> selectionMoved;
-    /// Makes what is copied or dragged of the selected rows; the caller owns it.
+    /// Makes the data for copying or dragging the selected rows; the caller owns it.
     std::function<QMimeData*()> selectedRows;
-    /// Calls what it is given, which drags rows out, as one event of the program.
+    /// Calls its argument, which drags rows out of the list, as one event of the program.
     std::function<void(const std::function<void()>&)> runDrag;
 
     bool hasRows() const { return rowCount() > 0; }
@@ -32,9 +32,9 @@ public:
     /// Puts the selected rows into the clipboard.
     void copySelection() const;
 
-    /// Of the rows that the model has told of.
+    /// The place in the rows that the view knows.
     RowPlace place() const;
-    /// To be called after the model was reset. Nobody is told of a selection that only comes back.
+    /// To be called after the model was reset. Restoring the selection fires no event.
     void restore(const RowPlace& place);
 
     QRect visualRect(const QModelIndex& index) const override;
@@ -63,9 +63,9 @@ protected:
 private:
     int rowCount() const;
     int rowHeight() const;
-    /// Rows that fit in whole, at least 1.
+    /// How many whole rows fit, at least 1.
     int rowsInSight() const;
-    /// The row at a height of the viewport, were there one.
+    /// The row at `y` in the viewport; may be a number that no row has.
     int rowAt(int y) const;
 
     bool m_restoring = false;

@@ -12,16 +12,17 @@ class Announcement;
 
 struct Window::Native {
     std::unique_ptr<QMainWindow> frame;
-    QWidget* content = nullptr; // the frame's central widget, or what that scrolls over
-    Announcement* announcement = nullptr; // the frame's; none before the first
+    QWidget* content = nullptr; // the frame's central widget, or the widget in its scroll area
+    Announcement* announcement = nullptr; // owned by the frame; null before the first announcement
     double unit = 1; // logical pixels for one of the control table
 
     int menuBarHeight() const;
-    /// Settles the unit, and with it the size of the text and of the frame. Once, when the menu bar is there.
+    /// Sets the unit, and with it the size of the text and of the frame. To be called once, after the menu
+    /// bar was added.
     void scaleToUserAndScreen(const QSize& contentSize);
 
     int scaled(int length) const { return qRound(length * unit); }
-    /// Neighbours in the table stay neighbours.
+    /// Scales the corners, so that controls which touch in the table touch in the window.
     QRect scaled(const QRect& place) const
     {
         const QPoint corner(scaled(place.left()), scaled(place.top()));

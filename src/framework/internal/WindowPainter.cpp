@@ -20,12 +20,12 @@ namespace {
 
 constexpr int longestPainting = 20; // ms; the handler waits for it
 constexpr int waitCursorAfter = 300; // ms without a turn of the event loop
-constexpr int dialogGoesWithin = 60; // ms, for the window manager to take its frame away, too
+constexpr int dialogGoesWithin = 60; // ms, enough for the window manager to remove its frame, too
 
 bool waitCursorShows = false;
 
-/// Delivers what is for the toolkit alone: to be painted, or asked by the window manager or over the
-/// accessibility bus. False if there was nothing.
+/// Delivers the events that only the toolkit handles: painting, and questions of the window manager and of
+/// the accessibility bus. False if there was none.
 bool deliverToToolkit()
 {
     return QAbstractEventDispatcher::instance()->processEvents(QEventLoop::ExcludeUserInputEvents);
@@ -49,7 +49,7 @@ WindowPainter::~WindowPainter()
 
 void WindowPainter::paint()
 {
-    // What the destructors of a failed handler call must not throw, and need not paint.
+    // Destructors that run during an exception may call this: then it must not throw, and need not paint.
     if (isOnlyPainting() || std::uncaught_exceptions() > 0)
         return;
     {

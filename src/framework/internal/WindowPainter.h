@@ -6,15 +6,15 @@
 
 namespace quilvane {
 
-/// Paints the windows while a handler works: what keepWindowPainted calls once it is time. One, made by the
-/// Runtime after Qt's application object.
+/// Paints the windows while a handler works: keepWindowPainted() calls it when it is time. The Runtime makes
+/// the only one, after Qt's application object.
 class WindowPainter : public QObject {
 public:
     WindowPainter();
     ~WindowPainter() override;
 
-    /// Lets go what a dialog that was just answered has covered, so that it is off the screen before its
-    /// handler goes on.
+    /// Paints what a dialog has covered, so that the closed dialog is off the screen before the handler goes
+    /// on.
     static void clearAfterDialog();
 
 private:

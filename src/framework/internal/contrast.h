@@ -8,7 +8,7 @@ class QPalette;
 
 namespace quilvane {
 
-// The least contrast ratios that WCAG 2.1, level AA, asks for.
+// The smallest contrast ratios that WCAG 2.1, level AA, allows.
 inline constexpr double textContrast = 4.5;
 inline constexpr double outlineContrast = 3;
 

@@ -45,8 +45,7 @@ constexpr std::array commands{
 
 QPointer<QWidget> focusBeforeMenuBar;
 
-/// The control with the keyboard. A menu bar that was reached by the Alt key has taken it from the control
-/// that its menus are about.
+/// The control with the focus. If a menu bar has it, reached by the Alt key, the control that had it before.
 QWidget* focusedControl()
 {
     QWidget* focused = QApplication::focusWidget();
@@ -63,7 +62,7 @@ const Command* find(std::string_view itemName)
     return found == commands.end() ? nullptr : &*found;
 }
 
-/// A list, too, serves two of the commands. Null if it can't serve this one now.
+/// The list with the focus if it can carry out this command now; a list knows two of them. Else null.
 RowView* listFor(std::string_view itemName)
 {
     auto* list = dynamic_cast<RowView*>(focusedControl());

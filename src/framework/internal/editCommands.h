@@ -9,18 +9,18 @@ class QWidget;
 
 namespace quilvane {
 
-/// Once, at the start: notes from now on which control the keyboard goes from to a menu bar.
+/// To be called once, at the start: from then on it is noted from which control the focus goes to a menu bar.
 void followFocus();
 
-/// Shows the commands that serve a list as its context menu, with its corner at `place` on the screen. The
-/// list must have the keyboard.
+/// Shows the edit commands of a list as its context menu, with its corner at `place` on the screen. The list
+/// must have the focus.
 void popUpEditMenu(QWidget& list, const QPoint& place);
 
 /// Whether `itemName` is one of the commands on text that the toolkit itself carries out: undo, cut, copy,
 /// paste, delete, select all.
 bool isEditCommand(std::string_view itemName);
 
-/// Whether the control that has the keyboard, or had it before the menu bar, can carry it out now.
+/// Whether the control that has the focus, or had it before the menu bar, can carry it out now.
 bool canEdit(std::string_view itemName);
 
 void edit(std::string_view itemName);

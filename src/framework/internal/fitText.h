@@ -7,12 +7,12 @@
 
 namespace quilvane {
 
-/// Pixels; smaller than that nothing is set.
+/// Pixels.
 inline constexpr int smallestTextSize = 9;
 
-/// Sets `widget`'s font smaller, as far as it takes to show `text` in full. The tables' widths were drawn for
-/// another font than the desktop's may be. `margin` is what the widget itself takes of its width, in logical
-/// pixels.
+/// Makes `widget`'s font smaller until all of `text` fits, but not below smallestTextSize. The desktop's font
+/// may be wider than the one that the tables' widths were made for. `margin` is the width that the widget
+/// itself needs, in logical pixels.
 inline void fitText(QWidget& widget, const QString& text, int margin)
 {
     QFont font = widget.font();
@@ -22,8 +22,8 @@ inline void fitText(QWidget& widget, const QString& text, int margin)
     widget.setFont(font);
 }
 
-/// A row of a list as far as it fits into `width`. Of an address the domain says most, so the part before the
-/// last @ is cut first.
+/// The text of a row, shortened to `width`. The domain of an address tells most, so the part before the last
+/// @ is cut first.
 inline QString shortenedAddress(QString text, const QFontMetrics& metrics, int width)
 {
     constexpr qsizetype neverFits = 2000; // characters; to measure more takes time

@@ -8,7 +8,7 @@
 
 namespace quilvane {
 
-/// Plain text as a tooltip takes it: markup in it is shown as it stands, and long lines are broken.
+/// Plain text in the form for a tooltip: markup in it is shown unchanged, and long lines are broken.
 inline QString tooltip(const QString& text)
 {
     return text.isEmpty() ? QString() : Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal);

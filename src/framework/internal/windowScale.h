@@ -8,22 +8,22 @@ class QScreen;
 
 namespace quilvane {
 
-/// The height of the text, in logical pixels, that the windows' tables are made for.
+/// The text size in logical pixels for which the windows' tables are made.
 inline constexpr int designTextSize = 13;
 
 struct WindowScale {
     double unit; // logical pixels for one of the tables
-    bool scrolls; // the window is larger than the screen and shows a part of itself
+    bool scrolls; // the content is larger than the screen, and the window scrolls it
 };
 
-/// What a screen has for the content of a window: not what the desktop's panels and the window's own
-/// decoration take. Nobody tells of the decoration before the window stands, and some desktops not of their
-/// panels.
+/// The room on a screen for a window's content and menu bar, without the desktop's panels and the window's
+/// decoration. Both are guessed where unknown: the decoration before the window is shown, the panels on some
+/// desktops.
 QSize roomOnScreen(const QScreen& screen);
 
 /// How large a window of size `design` is drawn for a user whose text is `textSize` logical pixels high, on a
-/// screen with `room` for it: as much larger or smaller as the text is, but not larger than the room; and
-/// rather with scroll bars than with a text that can't be read.
+/// screen with `room` for it: in proportion to the text, but not larger than the room. If that made the text
+/// unreadable, the window scrolls instead.
 WindowScale windowScale(int textSize, const QSize& design, const QSize& room);
 
 } // namespace quilvane

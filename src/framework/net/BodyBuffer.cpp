@@ -29,7 +29,7 @@ void BodyBuffer::append(std::string_view bytes)
 
 void BodyBuffer::addPart(std::uint64_t size)
 {
-    // Most pages fill next to nothing of the first one.
+    // Not for a first part of the usual size, of which most pages use only a little.
     if (!m_parts.empty() || size > partSize)
         requireMemory(size + partSize, "The page is too long");
     m_parts.emplace_back().reserve(size);
@@ -47,7 +47,7 @@ std::string BodyBuffer::take()
     body.reserve(size);
     for (std::string& part : parts) {
         body += part;
-        std::string().swap(part); // its memory goes back at once; an assignment would keep it
+        std::string().swap(part); // frees its memory; an assignment would keep it
     }
     return body;
 }

@@ -9,12 +9,12 @@
 
 namespace quilvane {
 
-/// Takes a body piece by piece and holds it about once, also if nobody knows how long it will be: in a string
-/// that grows by doubling it would be there twice, or three times, whenever the string moves.
+/// Takes a body of unknown length piece by piece, and needs little more memory than its size. A string that
+/// grows by doubling would need two or three times as much whenever it moves.
 class BodyBuffer {
 public:
-    // Both throw OutOfMemoryException if the memory for it is not there.
-    /// Makes room for a body of that size, which is a guess. Before the first piece.
+    // Both throw OutOfMemoryException if there is not enough memory.
+    /// Makes room for a body of that size, which may be wrong. To be called before the first piece.
     void expect(std::uint64_t size);
     void append(std::string_view bytes);
     /// All of it. Leaves the buffer empty.

@@ -18,7 +18,7 @@ namespace quilvane {
 
 namespace {
 
-constexpr std::chrono::seconds silentWait(1); // most pages are here by then, and a dialog would only flash
+constexpr std::chrono::seconds silentWait(1); // most pages have come by then, and a dialog would only flash
 constexpr std::chrono::milliseconds lookEvery(50);
 
 bool isHere(const std::future<std::string>& body, std::chrono::milliseconds wait)
@@ -30,7 +30,7 @@ bool isHere(const std::future<std::string>& body, std::chrono::milliseconds wait
 
 std::string URLConnection::SendSync(std::string_view, std::string_view url, int)
 {
-    const std::string address(url); // what `url` looks at may change while the dialog stands
+    const std::string address(url); // the text of `url` may change while the dialog is open
     FetchOptions options = FetchOptions::standard();
     std::atomic<std::uint64_t> received = 0;
     options.progress = [&received](std::uint64_t bytes) { received = bytes; };
@@ -38,8 +38,8 @@ std::string URLConnection::SendSync(std::string_view, std::string_view url, int)
     std::packaged_task<std::string(std::stop_token)> transfer(
         [&](const std::stop_token& stop) { return fetch(address, options, stop); });
     std::future<std::string> body = transfer.get_future();
-    // However this function ends, the transfer is stopped and joined first, which takes no time: it waits for
-    // nothing that can't be woken.
+    // However this function ends, the transfer is stopped and joined first. That takes no time, since a stop
+    // request wakes it from every wait.
     const std::jthread worker(std::move(transfer));
 
     const auto start = std::chrono::steady_clock::now();
@@ -55,8 +55,7 @@ std::string URLConnection::SendSync(std::string_view, std::string_view url, int)
               });
         if (!wanted)
             throw CancelUnwinding();
-        // The one thing that ends the dialog before the page is here is the end of the program, and this goes
-        // on with that.
+        // Only the end of the program closes the dialog before the page has come. This continues it.
         if (!isHere(body, std::chrono::milliseconds::zero()))
             Application::endHandlerIfQuitting();
     }

@@ -24,8 +24,8 @@ namespace quilvane {
 
 namespace {
 
-constexpr long pieceSize = 256L * 1024; // bytes; libcurl's own of 16 KiB makes large pages slow
-/// In bytes of one answer, trailers included. Debian's libcurl stops at 300 KiB, and does not say so.
+constexpr long pieceSize = 256L * 1024; // bytes; with libcurl's default of 16 KiB large pages are slow
+/// In bytes of one answer, trailers included. Debian's libcurl stops at 300 KiB, but does not report it.
 constexpr std::uint64_t largestHeaders = std::uint64_t(256) * 1024;
 
 struct FreeEasy {
@@ -62,8 +62,8 @@ std::string textOf(const sockaddr& address)
     return text.data();
 }
 
-/// One request. Nothing may be thrown through libcurl: what a callback throws ends the transfer and comes out
-/// of run().
+/// One request. No exception may pass through libcurl: one in a callback ends the transfer and is thrown
+/// again by run().
 class Transfer {
 public:
     Transfer(std::string_view url, const FetchOptions& options, const std::stop_token& stop)
@@ -86,7 +86,7 @@ public:
 
     std::string run()
     {
-        // libcurl would read it up to there.
+        // libcurl would use only the part before it.
         if (m_request.find('\0') != std::string::npos)
             fail(CURLE_URL_MALFORMAT);
         const CURLcode result = perform();
@@ -119,8 +119,9 @@ private:
         set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
         set(CURLOPT_FOLLOWLOCATION, 1L);
         set(CURLOPT_MAXREDIRS, static_cast<long>(m_options.mostRedirects));
-        set(CURLOPT_COOKIEFILE, ""); // no file, but cookies live as long as the redirects: some sites insist
-        set(CURLOPT_USERAGENT, "Quilvane"); // some refuse a request that does not say whose it is
+        set(CURLOPT_COOKIEFILE,
+            ""); // no file: cookies are kept during the redirects only, since some sites need them
+        set(CURLOPT_USERAGENT, "Quilvane"); // some servers refuse a request without it
         set(CURLOPT_ACCEPT_ENCODING, ""); // all that libcurl can unpack
         if (!m_options.authoritiesFile.empty())
             set(CURLOPT_CAINFO, m_options.authoritiesFile.c_str());
@@ -129,8 +130,8 @@ private:
         set(CURLOPT_LOW_SPEED_LIMIT, 1L);
         set(CURLOPT_LOW_SPEED_TIME, m_options.stallTimeout.count());
         set(CURLOPT_TIMEOUT_MS, m_options.timeout.count());
-        set(CURLOPT_NOSIGNAL, 1L); // signals belong to the process, and this may be any thread of it
-        set(CURLOPT_QUICK_EXIT, 1L); // a search for a host that is no longer wanted is not waited for
+        set(CURLOPT_NOSIGNAL, 1L); // this may not be the main thread
+        set(CURLOPT_QUICK_EXIT, 1L); // don't wait for a host name look-up that was cancelled
 
         set(CURLOPT_OPENSOCKETDATA, this);
         set(CURLOPT_OPENSOCKETFUNCTION, &Transfer::openSocket);
@@ -139,7 +140,7 @@ private:
         set(CURLOPT_HEADERDATA, this);
         set(CURLOPT_HEADERFUNCTION, &Transfer::receiveHeader);
 
-        // Known from the header it is refused at once; else, and unpacked, receive() counts.
+        // A too large size in the header is refused at once; otherwise receive() counts the unpacked bytes.
         set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(m_options.largestBody));
         set(CURLOPT_BUFFERSIZE, pieceSize);
         set(CURLOPT_WRITEDATA, this);
@@ -148,7 +149,7 @@ private:
 
     CURLcode perform()
     {
-        constexpr int longestWait = 1000; // ms; libcurl knows itself when it must look at its clocks
+        constexpr int longestWait = 1000; // ms; libcurl wakes up earlier for its own timers
         const std::stop_callback wake(m_stop, [this] { m_curl.multiWakeup(m_multi.get()); });
         m_curl.multiAddHandle(m_multi.get(), m_easy.get());
         int running = 1;
@@ -159,7 +160,7 @@ private:
             if (status == CURLM_OK && running > 0)
                 status = m_curl.multiPoll(m_multi.get(), nullptr, 0, longestWait, nullptr);
             if (status != CURLM_OK)
-                throw std::bad_alloc(); // nothing else can happen to a handle that is used rightly
+                throw std::bad_alloc(); // no other failure is possible with a handle that is used correctly
         }
         int left = 0;
         return m_curl.multiInfoRead(m_multi.get(), &left)->data.result;
@@ -174,8 +175,8 @@ private:
         return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
     }
 
-    /// The connection is there, or taken over from the page before. With a proxy the address is the
-    /// proxy's.
+    /// Called when there is a connection, a new one or that of the previous page. With a proxy the address is
+    /// the proxy's.
     // NOLINTNEXTLINE(readability-non-const-parameter): the type is libcurl's
     static int beginRequest(void* transfer, char* address, char*, int, int)
     {
@@ -201,7 +202,7 @@ private:
         return false;
     }
 
-    /// Trailers come this way, too.
+    /// Also called for trailers.
     static std::size_t receiveHeader(const char* line, std::size_t, std::size_t length, void* transfer)
     {
         Transfer& self = *static_cast<Transfer*>(transfer);
@@ -212,7 +213,8 @@ private:
         }
         const std::string_view text(line, length);
         if (text.starts_with("HTTP/"))
-            self.m_inHeaders = true; // another answer came before the one that counts
+            self.m_inHeaders
+                = true; // the header of another answer, after that of a redirect or an interim answer
         else if (text == "\r\n" || text == "\n")
             self.m_inHeaders = false;
         return length;
@@ -238,7 +240,8 @@ private:
         return count;
     }
 
-    /// In bytes as they are sent, so less than the body's if they are packed; 0 if the server does not say.
+    /// The size in bytes as sent, which is less than the body's if that is packed; 0 if the server does not
+    /// tell it.
     std::uint64_t announcedSize() const
     {
         curl_off_t size = 0;
@@ -263,7 +266,7 @@ private:
         case CURLE_URL_MALFORMAT:
             return "it is no valid web address";
         case CURLE_UNSUPPORTED_PROTOCOL:
-            // While an answer is read it is about that, else about an address.
+            // While an answer is read the error is about the answer, else about an address.
             return m_inHeaders ? noHttp() : "only http and https addresses can be loaded";
         case CURLE_WEIRD_SERVER_REPLY:
             return noHttp();
@@ -287,7 +290,7 @@ private:
         case CURLE_SEND_ERROR:
             return "the connection broke off" + std::string(m_inHeaders ? " before the page began" : "")
                 + detail();
-        case CURLE_OUT_OF_MEMORY: // of the one line that it keeps, too, when that grows too long
+        case CURLE_OUT_OF_MEMORY: // also for a header line that is too long
             return m_inHeaders ? tooLongHeaders : m_curl.easyStrerror(result);
         case CURLE_BAD_CONTENT_ENCODING:
             return "its compressed content is damaged";
@@ -307,7 +310,7 @@ private:
 
     std::string timeOut() const
     {
-        constexpr std::chrono::milliseconds mostEarly(10); // libcurl's clocks are not so exact
+        constexpr std::chrono::milliseconds mostEarly(10); // libcurl's timers are less exact
         const auto spent = std::chrono::steady_clock::now() - m_start;
         if (spent + mostEarly >= m_options.timeout)
             return "it was not complete after "
@@ -327,7 +330,7 @@ private:
         return " (" + std::generic_category().message(static_cast<int>(errorNumber)) + ')';
     }
 
-    /// libcurl's own words, in parentheses.
+    /// libcurl's own message, in parentheses.
     std::string detail() const
     {
         return m_detail[0] == '\0' ? "" : " (" + std::string(m_detail.data()) + ')';
@@ -344,9 +347,9 @@ private:
     std::array<char, CURL_ERROR_SIZE> m_detail{};
     BodyBuffer m_body;
     std::string m_refusal; // why a callback has ended the transfer
-    bool m_wasSecure = false; // the page before was encrypted
-    bool m_wasPublic = false; // a page on the way here was
-    bool m_inHeaders = false; // of the answer, before the body
+    bool m_wasSecure = false; // the previous page was encrypted
+    bool m_wasPublic = false; // a page of this chain of redirects was public
+    bool m_inHeaders = false; // the headers are being received
     std::uint64_t m_headerSize = 0;
     std::exception_ptr m_thrown;
     std::unique_ptr<CURLM, FreeMulti> m_multi;

@@ -13,7 +13,7 @@ namespace quilvane {
 
 namespace {
 
-/// An IPv4 address takes its mapped form (RFC 4291, 2.5.5.2).
+/// The IPv4-mapped form of an address (RFC 4291, 2.5.5.2).
 in6_addr mapped(const in_addr& address)
 {
     in6_addr result{};

@@ -47,8 +47,9 @@ std::string messageFor(int error)
     return reinterpret_cast<const char*>(text.data());
 }
 
-/// The steps of one run. PCRE2's own limits count anew at each place where a match may begin, and its
-/// compiled code does not count what a repeated class does; but it calls out before each item of a pattern.
+/// Counts the steps of one run. PCRE2's own limits start again at each place where a match may begin, and its
+/// compiled code does not count the repeats of a class; but it can make a callout before each item of a
+/// pattern.
 struct StepCounter {
     std::uint64_t most;
     std::uint64_t steps = 0;
@@ -56,7 +57,7 @@ struct StepCounter {
 
     static int callout(pcre2_callout_block* block, void* data)
     {
-        constexpr std::uint64_t bytesPerStep = 16; // that a repeated class runs over
+        constexpr std::uint64_t bytesPerStep = 16; // bytes that a repeated class passes count less
         StepCounter& counter = *static_cast<StepCounter*>(data);
         const PCRE2_SIZE position = block->current_position;
         const PCRE2_SIZE way
@@ -67,8 +68,8 @@ struct StepCounter {
     }
 };
 
-/// What all patterns run with. A run calls nothing of ours that would run another, so the one stack for
-/// compiled code serves every caller.
+/// The settings of all patterns. A run never starts another run, so all can use the same stack for compiled
+/// code.
 struct Engine {
     Owned<pcre2_compile_context> compileContext = owned(pcre2_compile_context_create(nullptr));
     Owned<pcre2_match_context> matchContext = owned(pcre2_match_context_create(nullptr));
@@ -87,7 +88,7 @@ struct Engine {
         pcre2_set_max_pattern_length(compileContext.get(), longestPattern);
         pcre2_set_depth_limit(matchContext.get(), matchLimit);
         pcre2_set_heap_limit(matchContext.get(), heapLimit);
-        // Null where the machine has no JIT compiler; PCRE2 then interprets.
+        // Null if there is no JIT compiler for the machine; PCRE2 then interprets patterns.
         jitStack.reset(pcre2_jit_stack_create(firstJitStack, largestJitStack, nullptr));
         pcre2_jit_stack_assign(matchContext.get(), nullptr, jitStack.get());
         countingContext = owned(pcre2_match_context_copy(matchContext.get()));
@@ -102,32 +103,33 @@ Engine& engine()
     return theEngine;
 }
 
-// Calling out makes a run several times slower. So of short texts on which a pattern takes few steps only one
-// in so many is counted, and stands for those that follow. No pattern that people use in earnest was seen to
+// Callouts make a run several times slower. So if a pattern takes few steps on a short text, only one run in
+// so many is counted, and its steps are taken for the next runs, too. No pattern of practical use was seen to
 // take more than 12 steps for a byte.
 constexpr std::size_t runsPerCount = 32;
 constexpr std::size_t longestUncounted = 256; // bytes
-constexpr std::uint64_t stepsPerByte = 16; // that the budget grows by
+constexpr std::uint64_t stepsPerByte = 16; // how much the budget grows
 constexpr std::uint64_t manyStepsPerByte = 64;
 
 } // namespace
 
 struct CompiledPattern::Native {
     Owned<pcre2_code> code;
-    std::optional<Owned<pcre2_code>> countingCode; // made for the first count; null if too long for that
+    std::optional<Owned<pcre2_code>>
+        countingCode; // made when steps are first counted; null if the pattern is too long for it
     Owned<pcre2_match_data> matchData;
-    std::optional<LiteralText> literal; // if the pattern is one; it is then searched without PCRE2
+    std::optional<LiteralText> literal; // if the pattern is only a text, which is searched without PCRE2
     std::array<std::size_t, 2> literalMatch{};
 
     static Owned<pcre2_code> compile(
         const std::string& pattern, std::uint32_t furtherOptions, int& error, PCRE2_SIZE& offset)
     {
-        // NEVER_UTF: text is bytes, and a pattern that begins with (*UTF) must not make others of them an
-        // error.
+        // NEVER_UTF: text is bytes. With a pattern that begins with (*UTF), bytes that are no UTF-8 would be
+        // an error.
         Owned<pcre2_code> code(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.data()), pattern.size(),
             PCRE2_CASELESS | PCRE2_NEVER_UTF | furtherOptions, &error, &offset,
             engine().compileContext.get()));
-        // A pattern that can't be translated for the machine is interpreted, so a failure is none.
+        // A pattern that can't be compiled to machine code is interpreted, so this may fail.
         if (code)
             pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE);
         return code;
@@ -163,8 +165,8 @@ struct CompiledPattern::Native {
 
 std::shared_ptr<const CompiledPattern> CompiledPattern::get(const std::string& pattern)
 {
-    constexpr std::size_t most = 32; // some twice what the program itself holds
-    static std::vector<std::shared_ptr<const CompiledPattern>> recent; // the last one used stands at the end
+    constexpr std::size_t most = 32; // about twice the number of the program's own patterns
+    static std::vector<std::shared_ptr<const CompiledPattern>> recent; // the one used last is at the end
     auto found = std::find_if(
         recent.begin(), recent.end(), [&pattern](const auto& entry) { return entry->pattern() == pattern; });
     if (found != recent.end()) {

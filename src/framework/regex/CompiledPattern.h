@@ -13,19 +13,19 @@ namespace quilvane {
 
 class LiteralText;
 
-/// What the runs of a pattern over all texts of one pass may cost. It counts steps of matching and never
-/// time, so that the same pattern over the same list always ends alike.
+/// Limits the cost of running one pattern over all texts of a pass. It counts matching steps and not time, so
+/// that the same pattern over the same list always has the same result.
 struct MatchingBudget {
-    std::uint64_t stepsLeft = 50'000'000; // about a second; each byte searched adds to it
-    std::size_t runsUncounted = 0; // so many of the next runs are paid already
+    std::uint64_t stepsLeft = 50'000'000; // about a second; grows with each searched byte
+    std::size_t runsUncounted = 0; // for so many of the next runs the steps are paid already
 };
 
-/// A pattern ready to run; what RegEx objects of one pattern share. For one OS thread only.
+/// A pattern ready to run, shared by the RegEx objects with this pattern. For one thread only.
 class CompiledPattern {
 public:
     enum class EmptyAtStart { Allowed, Skipped };
 
-    /// From the store of the last patterns used, or compiled now. Throws RegExSearchPatternException.
+    /// Returns one of the patterns used last, or compiles a new one. Throws RegExSearchPatternException.
     static std::shared_ptr<const CompiledPattern> get(const std::string& pattern);
 
     /// Throws RegExSearchPatternException.
@@ -36,13 +36,13 @@ public:
 
     const std::string& pattern() const { return m_pattern; }
 
-    /// Null if the pattern is more than a text to be found.
+    /// The text to be found, if the pattern is only that; else null.
     const LiteralText* literal() const;
 
     /// Looks for the first match that begins at `start` or after it; `start` is at most the size of the text.
-    /// Gives pairs of begin and end offsets, for the whole match and for each bracket (`unset` for one that
-    /// took no part), or nothing if there is no match. They hold until the pattern is run again. Throws
-    /// RegExException, also if the budget is used up.
+    /// Returns the begin and end offsets of the whole match, then of each group (`unset` for one that took no
+    /// part); empty if there is no match. Valid until the pattern is run again. Throws RegExException, also
+    /// if the budget is used up.
     std::span<const std::size_t> run(std::string_view text, MatchingBudget& budget, std::size_t start = 0,
         EmptyAtStart empty = EmptyAtStart::Allowed) const;
 

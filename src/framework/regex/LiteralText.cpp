@@ -28,7 +28,7 @@ char fold(char byte)
     return foldedBytes[static_cast<unsigned char>(byte)];
 }
 
-/// The bytes that stand for themselves in every place of a pattern.
+/// Whether the byte stands for itself everywhere in a pattern.
 bool isPlain(char byte)
 {
     return isLetter(byte) || isDigit(byte)
@@ -43,7 +43,7 @@ std::uint64_t zeroBytes(std::uint64_t bytes)
     return (bytes - everyByte) & ~bytes & everyByte * 0x80;
 }
 
-/// One folded byte, to be looked for at eight places at once.
+/// Eight copies of a folded byte, to compare eight places at once.
 class EightCopies {
 public:
     explicit EightCopies(char folded)
@@ -52,7 +52,7 @@ public:
     {
     }
 
-    /// A byte of the result is 0 where the one at `text` is the byte, in any case.
+    /// A byte of the result is 0 where the byte of `text` is the wanted one, in upper or lower case.
     std::uint64_t differenceTo(const char* text) const
     {
         std::uint64_t bytes = 0;
@@ -104,7 +104,8 @@ std::size_t LiteralText::find(std::string_view text, std::size_t start) const
     const char* place = text.data() + start;
     const char* const endOfStarts = text.data() + (text.size() - m_folded.size() + 1);
     const std::size_t toLast = m_folded.size() - 1;
-    // Few places have both its first and its last byte; where there is none the steps are long.
+    // Only places with both the first and the last byte are compared. They are few, so most steps skip 32
+    // bytes.
     const auto candidates = [&](const char* eight) {
         return zeroBytes(first.differenceTo(eight) | last.differenceTo(eight + toLast));
     };

@@ -30,7 +30,7 @@ Ref<RegExMatch> RegEx::Search()
     if (m_next == std::string_view::npos)
         return Ref<RegExMatch>::nil("There is no text left to search.");
 
-    // Where an empty match stood, the next one may begin but may not be empty too.
+    // After an empty match the next one may begin at the same place but must not be empty.
     const auto empty
         = m_lastWasEmpty ? CompiledPattern::EmptyAtStart::Skipped : CompiledPattern::EmptyAtStart::Allowed;
     const std::span<const std::size_t> offsets = compiled().run(m_text, m_budget, m_next, empty);

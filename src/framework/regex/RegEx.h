@@ -15,17 +15,15 @@ namespace quilvane {
 
 class LiteralText;
 
-/// A regular expression of Perl's kind, run over bytes: case is ignored and `\b` and `\w` are told for ASCII
-/// only,
-/// `.` stops at CR and LF.
+/// A regular expression in Perl's syntax, run over bytes. Case is ignored, `\b` and `\w` know ASCII only, and
+/// `.` does not match CR and LF.
 ///
-/// Making one costs next to nothing: a pattern is compiled when it is first searched with, and the compiled
-/// forms of the last patterns are kept and shared. Set SearchPattern, call Search(text), then Search() until
-/// it gives nil.
+/// To make one costs almost nothing: a pattern is compiled at its first search, and the compiled forms of the
+/// last patterns are kept and shared. Set the pattern, call Search(text), then Search() until it returns nil.
 ///
-/// Whatever runs a pattern throws RegExSearchPatternException if it is invalid, and RegExException if it
-/// needs too much memory on that text, or too many steps on all texts since the pattern was set. How many it
-/// may take grows with the texts.
+/// Every function that runs the pattern throws RegExSearchPatternException if it is invalid, and
+/// RegExException if it needs too much memory for that text, or too many steps for all texts since the
+/// pattern was set. The limit of steps grows with the texts.
 class RegEx {
 public:
     RegEx() = default;
@@ -35,20 +33,20 @@ public:
     void setSearchPattern(std::string pattern);
     void setReplacementPattern(std::string replacement) { m_replacementPattern = std::move(replacement); }
 
-    /// The first match in `text`, or nil. `text` is not copied: it must live and stay as it is for as long as
-    /// Search() goes on in it.
+    /// The first match in `text`, or nil. `text` is not copied: it must stay valid and unchanged as long as
+    /// Search() continues in it.
     Ref<RegExMatch> Search(std::string_view text);
 
-    /// The next match after the previous one, or nil if there is no more or no text was given. After an
-    /// empty match the search goes on so that it comes to an end.
+    /// The next match after the previous one, or nil if there is no more or no text was given. After an empty
+    /// match it looks for another one, so that a loop ends.
     Ref<RegExMatch> Search();
 
-    /// `text` with its first match replaced by ReplacementPattern, which is taken literally: it knows no
-    /// back-references. Does not touch the text that Search() goes on in.
+    /// `text` with its first match replaced by ReplacementPattern, which is used literally, without
+    /// back-references. Does not affect where Search() continues.
     std::string Replace(std::string_view text);
 
-    /// Whether the pattern is found in `text`; allocates nothing once the pattern is compiled. Does not touch
-    /// the text that Search() goes on in.
+    /// Whether the pattern is found in `text`; allocates nothing after the pattern is compiled. Does not
+    /// affect where Search() continues.
     bool matches(std::string_view text);
 
     /// Null if the pattern is more than a text to be found. Valid until the pattern is set.
@@ -62,7 +60,8 @@ private:
     std::shared_ptr<const CompiledPattern> m_compiled; // null until the pattern is first used
     MatchingBudget m_budget;
     std::string_view m_text;
-    std::size_t m_next = std::string_view::npos; // where Search() goes on in m_text; npos if nothing is left
+    std::size_t m_next
+        = std::string_view::npos; // where Search() continues in m_text; npos if nothing is left
     bool m_lastWasEmpty = false;
 };
 

@@ -7,14 +7,14 @@
 
 namespace quilvane {
 
-/// What one search found. It holds copies, so it outlives both the RegEx and the text.
+/// The result of one search. It holds copies, so it may outlive the RegEx and the text.
 class RegExMatch {
 public:
-    /// `subExpressions`: the whole match, then one text for each bracket of the pattern.
+    /// `subExpressions`: the whole match, then one text for each group of the pattern.
     explicit RegExMatch(std::vector<std::string> subExpressions);
 
-    /// 0 is the whole match, 1 the first bracket; empty for a bracket that took no part in the match.
-    /// OutOfBoundsException for an index that the pattern has no bracket for.
+    /// 0 is the whole match, 1 the first group; empty for a group that took no part in the match.
+    /// OutOfBoundsException for an index without a group.
     const std::string& SubExpressionString(int index) const;
 
 private:

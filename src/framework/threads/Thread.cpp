@@ -11,7 +11,7 @@ namespace quilvane {
 
 namespace {
 
-/// Thrown through a killed body, and through the bodies that it has started itself.
+/// Unwinds a killed body, and the bodies that it has started itself.
 struct Unwinding {
     const Thread* killed;
 };

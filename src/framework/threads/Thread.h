@@ -8,8 +8,8 @@
 
 namespace quilvane {
 
-/// A worker of the program: a body that can be ended from any depth of its calls. It runs where it is
-/// started, on its caller's stack and to its end, so nothing that the two share needs a lock.
+/// A worker of the program: a body that can be ended from any depth of its calls. It runs on its caller's
+/// stack and to its end, so that nothing needs a lock.
 ///
 /// Bind RunEvent, call Run. When the body has returned, thrown or was killed, Run may be called again. The
 /// body must not run the event loop, and the thread must outlive its body.
@@ -23,18 +23,19 @@ public:
     Thread(const Thread&) = delete;
     Thread& operator=(const Thread&) = delete;
 
-    /// The body. The platform calls both this event and the method that starts it Run, which C++ can't.
+    /// The body. The platform calls both this event and the method that starts it Run; in C++ they need
+    /// different names.
     std::function<void()> RunEvent;
 
-    int Priority = 5; // nothing looks at it, as the body does not compete with its caller
+    int Priority = 5; // without effect, since the body does not compete with its caller
 
-    /// Returns when the body has ended. An error that the body throws ends the body alone: it is reported
-    /// here, and the caller goes on. Throws ThreadAlreadyRunningException.
+    /// Returns when the body has ended. An exception in the body ends only the body: it is reported here, and
+    /// the caller goes on. Throws ThreadAlreadyRunningException.
     void Run();
 
-    /// Ends the thread. Called from inside of the body it does not return: it unwinds the body, so that what
-    /// it holds is given back, with an exception that is no std::exception; a `catch (...)` on the way must
-    /// throw on. Harmless on a thread that does not run.
+    /// Ends the thread. Called from inside of the body it does not return: it unwinds the body with an
+    /// exception that is no std::exception, so that destructors run; a `catch (...)` in the body must throw
+    /// it again. Does nothing for a thread that does not run.
     void Kill();
 
 private:

@@ -8,8 +8,8 @@
 
 namespace quilvane {
 
-/// Fires Action from the event loop again and again while it is enabled; never while a handler runs, unless
-/// that handler runs the event loop itself.
+/// Fires Action from the event loop periodically while it is enabled; during a handler only if that handler
+/// runs the event loop itself.
 class Timer {
 public:
     /// `period` is in milliseconds.
@@ -18,7 +18,7 @@ public:
 
     std::function<void()> Action;
 
-    static constexpr int RunMode = 2; // again and again; there is no other
+    static constexpr int RunMode = 2; // periodic; there is no other mode
 
     bool Enabled() const;
     void setEnabled(bool enabled);

@@ -35,14 +35,14 @@ constexpr std::chrono::milliseconds timeToStart = 30s;
 /// An answer needs no time, but the machine may be busy.
 constexpr std::chrono::milliseconds timeToAnswer = 10s;
 
-std::string named()
+std::string readerInWords()
 {
     return "The document reader \"" + displayPath(ReaderProcess::program()) + '"';
 }
 
 RuntimeException notStarted(const std::string& reason)
 {
-    return RuntimeException(named() + " could not be started: " + reason + '.');
+    return RuntimeException(readerInWords() + " could not be started: " + reason + '.');
 }
 
 RuntimeException notStarted(int errorNumber)
@@ -107,7 +107,7 @@ pid_t spawn(int socket)
     return process;
 }
 
-std::shared_ptr<ReaderProcess>& present()
+std::shared_ptr<ReaderProcess>& currentReader()
 {
     static std::shared_ptr<ReaderProcess> reader;
     return reader;
@@ -116,7 +116,7 @@ std::shared_ptr<ReaderProcess>& present()
 } // namespace
 
 ReaderLost::ReaderLost()
-    : RuntimeException(named() + " has ended before it had read the document.")
+    : RuntimeException(readerInWords() + " has ended before it had read the document.")
 {
 }
 
@@ -137,7 +137,7 @@ bool waitForReader(int socket, short event, std::chrono::milliseconds most)
 
 std::shared_ptr<ReaderProcess> ReaderProcess::running()
 {
-    std::shared_ptr<ReaderProcess>& reader = present();
+    std::shared_ptr<ReaderProcess>& reader = currentReader();
     if (!reader)
         reader = std::make_shared<ReaderProcess>();
     return reader;
@@ -145,7 +145,7 @@ std::shared_ptr<ReaderProcess> ReaderProcess::running()
 
 void ReaderProcess::forget()
 {
-    present().reset();
+    currentReader().reset();
 }
 
 std::string& ReaderProcess::program()
@@ -224,7 +224,7 @@ void ReaderProcess::greet()
         throw notStarted("it has ended at once");
     const std::optional<ReaderGreeting> greeting = decodeGreeting(bytes);
     if (!greeting || greeting->buildId != buildId())
-        throw RuntimeException(named()
+        throw RuntimeException(readerInWords()
             + " belongs to another version of the program. Please quit the program and start it again.");
     static bool isLogged = false;
     if (!greeting->missing.empty() && !std::exchange(isLogged, true))

@@ -6,9 +6,9 @@
 
 namespace quilvane {
 
-/// libcurl, loaded and set up when it is first asked for: it brings some thirty libraries with it, and were
-/// they loaded with the program, each start would wait for them. Never unloaded, since a transfer may run
-/// until the process ends. On any thread.
+/// libcurl, loaded and initialised at the first call of instance(): it needs some thirty other libraries, for
+/// which each start of the program would have to wait. Never unloaded, since a transfer may run until the
+/// process ends. On any thread.
 class CurlLibrary {
     template <typename Signature>
     class Function {
@@ -24,10 +24,10 @@ class CurlLibrary {
         Signature* m_address;
     };
 
-    void* m_library; // before what is looked up in it
+    void* m_library; // declared before the functions that are looked up in it
 
 public:
-    /// Throws RuntimeException if the library is not there.
+    /// Throws RuntimeException if the library can't be loaded.
     static const CurlLibrary& instance();
 
     Function<decltype(curl_easy_cleanup)> easyCleanup{ m_library, "curl_easy_cleanup" };
