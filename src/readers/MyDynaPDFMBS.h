@@ -13,7 +13,7 @@ namespace quilvane {
 /// warnings.
 class MyDynaPDFMBS : public DynaPDFMBS {
 public:
-    /// No more warnings for this document; errors are shown all the same.
+    /// Show no more warnings for this document; errors are still shown.
     bool IgnoreWarnings = false;
 
     /// Whether the class of that name handles the engine's Error event, as this one does.

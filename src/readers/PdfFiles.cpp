@@ -12,14 +12,14 @@ namespace quilvane {
 
 void Window1::doPDF(const Ref<FolderItem>& f)
 {
-    // Held for the whole run: a dialog of the engine runs the event loop, in which another run may replace
-    // `pdf`.
+    // Kept here during the whole run: a dialog of the engine runs the event loop, in which another run may
+    // replace `pdf`.
     const auto engine = Ref<MyDynaPDFMBS>::make();
     pdf = engine;
     engine->CreateNewPDF();
     engine->SetImportFlags(0x80000000);
     const Ref<FolderItem> file = GetFolderItem(f->NativePath());
-    // None of the messages ends the run: each failed step is followed by the next one.
+    // None of the messages ends the run: after a failed step comes the next one.
     if (!file || !file->Exists())
         MsgBox(displayPath(file->Name())
             + " does not seem to be a valid PDF file. Please change code to point to a pdf file.");
@@ -29,7 +29,7 @@ void Window1::doPDF(const Ref<FolderItem>& f)
     Slider1.setMaximum(engine->GetPageCount() - 1);
     Load(1);
     for (int index = 0; index <= engine->GetPageCount() - 1; ++index) {
-        Slider1.setValue(index); // loads the page, unless the slider stands there already
+        Slider1.setValue(index); // loads the page, unless the slider has this value already
         searchText = searchText + " " + searchText2;
     }
     doPDFCheckThread();
@@ -42,7 +42,7 @@ void Window1::doPDF(const Ref<FolderItem>& f)
 
 void Window1::Load(int pageNumber)
 {
-    // So each page drops those before it, and of a document its last page alone is scanned. It has always
+    // So each page drops the ones before it, and only the last page of a document is scanned. It has always
     // been so.
     forgetText();
     const Ref<MyDynaPDFMBS> engine = pdf;

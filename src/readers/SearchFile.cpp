@@ -13,7 +13,7 @@ namespace quilvane {
 
 namespace {
 
-// What fileKind tells from a name, wherever it stands there; .doc as in .docx.
+// The parts of names that searchFileReaders knows; .doc also stands for .docx.
 constexpr std::string_view marks[] = { ".csv", ".txt", ".doc", ".pdf" };
 constexpr OfferedFiles offered{ "Text, CSV, Word and PDF files", marks };
 
@@ -44,7 +44,7 @@ void Window1::doCSV()
     const Ref<FolderItem> f = GetOpenFolderItem("text/csv;text/pdf;text/docx", "Search File", offered);
     if (!f)
         return;
-    // A file of no known kind is not even opened; it ends like a text file in which there are no addresses.
+    // A file of an unknown kind is not even opened; the run ends as after a text file without addresses.
     const std::vector<FileReader> readers = readersFor(searchFileReaders, f->Name());
     accountForSingle(*f, readers);
     for (const FileReader reader : readers) {
@@ -81,7 +81,7 @@ void Window1::doCSVFile(const Ref<FolderItem>& f)
     enableButtonsAfterScan();
     results.setVisible(true);
     account.read(f->NativePath(), FileReader::Delimited);
-    // That nothing was found stands where the total would stand, unlike after a text file.
+    // If nothing was found, the message is shown in place of the total, unlike after a text file.
     setFinishMessage(rCounter > 0 ? ProgressText : results);
     stream->Close();
     checkDuplicates();
@@ -97,12 +97,12 @@ void Window1::doCSVFolder(const Ref<FolderItem>& f)
     const Ref<TextInputStream> stream = file->OpenAsTextFile();
     scanToList(*stream, Counting::Off);
     if (!stream) {
-        // Never seen: reading from no stream has ended the handler before.
+        // Never reached: to read from a nil stream has thrown already.
         MsgBox("Could not open " + displayPath(f->Name()) + ".");
         return;
     }
     enableButtonsAfterScan();
-    // Before the removal, so this total counts the duplicates, too.
+    // Before the removal of duplicates, so this total counts them, too.
     setTotalLabel();
     stream->Close();
     checkDuplicates();

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Search URL: one web page, scanned as the server sends it. A viewer that nobody sees is told each address,
-// too; it loads nothing.
+// Search URL: one web page, scanned as the server sends it. An invisible viewer also gets each address; it
+// loads nothing.
 
 #include "app/Window1.h"
 
@@ -18,7 +18,7 @@ void Window1::importBtn_Action()
     RegEx insecure;
     insecure.setSearchPattern("http://");
     insecure.setReplacementPattern("https://");
-    // Wherever it stands in the field, but once: a later one may belong to a query.
+    // Anywhere in the field, but only the first: a later one may belong to a query.
     if (!urlField.Text().empty() && insecure.Search(urlField.Text()))
         urlField.setText(insecure.Replace(urlField.Text()));
     searchStop.setValue(false);
@@ -43,7 +43,8 @@ void Window1::doHTML()
     results.setVisible(true);
     setFinishMessage(results);
     checkDuplicates();
-    // Unlike the total of the other sources: in the plural for one row as well, and there for none.
+    // Unlike the total of the other sources, this one is in the plural also for one row, and is shown also
+    // for none.
     results.setText("Total: " + Str(Listbox1.ListCount()) + " entries.");
 }
 

@@ -12,8 +12,7 @@ namespace quilvane {
 
 namespace {
 
-/// Nil, with the file's name and the reason, for what is no Word document, lock files of an open one
-/// included.
+/// Nil, with the file's name and the reason, for a file that is no Word document, such as a lock file.
 Ref<WordFileMBS> openDocument(const FolderItem& file, BinaryStream& stream)
 {
     Ref<WordFileMBS> document = WordFileMBS::OpenData(stream.Read(stream.Length()));
@@ -49,7 +48,7 @@ void Window1::doWordFolder(const Ref<FolderItem>& f)
     TextField1.setText(document->Text());
     addMatchesToList(TextField1.Text(), Counting::Off);
     enableButtonsAfterScan();
-    // Told by the rows, before the removal, and in words of its own.
+    // In words of its own: the number of rows before the removal of duplicates.
     const std::size_t rows = Listbox1.ListCount();
     results.setText(rows > 0 ? Str(rows) + " Entries" : "No email addresses detected.");
     if (rows > 0)

@@ -19,7 +19,7 @@ namespace quilvane {
 
 namespace {
 
-/// What a match may reach over.
+/// The limits of a match.
 struct Surroundings {
     const char* begin; // of the text
     const char* end;
@@ -31,12 +31,12 @@ std::string_view viewOf(const char* begin, const char* end)
     return { begin, static_cast<std::size_t>(end - begin) };
 }
 
-/// Where the match around the '@' at `at` begins: at the leftmost word boundary of the run before it. Null if
-/// the run has no boundary.
+/// The beginning of the match around the '@' at `at`: the leftmost word boundary in the run of bytes before
+/// it. Null if the run has none.
 const char* localPartBegin(Surroundings text, const char* at)
 {
-    // What follows a match is no word character, so its end is a boundary and a match may begin there on any
-    // byte. Everywhere else a run begins after a byte that is no word character.
+    // After a match comes no word character, so its end is a boundary and the next match may begin there with
+    // any byte. Everywhere else the byte before a run is no word character.
     const char* firstWordByte = nullptr;
     const char* begin = at;
     while (begin != text.previousMatchEnd && isOf(begin[-1], ByteClass::localPart)) {
@@ -49,8 +49,9 @@ const char* localPartBegin(Surroundings text, const char* at)
     return firstWordByte;
 }
 
-/// Where the domain that begins at `domain` ends: after the last of its dots that two letters or more and
-/// then no word character follow. Null if there is no such dot after the domain's first byte.
+/// The end of the domain that begins at `domain`: it ends with the last dot that is followed by two or more
+/// letters and then no word character, and those letters. Null if there is no such dot after the domain's
+/// first byte.
 const char* domainEnd(Surroundings text, const char* domain)
 {
     const char* runEnd = domain;
@@ -146,9 +147,9 @@ namespace {
 constexpr std::ptrdiff_t windowSize = 32;
 constexpr std::ptrdiff_t blockSize = 64;
 
-/// Classes of bytes as two table look-ups give them, one by the high and one by the low half of a byte: a
-/// byte is of a class if both halves name it. Letters take two, as not every high half goes with every low
-/// half.
+/// Classes of bytes for two table look-ups, one by the high and one by the low half of a byte. A byte belongs
+/// to a class if both tables contain it. Letters need two classes, since not every high half goes with every
+/// low half.
 struct HalfClass {
     static constexpr char digit = 1; // 0x30 to 0x39
     static constexpr char lettersToO = 2; // 0x41 to 0x4f, 0x61 to 0x6f
@@ -184,7 +185,7 @@ QUILVANE_AVX2 inline __m256i classify(__m256i bytes)
     return _mm256_and_si256(_mm256_shuffle_epi8(lowHalf, bytes), _mm256_shuffle_epi8(highHalf, highHalves));
 }
 
-/// Bit i is set if byte i is of none of `wanted`.
+/// Bit i is set if byte i belongs to none of the classes `wanted`.
 QUILVANE_AVX2 inline std::uint32_t noneOf(__m256i classes, char wanted)
 {
     const __m256i found = _mm256_and_si256(classes, _mm256_set1_epi8(wanted));
@@ -205,7 +206,7 @@ QUILVANE_AVX2 inline std::uint64_t atsIn(const char* block)
     return low | high << windowSize;
 }
 
-/// Goes forward from `bytes` by pairs of blocks for as long as they hold no '@'.
+/// Skips pairs of blocks from `bytes` on as long as they hold no '@'.
 QUILVANE_AVX2 inline const char* skipBlocksWithoutAt(const char* bytes, const char* end)
 {
     const __m256i at = _mm256_set1_epi8('@');
@@ -220,7 +221,7 @@ QUILVANE_AVX2 inline const char* skipBlocksWithoutAt(const char* bytes, const ch
 }
 
 /// domainEnd() for a domain that ends within the window that begins with it. `classes` are those of the
-/// window, and `stops` marks the bytes that no domain holds.
+/// window's bytes, and `stops` marks the bytes that can't be in a domain.
 QUILVANE_AVX2 inline const char* domainEndInWindow(const char* domain, __m256i classes, std::uint32_t stops)
 {
     const std::uint32_t inDomain = (stops & (0U - stops)) - 1;
@@ -238,8 +239,8 @@ QUILVANE_AVX2 inline const char* domainEndInWindow(const char* domain, __m256i c
     return nullptr;
 }
 
-/// matchAround() with the 32 bytes on either side of the '@' looked at together. What reaches out of them is
-/// left to matchAround(). In line, as that doubles the speed where every other byte is an '@'.
+/// matchAround() that examines the 32 bytes on each side of the '@' at once. A match that needs more bytes is
+/// left to matchAround(). Inlined, which doubles the speed where every other byte is an '@'.
 QUILVANE_AVX2 [[gnu::always_inline]] inline std::string_view matchAroundAvx2(
     const Surroundings& text, const char* at)
 {
@@ -261,8 +262,8 @@ QUILVANE_AVX2 [[gnu::always_inline]] inline std::string_view matchAroundAvx2(
         return matchAround(text, at);
     // Bit 31 stands for the byte before the '@'.
     const std::ptrdiff_t runSize = std::countl_zero(leftStops);
-    // A run that comes up to the previous match begins there, on whatever byte. One that comes up to the
-    // begin of the text does not fit into the window.
+    // A run that reaches back to the previous match begins there, with any byte. A run that reached back to
+    // the beginning of the text would not fit into the window.
     const char* begin = text.previousMatchEnd;
     if (at - begin > runSize) {
         const std::uint32_t inRun = ~(0xffffffffU >> runSize);
@@ -276,12 +277,13 @@ QUILVANE_AVX2 [[gnu::always_inline]] inline std::string_view matchAroundAvx2(
     return viewOf(begin, end);
 }
 
-/// Writes where each '@' of a block stands to `ats` and gives their number. `found` is what atsIn() gave.
+/// Writes the place of each '@' of a block to `ats` and returns their number. `found` is the result of
+/// atsIn().
 QUILVANE_AVX2 [[gnu::always_inline]] inline std::size_t noteAts(
     const char* block, std::uint64_t found, const char** ats)
 {
     const auto count = static_cast<std::size_t>(std::popcount(found));
-    // Two are written whether they are there or not: which of the few it is can't be predicted.
+    // Two are always written, even if there are fewer: a branch on their number could not be predicted.
     for (std::size_t i = 0; i < 2; ++i) {
         ats[i] = block + _tzcnt_u64(found);
         found &= found - 1;
@@ -297,8 +299,8 @@ QUILVANE_AVX2 [[gnu::always_inline]] inline std::size_t noteAts(
 
 QUILVANE_AVX2 std::size_t AddressScanner::searchAvx2()
 {
-    // First where each '@' stands, then the matches around them, by turns so short that the text comes in
-    // from memory all the while.
+    // In turns: first the places of some '@', then the matches around them. The turns are short, so that the
+    // processor loads the text from memory all the time.
     constexpr std::size_t enough = 24;
     std::array<const char*, enough + 2 * blockSize> ats;
     static_assert(ats.size() <= decltype(m_matches)().size());

@@ -9,15 +9,15 @@
 
 namespace quilvane {
 
-/// Finds the e-mail addresses of one text: construct it on the text, call next() until it gives nothing. Who
-/// has no use for less than all of them calls forEachAddress().
+/// Finds the e-mail addresses of one text: construct it with the text, then call next() until the result is
+/// empty. forEachAddress() goes through all of them.
 ///
 /// The matches are those of the pattern \b[A-Z0-9._%+-]+@[A-Z0-9.-]+\.[A-Z]{2,}\b, ignoring ASCII case,
-/// searched for again and again from the end of the match before. Bytes are taken as they are; one above 127
-/// is no word character. The time is linear in the text, whatever it holds.
+/// each searched from the end of the previous match. The text is bytes; one above 127 is no word character.
+/// The time is linear in the text, whatever it holds.
 class AddressScanner {
 public:
-    /// How the bytes around an '@' are looked at. Every kernel finds the same matches.
+    /// How the bytes around an '@' are examined. Every kernel finds the same matches.
     enum class Kernel {
         Scalar,
         Avx2,
@@ -30,12 +30,12 @@ public:
     /// `text` must outlive the scanner and the matches. `kernel` must be supported.
     explicit AddressScanner(std::string_view text, Kernel kernel = fastestKernel());
 
-    /// The next matches from the left, as views into the text; none at the end, and ever after. Many at a
-    /// time, as a call for each would take as long as the search. Valid until the next call.
+    /// The next matches from the left, as views into the text; none at the end and in all calls after it.
+    /// Many at a time, since a call for each would take as long as the search. Valid until the next call.
     std::span<const std::string_view> next();
 
 private:
-    // Both give the number of matches that are in m_matches then; none at the end only.
+    // Both fill m_matches and return the number of matches; 0 only at the end.
     std::size_t searchScalar();
     std::size_t searchAvx2();
 

@@ -20,7 +20,7 @@ namespace quilvane {
 
 namespace {
 
-/// Sets the case bit of each of the eight bytes that is an ASCII capital letter.
+/// Makes those of the eight bytes lower-case that are ASCII capital letters.
 std::uint64_t foldCase(std::uint64_t bytes)
 {
     constexpr std::uint64_t ones = 0x0101010101010101;
@@ -33,7 +33,7 @@ std::uint64_t foldCase(std::uint64_t bytes)
     return bytes | capitals >> 2;
 }
 
-/// Up to eight bytes, case-folded; zeros stand for those that are missing.
+/// Up to eight bytes, case-folded; missing ones are zeros.
 std::uint64_t foldedWord(const char* bytes, std::size_t count)
 {
     std::uint64_t word = 0;
@@ -54,7 +54,7 @@ bool equalIgnoringCase(std::string_view a, std::string_view b)
 }
 
 /// SipHash-1-3 over the case-folded text: Aumasson and Bernstein, "SipHash: a fast short-input PRF", 2012.
-/// Whoever does not know the key cannot make texts that collide.
+/// Without the key nobody can make texts that collide.
 class SipHash {
 public:
     explicit SipHash(HashSeed key)
@@ -104,12 +104,13 @@ private:
     std::uint64_t m_v3;
 };
 
-/// Zeroed memory, to be given back with free(). A large table is in huge pages where the system has them: to
-/// have its pages made one by one would take half as long as all the work in them.
+/// Zeroed memory, to be freed with free(). A large table is in huge pages if the system has them: to map
+/// small pages one by one would take half as long as all the work in them.
 void* allocateTable(std::size_t bytes)
 {
     constexpr std::uintptr_t pageSize = 4096;
-    constexpr std::size_t large = std::size_t{ 32 } << 20; // no longer from the heap, but from the system
+    constexpr std::size_t large = std::size_t{ 32 }
+        << 20; // calloc then maps the memory instead of using the heap
     void* memory = std::calloc(bytes, 1);
     if (!memory)
         throw std::bad_alloc();
@@ -119,7 +120,7 @@ void* allocateTable(std::size_t bytes)
     return memory;
 }
 
-/// For a text of up to 64 bytes that is wanted soon.
+/// For a text of up to 64 bytes that is needed soon.
 void prefetch(std::string_view text)
 {
     __builtin_prefetch(text.data());
@@ -155,7 +156,7 @@ std::size_t DuplicateIndex::find(std::uint32_t hash, IsWanted isWanted) const
     return place;
 }
 
-/// Makes sure that so many rows find place.
+/// Makes room for so many rows in all.
 void DuplicateIndex::reserve(std::size_t rows)
 {
     if (rows * 4 > m_slotCount * 3)
@@ -258,7 +259,7 @@ void DuplicateIndex::Pass::startNextPhase()
             number += m_stays[i];
         }
         m_index.m_knownRows = number;
-        // As long as none goes, the rows are called what they will be called.
+        // If no row goes, all rows keep their numbers.
         if (number == m_firstRow + m_stays.size())
             m_phaseSize = 0;
         else if (!m_isSmall)
@@ -294,8 +295,8 @@ void DuplicateIndex::Pass::sort(std::size_t begin, std::size_t end)
     }
 }
 
-/// About how many of the entries the index will know, rather a few more than fewer: equal rows are in the
-/// same part, so the first part tells how many of all differ.
+/// Estimates, rather too high than too low, how many of the entries will be new in the index. Equal rows are
+/// in the same part, so the first part is a sample for all.
 std::size_t DuplicateIndex::Pass::expectedNewRows() const
 {
     constexpr std::size_t few = std::size_t{ 1 } << 18; // a table for all takes less than four megabytes
@@ -312,7 +313,7 @@ std::size_t DuplicateIndex::Pass::expectedNewRows() const
             || m_index.m_slots[m_index.find(hash, [](const Slot&) { return true; })].rowPlusOne == 0;
     };
     const auto count = static_cast<std::size_t>(std::count_if(hashes.begin(), hashes.end(), isNew));
-    // In hundredths, and five of them more, as it is a sample.
+    // In percent, plus five percent, since it is a sample.
     return m_phaseSize / 100 * (count * 100 / std::max<std::size_t>(sampleSize, 1) + 5);
 }
 
@@ -333,7 +334,7 @@ void DuplicateIndex::Pass::settle(std::size_t begin, std::size_t end)
 {
     constexpr std::size_t blockSize = 256;
     for (; begin < end; begin += blockSize) {
-        // Put together without a branch, as which rows are linked cannot be predicted.
+        // Collected without a branch, since it can't be predicted which rows are linked.
         std::array<std::size_t, blockSize> linkedRows;
         std::size_t linkedCount = 0;
         for (std::size_t i = begin; i < std::min(begin + blockSize, end); ++i) {
@@ -341,7 +342,8 @@ void DuplicateIndex::Pass::settle(std::size_t begin, std::size_t end)
             linkedCount += m_stays[i] != 0 && m_rows[i] != 0 ? 1U : 0U;
         }
         const auto linked = std::span(linkedRows).first(linkedCount);
-        // The earlier rows lie anywhere: they are fetched together and not waited for one after the other.
+        // The earlier rows may be anywhere in memory: all are prefetched, instead of waiting for one after
+        // the other.
         for (const std::size_t i : linked)
             prefetch(m_rowText(m_rows[i] - 1));
         for (const std::size_t i : linked)
@@ -349,8 +351,8 @@ void DuplicateIndex::Pass::settle(std::size_t begin, std::size_t end)
     }
 }
 
-/// Whether an earlier row that stays equals the row; if not, the index knows the row from now on. `candidate`
-/// is the first one with the same hash.
+/// Whether an earlier row that stays equals `row`; if not, adds `row` to the index. `candidate` is the first
+/// row with the same hash.
 bool DuplicateIndex::Pass::equalsKnownRow(std::size_t row, std::size_t candidate)
 {
     const std::string_view text = m_rowText(row);

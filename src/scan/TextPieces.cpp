@@ -41,7 +41,7 @@ std::span<char> TextPieces::room()
 
 std::string_view TextPieces::take(std::size_t bytesRead)
 {
-    // The rest holds no safe cut, so only what is new is searched for one.
+    // There is no place to cut in the rest, so only the new bytes are searched for one.
     const std::size_t newBegin = m_restEnd;
     m_restEnd += bytesRead;
     std::size_t cut = m_restEnd;

@@ -9,12 +9,11 @@
 
 namespace quilvane {
 
-/// Cuts a stream of reads into texts that may be scanned on their own: a text ends after a byte that no
-/// address holds, so no match is lost or changed. One buffer is reused for all of them.
+/// Cuts a stream into texts that may be scanned on their own: each ends after a byte that no address holds,
+/// so no match is lost or changed. All use the same buffer.
 ///
-/// Until the stream ends: read into room(), pass the number of bytes to take(), scan what it gives. Then scan
-/// rest(). Every view is valid until the next call of room(). Memory that runs out passes through as
-/// std::bad_alloc.
+/// Until the stream ends: read into room(), pass the number of bytes to take(), scan its result. Then scan
+/// rest(). Every view is valid until the next call of room(). Throws std::bad_alloc.
 class TextPieces {
 public:
     static constexpr std::size_t usualPieceSize = std::size_t{ 256 } * 1024;
@@ -23,15 +22,14 @@ public:
     /// longer.
     explicit TextPieces(std::size_t pieceSize = usualPieceSize);
 
-    /// Where the next read goes: at least one byte, usually the piece size less the rest that was carried
-    /// over.
+    /// The memory for the next read: at least one byte, usually the piece size minus the rest that was kept.
     std::span<char> room();
 
-    /// Takes over the first `bytesRead` bytes of the last room(). Gives the text that may be scanned now;
-    /// empty if no safe cut has come yet.
+    /// Adds the first `bytesRead` bytes of the last room(). Returns the text that may be scanned now; empty
+    /// if there is no place to cut yet.
     std::string_view take(std::size_t bytesRead);
 
-    /// What has been read and not been given by take(): the last text, once the stream has ended.
+    /// What was read but not returned by take(): the last text after the end of the stream.
     std::string_view rest() const;
 
 private:

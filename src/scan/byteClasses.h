@@ -8,7 +8,7 @@
 
 namespace quilvane {
 
-/// The kinds of bytes that an address is made of; bytes above 127 belong to none.
+/// The classes of bytes in an address; bytes above 127 belong to none.
 struct ByteClass {
     static constexpr std::uint8_t letter = 1;
     static constexpr std::uint8_t digit = 2;
@@ -33,7 +33,7 @@ inline constexpr std::array<std::uint8_t, 256> byteClasses = [] {
     return classes;
 }();
 
-/// Whether the byte is of one of the kinds joined in `classes`.
+/// Whether the byte belongs to one of `classes`, which are joined by |.
 constexpr bool isOf(char byte, std::uint8_t classes)
 {
     return (byteClasses[static_cast<unsigned char>(byte)] & classes) != 0;

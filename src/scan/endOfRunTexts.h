@@ -8,12 +8,11 @@
 
 namespace quilvane {
 
-/// What a run tells at its end. `matches` counts duplicates too: those of the run, and not the rows that
-/// stay.
+/// The message at the end of a run. `matches` is the number of the run's matches, duplicates included.
 std::string finishMessage(std::int64_t matches);
 
-/// What the label below the list tells of a list of `rows` rows, which is at least 1: an empty list leaves
-/// the label as it is.
+/// The text of the label below a list of `rows` rows, at least 1: over an empty list the label is not
+/// changed.
 std::string totalLabel(std::size_t rows);
 
 } // namespace quilvane

@@ -10,8 +10,8 @@ bool looksLikePictureName(std::string_view row)
 {
     const auto lower = [row](std::size_t i) { return row[i] | 0x20; };
 
-    // Where the last letter stands in the leftmost place that is still possible. The byte there tells how far
-    // the next possible place is, as no letter occurs twice.
+    // The place of the last letter in the leftmost match that is still possible. The byte there tells how far
+    // the next possible match is, since no letter occurs twice.
     std::size_t last = 3;
     while (last < row.size()) {
         switch (lower(last)) {

@@ -6,8 +6,8 @@
 
 namespace quilvane {
 
-/// Whether the row holds the letters png, in any case, after any one byte that is no line feed, as names of
-/// pictures do.
+/// Whether the row holds the letters png, in upper or lower case, after at least one byte that is no line
+/// feed. Names of pictures do.
 ///
 /// That byte need not be a dot, on purpose: "xpng@b.com" and "a@png.com" count too; "png@b.com" does not.
 bool looksLikePictureName(std::string_view row);

@@ -74,7 +74,7 @@ void Window2::clearBtn_Action()
 {
     Listbox1.DeleteAllRows();
     clearBtn.setEnabled(false);
-    // The other export stays as it is; over the empty list it fails and says so.
+    // The other export button stays enabled; over the empty list it fails with a message.
     exportBtn.setEnabled(false);
     results.setVisible(false);
     EnableMenuItems();

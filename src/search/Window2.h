@@ -10,9 +10,8 @@
 
 namespace quilvane {
 
-/// The result of one search, with copies of the rows found: what becomes of the main list does not reach it.
-/// Made by each search, any number at once. Its filter and search buttons lie outside of the window, as does
-/// Clear Results.
+/// The result of one search, with copies of the rows found: later changes of the main list do not affect it.
+/// Each search opens another one. Its filter and search buttons and Clear Results lie outside of the window.
 class Window2 : public Window {
 public:
     Listbox Listbox1{ *this, "Listbox1" };

@@ -64,7 +64,7 @@ Window2& searchWin::showMatches()
     const RowStore& rows = implicit<Window1>().Listbox1.Rows();
     RegEx expression;
     expression.setSearchPattern(searchField.Text());
-    expression.matches({}); // so that a keyword that is no pattern is told over an empty list, too
+    expression.matches({}); // throws for a keyword that is no pattern, even if the list is empty
     RowStore matches;
     std::vector<std::size_t> matchesInBlock;
     constexpr std::size_t rowsPerBlock = 1024;
@@ -77,7 +77,7 @@ Window2& searchWin::showMatches()
         end = first;
         keepWindowPainted();
     }
-    // Only now: of a search that fails half-way nothing is shown.
+    // Only now: a search that fails half-way shows no rows.
     found.Listbox1.TakeRows(std::move(matches));
     return found;
 }
@@ -101,9 +101,9 @@ void searchWin::searchAction()
     found.results.setText(Str(found.Listbox1.ListCount()) + " Entries"); // no singular here
     found.results.setVisible(true);
     if (implicit<Window1>().Listbox1.ListCount() == 0)
-        found.filterBtn.setEnabled(false); // and on again below
+        found.filterBtn.setEnabled(false); // enabled again below
     Close();
-    // The exports as well, over an empty list, too.
+    // The exports as well, even over an empty list.
     for (PushButton* button : { &found.clearBtn, &found.closeBtn, &found.searchBtn, &found.exportTabDelimited,
              &found.exportBtn, &found.filterBtn })
         button->setEnabled(true);
@@ -111,7 +111,7 @@ void searchWin::searchAction()
 
 bool searchWin::searchField_KeyDown(const std::string& key)
 {
-    // Return would press the default button, too, were the window not closed by then.
+    // Return does not press the default button as well, since the window is closed by then.
     if (key == Chr(13) || key == Chr(3))
         searchAction();
     return false;
@@ -123,7 +123,7 @@ void searchWin::searchField_TextChange()
 
 void searchWin::closeBtn_Action()
 {
-    // The filter dialog, and not this window: it goes by its close box or with a search.
+    // Closes the filter dialog and not this window, which only its close box or a search closes.
     implicit<filterWIn>().Close();
 }
 

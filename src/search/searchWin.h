@@ -12,8 +12,8 @@ namespace quilvane {
 
 class Window2;
 
-/// Asks for a keyword, a regular expression as typed, and shows the rows of the main list that hold it in a
-/// window of their own. It closes when it has searched, and forgets the keyword.
+/// Asks for a keyword, a regular expression as typed, and shows the rows of the main list that match it in a
+/// new window. It closes after the search, and forgets the keyword.
 class searchWin : public Window {
 public:
     Canvas Canvas1{ *this, "Canvas1" };
@@ -22,10 +22,10 @@ public:
     PushButton closeBtn{ *this, "closeBtn" };
     PushButton searchBtn{ *this, "searchBtn" };
 
-    /// The search by the button. It ends otherwise than that by a key: see searchAction.
+    /// The search by the button. It ends differently from the one by a key: see searchAction.
     void searchBtn_Action();
-    /// The search by Return or Enter in the field: another text for the total, and exports that are live over
-    /// nothing.
+    /// The search by Return or Enter in the field: with another text for the total, and with export buttons
+    /// that are enabled even if nothing was found.
     void searchAction();
     bool searchField_KeyDown(const std::string& key);
     void searchField_TextChange();
@@ -35,7 +35,8 @@ public:
 private:
     void Layout() override;
 
-    /// What both searches begin with: a new window with the rows found, the last of the main list first.
+    /// The common part of both searches: opens a window with the rows found, the last one of the main list
+    /// first.
     Window2& showMatches();
 };
 
