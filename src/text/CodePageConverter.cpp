@@ -19,7 +19,7 @@ namespace {
 
 struct Row {
     int codePage;
-    const char* name; // as the system's converter has it
+    const char* name; // the system's name of the converter
 };
 
 /// Sorted by code page.
@@ -81,7 +81,7 @@ CodePageConverter::~CodePageConverter()
 
 char32_t CodePageConverter::character(std::string_view bytes)
 {
-    iconv(m_native, nullptr, nullptr, nullptr, nullptr); // forget what the bytes before it began
+    iconv(m_native, nullptr, nullptr, nullptr, nullptr); // resets the state that earlier bytes have left
     std::array<char, 16> text{}; // a letter and its accent may come apart
     char* input = const_cast<char*>(bytes.data()); // iconv does not write there
     std::size_t inputLeft = bytes.size();
@@ -116,7 +116,7 @@ std::string CodePageConverter::toUtf8(std::string_view bytes)
     }
     char* output = buffer.data();
     std::size_t room = buffer.size();
-    iconv(m_native, nullptr, nullptr, &output, &room); // what it held back
+    iconv(m_native, nullptr, nullptr, &output, &room); // writes what it has held back
     return text.append(buffer.data(), buffer.size() - room);
 }
 

@@ -9,11 +9,12 @@
 
 namespace quilvane {
 
-/// The system's converter from one code page into UTF-8: the one place that opens them, and only by names of
-/// its own table, never by a document's words. One for each thread and code page, kept as long as the thread.
+/// The system's converter from one code page into UTF-8. The only place that opens converters, and only by
+/// the names in its own table, never by a name from a document. One for each thread and code page, kept as
+/// long as the thread.
 class CodePageConverter {
 public:
-    /// Western Europe's for a code page that is not known.
+    /// For an unknown code page, the one of Western Europe.
     static CodePageConverter& of(int codePage);
     static void openAll();
 
@@ -32,7 +33,7 @@ public:
     std::string toUtf8(std::string_view bytes);
 
 private:
-    /// Where the system has no such converter it fails at each use, and every character is U+FFFD.
+    /// If the system has no such converter, each use fails and every character is U+FFFD.
     void* m_native;
     std::array<char32_t, 128> m_upper;
 };

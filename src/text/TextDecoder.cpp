@@ -33,7 +33,7 @@ std::optional<char32_t> TextDecoder::next(std::uint8_t byte)
     m_pendingCount = 0;
     if (character != CodePageConverter::incomplete && character != CodePageConverter::replacement)
         return character;
-    // Not what must follow the bytes before it, and so a character of its own.
+    // The byte does not continue the character, so it is a character of its own.
     return byte < firstBeyondAscii ? byte : CodePageConverter::replacement;
 }
 

@@ -13,17 +13,16 @@ namespace quilvane {
 
 class CodePageConverter;
 
-/// Turns the bytes of one of Windows' character sets (a "code page", by its number) into characters, one byte
-/// at a time: where a character takes several bytes, all but the last one give nothing. Belongs to one
-/// thread.
+/// Turns bytes of one of Windows' character sets (a "code page", by its number) into characters, one byte at
+/// a time: if a character has several bytes, all but the last one give nothing. Belongs to one thread.
 class TextDecoder {
 public:
-    /// A code page that is not known here is taken for Western Europe's.
+    /// For an unknown code page that of Western Europe is used.
     explicit TextDecoder(int codePage = codePages::westernEurope);
 
     /// The character that ends with this byte; U+FFFD for bytes that are none.
     std::optional<char32_t> next(std::uint8_t byte);
-    /// Whether the begin of a character waits for its other bytes. If not, ASCII bytes stand for themselves.
+    /// Whether a character has begun and needs further bytes. If not, ASCII bytes stand for themselves.
     bool isPending() const { return m_pendingCount > 0; }
 
 private:
@@ -33,10 +32,10 @@ private:
 };
 
 /// The code page that documents of that language were written in. `language` is a Windows language
-/// identifier, as in 0x0419 for Russian.
+/// identifier, such as 0x0419 for Russian.
 int codePageOfLanguage(std::uint16_t language);
 
-/// The code page of a font's character set, by its Windows number, as in 204 for Cyrillic; nothing for 0, 1
+/// The code page of a font's character set, by its Windows number, such as 204 for Cyrillic; nothing for 0, 1
 /// and unknown ones, which stand for the document's own.
 std::optional<int> codePageOfCharset(int charset);
 

@@ -9,16 +9,16 @@
 
 namespace quilvane {
 
-/// Turns text in UTF-16 or UTF-32 into UTF-8, as it comes in pieces. Which of them it is the byte order mark
-/// tells with which spreadsheets and editors begin such a file (The Unicode Standard, 23.8).
+/// Turns text in UTF-16 or UTF-32 that comes in pieces into UTF-8. The encoding is recognised by the byte
+/// order mark with which spreadsheets and editors begin such a file (The Unicode Standard, 23.8).
 class WideTextDecoder {
 public:
     /// For a text that begins with these bytes, four of them if there are so many. Nothing if they are no
     /// such mark.
     static std::optional<WideTextDecoder> forBeginOf(std::string_view text);
 
-    /// Appends what the next bytes of the text are, its mark left out. What is no character becomes U+FFFD; a
-    /// character that is cut is kept for the next piece.
+    /// Appends the characters of the next bytes, without the mark. Invalid ones become U+FFFD; a character
+    /// that is cut is kept for the next piece.
     void decode(std::string_view bytes, std::string& utf8);
     /// At the end of the text: U+FFFD for a character that is cut.
     void finish(std::string& utf8);
@@ -37,7 +37,7 @@ private:
     bool m_bigEndian;
     bool m_atBegin = true;
     std::string m_cutUnit;
-    char32_t m_highSurrogate = 0; // 0 if none waits for its other half
+    char32_t m_highSurrogate = 0; // 0 if no pair is incomplete
 };
 
 } // namespace quilvane

@@ -8,9 +8,9 @@
 
 namespace quilvane {
 
-/// The plain form of a character that would break an address, or be no part of it, in the form that a
-/// document has it in: the ASCII characters that a ligature, a full-width form, a typographic hyphen or a
-/// no-break space stands for, an empty text for a soft hyphen and what has no width. Nothing for all others.
+/// The plain form of a character that would otherwise break an address: the ASCII characters for a ligature,
+/// a full-width form, a typographic hyphen or a no-break space, and an empty text for a soft hyphen and
+/// characters without width. Nothing for all others.
 std::optional<std::string_view> plainForm(char32_t character);
 
 /// UTF-8 with all characters in their plain forms. Bytes that are no UTF-8 stay as they are.

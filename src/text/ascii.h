@@ -38,7 +38,7 @@ inline bool beginsIgnoringCase(std::string_view text, std::string_view begin)
     return equalsIgnoringCase(text.substr(0, begin.size()), begin);
 }
 
-/// `text` from its first character on that is none of those.
+/// `text` from its first character on that is not one of `characters`.
 std::string_view withoutLeading(std::string_view text, std::string_view characters);
 
 } // namespace quilvane

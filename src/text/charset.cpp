@@ -49,7 +49,7 @@ std::optional<int> numberAfter(std::string_view prefix, std::string_view name)
     return number;
 }
 
-/// ISO 8859's parts that pages only mean a wider code page by have no converter of their own.
+/// Parts of ISO 8859 for which pages really use a larger Windows code page have no converter of their own.
 int codePageOfIso8859(int part)
 {
     constexpr int common = 28590;

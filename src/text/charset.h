@@ -21,15 +21,15 @@ inline constexpr int utf8 = 65001;
 /// element does; empty if it names none.
 std::string charsetNamedIn(std::string_view text);
 
-/// The code page that pages and messages mean by a name; nothing for an unknown one.
+/// The code page for a name in pages and messages; nothing for an unknown one.
 std::optional<int> codePageNamed(std::string_view name);
 
-/// `bytes`, which are in that code page, as UTF-8. What is no character in it becomes U+FFFD. A code page
-/// that is not known here stands for Western Europe's. On any thread.
+/// Converts `bytes` from that code page to UTF-8. Invalid characters become U+FFFD. For an unknown code page
+/// that of Western Europe is used. On any thread.
 std::string toUtf8(std::string_view bytes, int codePage);
 
-/// Opens the system's converter of every code page that is known here, for this thread. From then on no
-/// conversion needs a file; without, each is opened when it is first needed, and kept.
+/// Opens the system's converters of all known code pages, for this thread. After that no conversion opens a
+/// file. Otherwise each converter is opened when it is first needed, and kept.
 void openAllConverters();
 
 } // namespace quilvane

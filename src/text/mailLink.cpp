@@ -12,7 +12,7 @@ namespace quilvane {
 
 namespace {
 
-/// No longer address can be mailed to: RFC 5321, 4.5.3.1, 64 bytes before the @ and 255 after it.
+/// The longest address that mail allows: RFC 5321, 4.5.3.1, 64 bytes before the @ and 255 after it.
 constexpr std::size_t longestAddress = 64 + 1 + 255;
 
 bool isAddressCharacter(char c)
@@ -49,7 +49,7 @@ std::string mailTarget(std::string_view link)
 
 bool isTailOfAddress(std::string_view target, std::string_view text, std::size_t at)
 {
-    target = target.substr(0, target.find('?')); // the subject and the like follow there
+    target = target.substr(0, target.find('?')); // a subject and the like follow the question mark
     if (at > text.size() || target.empty())
         return false;
     std::size_t begin = at;
@@ -58,7 +58,7 @@ bool isTailOfAddress(std::string_view target, std::string_view text, std::size_t
         --begin;
     while (end < text.size() && end - at < longestAddress && isAddressCharacter(text[end]))
         ++end;
-    while (end > begin && text[end - 1] == '.') // of the sentence
+    while (end > begin && text[end - 1] == '.') // the end of a sentence
         --end;
     const std::string_view address = text.substr(begin, end - begin);
     return address.size() > target.size()
