@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// What many dropped items cost: files and folders dropped on the real window, against Search Folder on the
-// same files, against fewer of them, and onto a long list against an empty one. Files are warm.
+// The time of drops of many items: files and folders dropped on the real window, compared with Search Folder
+// on the same files, with fewer items, and, for one file, a long list with an empty one. The files are in the
+// disk's cache.
 #include "app/App.h"
 #include "app/Window1.h"
 #include "app/startUp.h"
@@ -25,7 +26,7 @@ using namespace quilvane;
 namespace fs = std::filesystem;
 using Paths = std::vector<std::optional<std::string>>;
 
-/// Writes a file of that many addresses, found nowhere else.
+/// Writes a file with so many addresses, which are in no other file.
 std::string writeFile(const fs::path& path, std::size_t addresses)
 {
     static std::size_t number = 0;
@@ -92,7 +93,7 @@ void compareFolders(const fs::path& root)
     const double dropped = secondsOfDrop(paths);
     const double quarter = secondsOfDrop({ paths.begin(), paths.begin() + folders / 4 });
     const double searched = secondsOfSearch(root / "folders") / double(folders * filesEach);
-    // Each folder's run reads the files of the folders before it again.
+    // The run of each folder reads the files of the earlier folders again.
     const double read = dropped / double(filesEach * folders * (folders + 1) / 2);
     std::printf(
         "drop of 200 folders of 10 files: %.3f s; by 50 folders %.2f goal 18 %s; a file read, by Search "

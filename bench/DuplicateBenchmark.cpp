@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Duplicate removal against a hash set of the standard library over folded text, over the same rows.
+// Duplicate removal compared with a hash set of the standard library over case-folded text, on the same rows.
 #include "scan/DuplicateIndex.h"
 #include "support/race.h"
 
@@ -61,7 +61,7 @@ std::size_t countDistinctRows(const Rows& rows)
     return index.knownRows();
 }
 
-/// A list that one file's rows after the other are added to, each checked at once.
+/// A list that grows by the rows of one file after another, with a duplicate check after each.
 class GrowingList {
 public:
     /// Starts with the first `count` of the rows.
@@ -71,7 +71,7 @@ public:
         add(count, 0);
     }
 
-    /// Adds rows that the list has not, then some that it has. Gives the number of those that stay.
+    /// Adds rows that are not in the list, then some that are. Returns the number of those that stay.
     std::size_t add(std::size_t newRows, std::size_t oldRows)
     {
         const std::size_t before = m_list.size();
@@ -166,7 +166,7 @@ void compareGrowth(const Rows& half, const Rows& five)
 
 int main()
 {
-    // From small to large: the standard's set leaves a heap in pieces that slows the next one down.
+    // From small to large: the standard set leaves a fragmented heap, which would slow down the next run.
     for (const std::size_t count : { 10'000U, 100'000U, 1'000'000U, 5'000'000U }) {
         for (const unsigned percentDuplicates : { 0U, 50U })
             compareOn(Rows(count, percentDuplicates), count == 1'000'000 ? 150 : 0);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Keep, Remove and a search over a list of a million and five million rows, against ripgrep that runs the
+// Keep, Remove and a search in a list of one and of five million rows, compared with ripgrep, which runs the
 // same pattern over the exported list and writes the matching lines.
 #include "filter/domainFilter.h"
 #include "framework/controls/RowStore.h"

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Search Folder, pressed in the real window, over trees of small text files, against ripgrep over the same
-// tree with its output made unique: on one thread and on two where the disk's cache holds the files, and on
-// eight where it holds none of them, which takes a system manager's rights to arrange. At last a folder with
-// one large file against the same file by Search File.
+// Search Folder in the real window, over trees of small text files, compared with ripgrep over the same tree
+// with duplicates removed: on one thread and on two with the files in the disk's cache, and on eight with
+// none of them there (only root can empty the cache). Last, a folder with one large file, compared with
+// Search File on that file.
 #include "app/App.h"
 #include "app/Window1.h"
 #include "app/startUp.h"
@@ -49,10 +49,10 @@ std::size_t searchInWindow()
     return window.Listbox1.ListCount();
 }
 
-/// Has the system forget all files that it has read. False, and nothing is forgotten, for who may not ask.
+/// Empties the system's cache of files. Returns false and does nothing without root's rights.
 bool emptyDiskCache()
 {
-    ::sync(); // what is still to be written can't be forgotten
+    ::sync(); // what is not yet written stays in the cache
     std::ofstream control("/proc/sys/vm/drop_caches");
     control << 3 << std::flush;
     return control.good();
@@ -67,7 +67,7 @@ void tellRatio(const char* what, const Contender& other, double ours, double goa
 
 enum class DiskCache { Full, FullAndEmpty };
 
-/// Seconds a file that the disk's cache holds.
+/// Returns the seconds for each file, with all files in the disk's cache.
 double compare(std::size_t files, std::size_t folders, DiskCache caches)
 {
     const std::string root = std::filesystem::temp_directory_path() / "quilvane-bench-tree";
@@ -107,7 +107,7 @@ double compare(std::size_t files, std::size_t folders, DiskCache caches)
     return ours / double(files);
 }
 
-/// In MB: the most memory that this process has had in use since forgetPeak().
+/// In MB: the largest memory use of this process since forgetPeak().
 double peakMemory()
 {
     std::ifstream status("/proc/self/status");
@@ -129,7 +129,7 @@ void compareLargeFile()
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
     {
-        // One text, and not a piece of it several times: most addresses are new.
+        // One long text and not a repeated one, so that most addresses are new.
         std::ofstream file(folder / "file.txt");
         file << makeBenchText(BenchText::Contacts, std::size_t(1) << 30);
     }

@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// How long the window stands still while a handler works: the longest gap between two turns of the event
-// loop, be they true ones or such as only paint. Arguments name the cases to run: folder, large, drop, pdf,
-// rows.
+// How long the window does not react while a handler works: the longest gap between two turns of the event
+// loop, counting turns that only paint. Arguments name the cases to run: folder, large, drop, pdf, rows.
 #include "app/App.h"
 #include "app/Window1.h"
 #include "app/startUp.h"
@@ -50,7 +49,7 @@ constexpr std::size_t rows = 5'000'000;
 constexpr std::size_t largeFile = std::size_t(1) << 30; // bytes
 constexpr std::size_t diskSpeed = 100'000'000; // bytes a second
 
-/// Takes the time between the turns: a timer of its own ticks in each, and what is painted counts, too.
+/// Measures the time between turns: its own timer fires in each turn, and each painting counts as one.
 class TurnWatch : public QObject {
 public:
     TurnWatch()
@@ -107,8 +106,7 @@ void measure(TurnWatch& watch, const char* name, const std::function<void()>& pr
     std::fflush(stdout);
 }
 
-/// Small files of a hundred addresses each, most of which are in no other; in `folder`, which has nothing
-/// else.
+/// Makes small files in the empty `folder`, of a hundred addresses each, most of which are in no other file.
 std::vector<std::optional<std::string>> makeFiles(const fs::path& folder)
 {
     std::vector<std::optional<std::string>> paths;

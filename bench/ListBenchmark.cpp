@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// A million rows added to the list, shown and scrolled to the end, against a list widget that holds an item a
-// row.
+// Millions of rows added to the list, shown and scrolled to the end, compared with a list widget that has one
+// item for each row.
 #include "framework/Application.h"
 #include "framework/Runtime.h"
 #include "framework/controls/Listbox.h"
@@ -49,7 +49,7 @@ std::vector<std::string> makeRows(std::size_t count)
     return rows;
 }
 
-/// The list view that shows on the screen now.
+/// The list view that is visible now.
 QListView& shownView()
 {
     for (QWidget* widget : QApplication::allWidgets()) {
@@ -59,7 +59,7 @@ QListView& shownView()
     std::abort();
 }
 
-/// Paints the list at its start and at its end; gives the number of the first row then in sight.
+/// Paints the list at its start and at its end; returns the number of the first row that is then visible.
 std::size_t showAndScroll(QListView& view)
 {
     QApplication::processEvents();

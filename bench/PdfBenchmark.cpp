@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// PDF files as the program reads them, by its reader, against pdftotext, once a file: the text of each page.
+// The text of all pages of PDF files, read by the program's reader, compared with one run of pdftotext for
+// each file.
 //   pdf_benchmark FILE...
 #include "framework/documents/DynaPDFMBS.h"
 #include "framework/files/FolderItem.h"
@@ -47,7 +48,7 @@ std::size_t wholeRun(const std::string& command)
 
 void measure(const std::string& path)
 {
-    // Of a short document the other program's time is its start, which the reader has once for a run.
+    // For a short document the other program mostly needs time to start; the reader starts only once.
     constexpr double mostOfShort = 0.6;
     constexpr double mostOfLong = 1.1;
     constexpr int shortDocument = 10; // pages

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The address scanner against PCRE2 and against memchr alone, over the same texts in memory.
+// The address scanner compared with PCRE2 and with memchr alone, on the same texts in memory.
 #include "scan/AddressScanner.h"
 #include "support/PatternOracle.h"
 #include "support/benchText.h"
@@ -44,9 +44,9 @@ std::size_t countBytes(std::string_view text, char wanted)
 }
 
 struct Goals {
-    /// The scanner's speed by that of memchr, at least. 0: none.
+    /// The scanner's speed divided by memchr's must be at least this. 0: no goal.
     double byMemchr;
-    /// The scanner's speed by that of PCRE2, at least. 0: none.
+    /// The same for PCRE2.
     double byPattern;
 };
 

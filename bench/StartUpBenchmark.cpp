@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// How long a program takes from its start to the first paint of its window, beside the barest window that the
-// toolkit can show, and beside the barest with a text, for which the toolkit reads the system's fonts:
+// The time from a program's start to the first paint of its window, compared with an empty window of the
+// toolkit, and with one that shows a text, for which the toolkit reads the system's fonts:
 //   start_up_benchmark PROGRAM BARE_WINDOW [ROUNDS]       with DISPLAY set to an empty screen of its own
 //
-// It is seen from outside, by another client of the X server. The bare screen has a colour that no window
-// paints, and the toolkit's windows have no background: one that has been mapped shows the screen's colour
-// until the program has painted. So the first paint is when the middle of the window has another colour.
+// Measured from outside, by another client of the X server. The empty screen has a colour that no window
+// paints, and the toolkit's windows have no background, so a new window shows the screen's colour until the
+// program has painted. The first paint is when the middle of the window has another colour.
 #include "support/race.h"
 
 #include <spawn.h>
@@ -112,7 +112,7 @@ double timeToPaint(Screen& screen, const char* program, const char* argument = n
     const Clock::time_point start = Clock::now();
     if (posix_spawn(&process, program, nullptr, nullptr, arguments.data(), environ) != 0)
         throw std::runtime_error(std::string(program) + " does not start");
-    alarm(60); // ends this if no window comes
+    alarm(60); // ends this process if no window comes
     screen.waitForPaint();
     const Milliseconds elapsed = Clock::now() - start;
     alarm(0);
@@ -142,7 +142,7 @@ try {
     std::vector<double> ours;
     std::vector<double> bare;
     std::vector<double> withText;
-    // Of neighbours in time, as whatever else the machine does falls on all.
+    // Ratios of runs right after each other, so that other load of the machine affects both.
     std::vector<double> ratios;
     std::vector<double> ratiosWithText;
     for (int round = 0; round < rounds; ++round) {

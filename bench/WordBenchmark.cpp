@@ -1,18 +1,12 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The text of Word documents: in one process against reading the file, as a whole run against the
-// programs that give the same text, docx2txt and catdoc, and in a run of the program, by its reader.
-// The goals for whole runs are for documents of some megabytes: with a short one, such a run is the start of
-// a program.
+// The time to get the text of Word documents: in this process, compared with reading the file; as a whole run
+// of a program, compared with docx2txt and catdoc; and by the program's reader, in a run over many. The goals
+// for whole runs are for documents of some megabytes: with a short one, most of the time is the start of the
+// program.
 //   word_benchmark FILE...          prints the table
 //   word_benchmark --text FILE      prints the document's text
-#include "documents/documentText.h"
-#include "framework/documents/WordFileMBS.h"
-#include "framework/exceptions.h"
-#include "framework/files/BinaryStream.h"
-#include "framework/files/FolderItem.h"
-#include "support/race.h"
 
 #include <array>
 #include <cstddef>
@@ -34,7 +28,7 @@ std::string bytesOf(const std::string& path)
     return { std::istreambuf_iterator<char>(file), {} };
 }
 
-/// As the program reads it, a document of many.
+/// By the program's reader, as one document of many.
 std::size_t inReader(const std::string& path)
 {
     const Ref<BinaryStream> file = BinaryStream::Open(*GetFolderItem(path));

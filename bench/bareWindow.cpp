@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The barest window that the toolkit can show, or with an argument the barest that shows a text: what the
-// program's start is compared with.
+// An empty window of the toolkit, or, with an argument, a window that shows only that text. The program's
+// start is compared with it.
 #include <QApplication>
 #include <QLabel>
 #include <QWidget>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Plays a harvest in the real windows, through their controls, for who has no screen to sit at: searches the
-// samples, exports the list, and leaves pictures of what a user would have seen.
+// Plays a harvest in the real windows, through their controls, for a machine without a screen: searches the
+// samples, exports the list, and saves pictures of what a user would have seen.
 
 #include "app/App.h"
 #include "app/Window1.h"
@@ -22,7 +22,7 @@ namespace quilvane {
 
 namespace {
 
-/// Answers as the person at the screen would, and tells what it was shown.
+/// Answers for the user, and prints what it was shown.
 class DemoDesktop : public Desktop {
 public:
     explicit DemoDesktop(std::string outputFolder)

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Reads any bytes as a binary Word document and as RTF, and as the streams of a sound container, so that not
-// every input ends at its head.
+// Reads any bytes as a binary Word document and as RTF, and as the streams of a valid container, so that
+// inputs get beyond the file's header.
 
 #include "documents/word/binaryWord.h"
 #include "documents/word/rtf.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Packages with many entries and relationships: the input is a list of small commands that add files under
-// the names of a few parts, list files once more under other names, and let parts refer to each other.
+// Packages with many entries and relationships. The input is a list of small commands: add files under the
+// names of a few parts, list files again under other names, let parts refer to each other.
 #include "documents/documentText.h"
 #include "support/ZipBuilder.h"
 
@@ -103,7 +103,7 @@ void run(Script& script, ZipBuilder& zip)
             zip.list("any", script.isOver() ? 0 : script.number(), stored);
         break;
     default:
-        zip.add(script.part(), zip.archive(), stored); // all that there is so far, once more
+        zip.add(script.part(), zip.archive(), stored); // the archive so far, as a file in itself
     }
 }
 

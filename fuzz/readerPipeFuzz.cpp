@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Bytes that come over the sockets between the program and the reader: each side refuses them, or takes them
-// for exactly one message. And the text of a page, which the reader's child tidies.
+// Any bytes as messages between the program and the reader: they must be refused, or decoded as exactly one
+// message. Also as the text of a page, which the reader's child tidies.
 
 #include "documents/pdf/pageText.h"
 #include "documents/reader/messages.h"

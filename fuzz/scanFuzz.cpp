@@ -1,11 +1,8 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The address scanner and the picture rule against PCRE2, on texts that libFuzzer makes up:
-//   scan_fuzz -max_len=400 -only_ascii=0 CORPUS_FOLDER
-#include "scan/pictureName.h"
-#include "support/PatternOracle.h"
-#include "support/scanVariants.h"
+// Compares the address scanner and the picture rule with PCRE2, on texts that libFuzzer makes up:
+//   scanFuzz -max_len=400 -only_ascii=0 CORPUS_FOLDER
 
 #include <algorithm>
 #include <cstddef>
@@ -19,7 +16,7 @@ namespace {
 
 using namespace quilvane;
 
-/// An abort is what libFuzzer takes for a find.
+/// libFuzzer reports an abort as a fault.
 void require(bool isTrue)
 {
     if (!isTrue)

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Opens any bytes as a document, with the begin of each kind of document before them, and as the XML and the
-// relationships of a sound package, so that not every input ends at its first mark.
+// Opens any bytes as a document, also with the first bytes of each kind of document before them, and as the
+// XML and the relationships of a valid package, so that inputs get beyond the file's signature.
 #include "documents/documentText.h"
 #include "documents/pdf/pageText.h"
 #include "support/ZipBuilder.h"

@@ -13,7 +13,7 @@
 
 namespace quilvane {
 
-/// A user who always gives the same answers, in place of the real desktop while it lives.
+/// Replaces the real desktop while it exists, and always gives the same answers.
 class AnsweringDesktop : public Desktop {
 public:
     explicit AnsweringDesktop(std::filesystem::path folder)

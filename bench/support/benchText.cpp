@@ -36,7 +36,7 @@ std::string_view oneOf(const std::string_view (&choices)[N], std::uint64_t numbe
     return choices[number % N];
 }
 
-/// The person with that number has one address.
+/// The one address of the person with that number.
 std::string addressOf(std::uint64_t person)
 {
     return std::string(oneOf(names, person)) + '.' + std::to_string(person) + '@'

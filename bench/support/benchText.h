@@ -12,8 +12,7 @@ namespace quilvane {
 enum class BenchText {
     /// Sentences with an address every 2 KB.
     Prose,
-    /// Lines of 80 bytes with an address in each. About one in five has been there before, some in other
-    /// case.
+    /// Lines of 80 bytes with an address in each. About one in five is a duplicate, some in another case.
     Contacts,
     /// a.a.a. and so on, without an '@'.
     DotsOnly,
@@ -25,11 +24,11 @@ enum class BenchText {
     LongRuns,
 };
 
-/// Nothing for a name that no kind has.
+/// Nothing for an unknown name.
 std::optional<BenchText> benchTextNamed(std::string_view name);
 std::string_view nameOf(BenchText kind);
 
-/// A text of exactly that many bytes; the same one at every call.
+/// A text of exactly so many bytes; the same one in every call.
 std::string makeBenchText(BenchText kind, std::size_t bytes);
 
 } // namespace quilvane

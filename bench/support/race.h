@@ -15,14 +15,14 @@ namespace quilvane {
 /// One of several ways to do the same work.
 struct Contender {
     std::string name;
-    /// Does the work once and gives a number that depends on it, so that no compiler leaves it out.
+    /// Does the work once and returns a number that depends on it, so that no compiler can leave it out.
     std::function<std::size_t()> run;
     double fastestSeconds = std::numeric_limits<double>::infinity();
     std::size_t result = 0;
 };
 
-/// Lets the contenders run in turn, so that whatever else the machine does falls on all of them; the fastest
-/// of the rounds counts. What `before` does before every run is not timed.
+/// Lets the contenders run in turn, so that other load of the machine affects all of them; the fastest round
+/// counts. `before` is called before every run and is not timed.
 inline void race(
     std::span<Contender> contenders, int rounds, const std::function<void()>& before = [] {})
 {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Stands in for the C library's open and read, which works since a program's own symbols come first.
+// Replaces the C library's open and read: a program's own symbols come first.
 #undef _FORTIFY_SOURCE // its inline forms of these functions can't be defined again
 #include "slowFiles.h"
 
@@ -24,7 +24,7 @@ struct Slowness {
     std::size_t bytesPerSecond;
 };
 
-// Set while nothing else runs; read by any thread.
+// Set while no other thread runs; read by any thread.
 std::atomic<const Slowness*> slowness = nullptr;
 
 int slowOpen(int folder, const char* path, int flags, mode_t mode)
@@ -87,7 +87,7 @@ ssize_t read(int file, void* into, std::size_t count)
     return slowRead(file, into, count);
 }
 
-// What hardened code calls in their place.
+// Hardened code calls these instead.
 
 int __open_2(const char* path, int flags)
 {
@@ -115,7 +115,7 @@ SlowFiles::SlowFiles(std::string folder, std::chrono::microseconds perOpen, std:
 
 SlowFiles::~SlowFiles()
 {
-    // Not deleted: a thread of the program may still look at it.
+    // Not deleted: a thread of the program may still use it.
     slowness = nullptr;
 }
 

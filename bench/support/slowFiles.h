@@ -8,9 +8,9 @@
 
 namespace quilvane {
 
-/// A slow disk or a share across a network: while it lives, an open of a file below `folder` takes `perOpen`,
-/// and what is read of it comes at `bytesPerSecond`; 0 for no limit. Holds for the threads of a program that
-/// is linked with it, and not for libraries' own calls. One at a time.
+/// Imitates a slow disk or network share: while it exists, opening a file below `folder` takes `perOpen`, and
+/// reading it is limited to `bytesPerSecond` (0: no limit). Works for calls of the program itself, on all
+/// threads, but not for calls inside of libraries. One object at a time.
 class SlowFiles {
 public:
     SlowFiles(std::string folder, std::chrono::microseconds perOpen, std::size_t bytesPerSecond);
