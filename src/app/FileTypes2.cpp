@@ -19,7 +19,8 @@ struct Row {
 };
 
 // The last two rows share a name. A lookup by name finds the first, so the second has no effect. Both have
-// always been in this table. clang-format off
+// always been in this table.
+// clang-format off
 constexpr Row table[] = {
     { "Untitled",                 "",           "",     "",     "", {} },
     { "application/pdf",          ".pdf",       "PDF ", "prvw", "public.data, public.composite-content", "com.adobe.pdf" },
