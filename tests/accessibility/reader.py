@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: The Quilvane developers
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A program as a screen reader meets it: what it shows, says and lets be done over the accessibility bus."""
+"""A program as a screen reader sees it: its windows, texts and actions on the accessibility bus."""
 
 import atexit
 import os
@@ -16,7 +16,7 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 warnings.simplefilter("ignore", DeprecationWarning)  # PyGObject's, of every method of an interface
 
-PATIENCE = 60  # seconds for what must come; only a failure takes that long
+PATIENCE = 60  # seconds to wait for what must come; only a failure takes so long
 NO_CONTROLS = {"label", "menu bar", "menu item", "notification"}
 
 
@@ -38,11 +38,11 @@ def textOf(field):
 
 def childrenOf(node):
     children = [node.get_child_at_index(i) for i in range(node.get_child_count())]
-    return [child for child in children if child]  # one may have gone meanwhile
+    return [child for child in children if child]  # one may have vanished meanwhile
 
 
 def below(node):
-    """The nodes below one that are shown; not the rows of lists nor what a menu holds."""
+    """The visible nodes below one, without the rows of lists and the items of menus."""
     for child in childrenOf(node):
         if has(child, Atspi.StateType.SHOWING):
             yield child
@@ -54,7 +54,7 @@ class Program:
     def __init__(self, path, **environment):
         Atspi.init()
         Atspi.set_timeout(PATIENCE * 1000, PATIENCE * 1000)
-        self.heard = []  # (what, role, name or text) of what was focused or selected or began to show
+        self.heard = []  # (event, role, name or text) of each object that was focused, selected or shown
         self.listener = Atspi.EventListener.new(self.hear)
         for event in ("focused", "selected", "showing"):
             self.listener.register("object:state-changed:" + event)
@@ -69,21 +69,21 @@ class Program:
         for program in childrenOf(Atspi.get_desktop(0)):
             if program.get_process_id() == self.process.pid:
                 self.root = program
-                self.root.set_cache_mask(Atspi.Cache.NONE)  # a label is to be read as it is now
+                self.root.set_cache_mask(Atspi.Cache.NONE)  # always read the current text of a label
         return self.root
 
     def hear(self, event):
         try:
             if event.detail1:
                 node, role = event.source, event.source.get_role_name()
-                # Of a notification readers speak the labels in it.
+                # For a notification screen readers speak the labels in it.
                 name = " ".join(self.labels(node)) if role == "notification" else node.get_name()
                 self.heard.append((event.type.split(":")[-1], role, name))
         except GLib.Error:
-            pass  # gone since
+            pass  # it has vanished since
 
     def waitFor(self, what, condition):
-        """What `condition` gives once it is true; what it looks at may come and go meanwhile."""
+        """Waits until `condition` is true and returns its value; nodes may appear and vanish meanwhile."""
         end = time.monotonic() + PATIENCE
         while time.monotonic() < end:
             while GLib.MainContext.default().iteration(False):
@@ -128,7 +128,7 @@ class Program:
         return [child for child in childrenOf(self.root) if has(child, Atspi.StateType.SHOWING)]
 
     def window(self, title):
-        """The window of that title, once it has the keyboard."""
+        """Waits until the window of that title is active, and returns it."""
         return self.waitFor(f"the window {title}, active", lambda: next(
             (each for each in self.windows() if each.get_name() == title and has(each, Atspi.StateType.ACTIVE)), None))
 
@@ -140,7 +140,7 @@ class Program:
             (each for each in below(window) if (each.get_role_name(), each.get_name()) == (role, name)), None))
 
     def controls(self, window):
-        """All that is no label, no menu and no bare surface, which has neither a role to speak of nor a name."""
+        """All nodes except labels, menus and plain areas, which have neither a useful role nor a name."""
         return [each for each in below(window) if each.get_role_name() not in NO_CONTROLS
                 and (each.get_role_name() != "filler" or each.get_name())]
 
@@ -151,7 +151,7 @@ class Program:
         return [Atspi.Action.get_action_name(node, i) for i in range(Atspi.Action.get_n_actions(node))]
 
     def act(self, node, action):
-        """Does what the control offers under that name: Press, Toggle, ShowMenu."""
+        """Does an action of the control by its name: Press, Toggle, ShowMenu."""
         names = self.actions(node)
         if action not in names:
             self.fail(f"{node.get_role_name()} {node.get_name()} offers {names} and no {action}")
@@ -163,7 +163,7 @@ class Program:
         self.act(button, "Press")
 
     def drag(self, start, end):
-        """By the mouse, from one place on the screen to another, as slowly as a hand."""
+        """Drags by the mouse from one place on the screen to another, slowly like a hand."""
         xdotool = ["xdotool", "mousemove", *start, "mousedown", "1"]
         for part in (0.1, 0.4, 0.7, 0.9, 1, 1):
             xdotool += ["sleep", "0.1", "mousemove", *(a + part * (b - a) for a, b in zip(start, end))]
@@ -199,8 +199,8 @@ class Program:
             self.fail(f"{node.get_name()} stands outside of its window")
 
     def checkTabOrder(self, window, names):
-        """Once round by the Tab key, from the last to the last; each stands inside of the window when it has the
-        keyboard."""
+        """Presses the Tab key once for each name, starting at the last one. Each control must be inside of the window
+        when it has the focus."""
         last = next(each for each in self.controls(window) if each.get_name() == names[-1])
         self.act(last, "SetFocus")
         self.waitFor(f"the keyboard on {names[-1]}", lambda: self.focused(window) == names[-1])

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: The Quilvane developers
 # SPDX-License-Identifier: GPL-3.0-or-later
 #
-# Checks that the desktop's own validators find nothing to say about the files that tell it of the program.
+# Checks the desktop entry and the metadata with the desktop's own validators.
 #   cmake -D ENTRY=<desktop entry> -D METADATA=<AppStream metadata> -P desktopFiles.cmake
 cmake_minimum_required(VERSION 3.25)
 
@@ -20,7 +20,7 @@ endif()
 
 execute_process(COMMAND "${APPSTREAMCLI}" validate --no-net --pedantic --no-color "${METADATA}"
     OUTPUT_VARIABLE said ERROR_VARIABLE said RESULT_VARIABLE status)
-# The id ends in the program's name, which has a capital letter.
+# The id ends with the program's name, which has a capital letter.
 string(REGEX REPLACE "P: [^\n]*cid-contains-uppercase-letter[^\n]*" "" others "${said}")
 if(NOT status EQUAL 0 OR others MATCHES "(^|\n)[EWIP]: ")
     message(FATAL_ERROR "appstreamcli: ${said}")

@@ -9,7 +9,7 @@ find_program(CLANG_FORMAT NAMES clang-format-14 clang-format)
 if(CLANG_FORMAT)
     execute_process(COMMAND "${CLANG_FORMAT}" --version OUTPUT_VARIABLE version)
 endif()
-# Other versions format differently, so their word would not count.
+# Other versions format differently, so their result would mean nothing.
 if(NOT CLANG_FORMAT OR NOT version MATCHES "version 14\\.")
     message("SKIPPED: there is no clang-format 14 here")
     return()

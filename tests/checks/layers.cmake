@@ -6,7 +6,8 @@
 cmake_minimum_required(VERSION 3.25)
 
 # Who may include whom. Left: a room of src/ (main is src/main.cpp) or a folder beside src/. Right: rooms, single
-# headers, "std" (the C++ library), "system" (POSIX), "libraries" (all else). Own headers are always open.
+# headers, "std" (the C++ library), "system" (POSIX), "libraries" (all else). A room may always include its
+# own headers.
 set(arrows
     "main:      app framework std"
     "app:       batch/SearchRun.h filter/filterWIn.h search/searchWin.h scan framework std"
@@ -27,7 +28,7 @@ set(arrows
 )
 
 # A private header belongs to its room: no other room and no public header may include it, but the room's tests may.
-# In the framework's public headers nothing but std shows.
+# The framework's public headers may include only std and each other.
 set(privateHeader "(^|/)internal/")
 
 set(standardHeader "^[a-z][a-z0-9_]*$")
@@ -38,7 +39,7 @@ foreach(arrow IN LISTS arrows)
     string(REPLACE " " ";" "mayInclude_${CMAKE_MATCH_1}" "${CMAKE_MATCH_2}")
 endforeach()
 
-# The room or folder that a path from ROOT lies in.
+# The room or folder of a path from ROOT.
 function(roomOf path result)
     string(REGEX REPLACE "^src/" "" path "${path}")
     string(REGEX REPLACE "^main\\.cpp$" "main/" path "${path}")
@@ -46,7 +47,8 @@ function(roomOf path result)
     set(${result} "${room}" PARENT_SCOPE)
 endfunction()
 
-# What an included name is: a path from ROOT if it is the project's, else std, system, libraries or "nothing".
+# Sets result to a path from ROOT if the included header is the project's, else to std, system, libraries or
+# nothing.
 function(resolve includer quoted name result)
     if(NOT quoted)
         if(name MATCHES "${standardHeader}")
@@ -110,7 +112,7 @@ file(GLOB_RECURSE files RELATIVE "${ROOT}"
 set(offenders 0)
 set(includes 0)
 foreach(file IN LISTS files)
-    # As a list of lines; what means something to CMake's lists goes first.
+    # As a list of lines. First removes the characters that are special in CMake's lists.
     file(READ "${ROOT}/${file}" text)
     string(REGEX REPLACE "[][;\\]" "" text "${text}")
     string(REPLACE "\n" ";" lines "${text}")

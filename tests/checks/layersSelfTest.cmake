@@ -1,11 +1,12 @@
 # SPDX-FileCopyrightText: The Quilvane developers
 # SPDX-License-Identifier: GPL-3.0-or-later
 #
-# Runs layers.cmake over a small tree that it writes, and compares the offenders it names with the expected ones.
+# Runs layers.cmake on a small tree that it writes, and compares the reported offenders with the expected
+# ones.
 #   cmake -D TREE=<folder to write> -P layersSelfTest.cmake
 cmake_minimum_required(VERSION 3.25)
 
-# File, what its one include names, and whether the check must object.
+# File, the name in its only include, and whether the check must report it.
 set(cases
     "src/main.cpp|\"scan/Scanner.h\"|bad"
     "src/app/Window1.h|\"batch/SearchRun.h\"|good"

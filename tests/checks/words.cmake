@@ -1,12 +1,13 @@
 # SPDX-FileCopyrightText: The Quilvane developers
 # SPDX-License-Identifier: GPL-3.0-or-later
 #
-# Checks that the project's files explain themselves: none leans on a document that a reader does not have, or on a
-# path of somebody's machine.
+# Checks that the project's files explain themselves: none refers to a document that a reader does not have,
+# or to a path on somebody's machine.
 #   cmake -D ROOT=<source tree> -P words.cmake
 cmake_minimum_required(VERSION 3.25)
 
-# Written such that the patterns do not match themselves. Case counts: a published standard may be cited by its title.
+# Written so that the patterns do not match themselves. Case-sensitive: a published standard may be cited by
+# its title.
 set(patterns
     "\\bspecifi[c]ations?\\b"
     "\\bspe[c]s?\\b"

@@ -22,13 +22,13 @@ std::string sample(const std::string& name)
     return TempFolder::contentOf(QUILVANE_SAMPLES "/" + name);
 }
 
-/// The text without what it ends in.
+/// The text without blanks and line ends at its end.
 std::string trimmed(const std::optional<std::string>& text)
 {
     return text ? text->substr(0, text->find_last_not_of(" \t\n") + 1) : "(nothing)";
 }
 
-/// Whether the text holds the address with nothing of an address around it.
+/// Whether the text holds the address, with no letter or digit next to it.
 bool holdsAddress(const std::string& text, const std::string& address)
 {
     const std::size_t at = text.find(address);
@@ -36,7 +36,7 @@ bool holdsAddress(const std::string& text, const std::string& address)
     return at != std::string::npos && isEdge(at - 1) && isEdge(at + address.size());
 }
 
-TEST(BinaryWord, RealDocumentsGiveEveryAddressInOnePiece)
+TEST(BinaryWord, RealDocumentsGiveEveryAddressWhole)
 {
     for (const char* name : { "letter.doc", "letter.rtf", "letter.docx" }) {
         const std::string text = documentText(sample(name)).value_or("");
@@ -125,7 +125,7 @@ TEST(BinaryWord, OtherFilesGiveNothing)
     EXPECT_FALSE(textOfRtf("{\\rt"));
 }
 
-TEST(BinaryWord, DamagedFilesGiveNothingButTheirRuns)
+TEST(BinaryWord, DamagedFilesGiveOnlyTheirRuns)
 {
     const std::string whole = sample("letter.doc");
     const std::size_t boxAt = whole.find(wide("box@example.com"));
@@ -142,7 +142,7 @@ TEST(BinaryWord, DamagedFilesGiveNothingButTheirRuns)
     EXPECT_FALSE(textOfBinaryWord(document.bytes())) << "no table stream";
 }
 
-/// Each ends, and none does harm; what they give does not count.
+/// Each must only end without harm; the result does not matter.
 TEST(BinaryWord, ForgedFilesEnd)
 {
     const std::string whole = Document{ { { std::string(3000, 'a') } } }.bytes();
@@ -152,12 +152,12 @@ TEST(BinaryWord, ForgedFilesEnd)
         patch(circle, at, littleEndian((at - tableSector) / 4, 4)); // each sector is followed by itself
     textOfBinaryWord(circle);
     std::string listCircle = whole;
-    patch(listCircle, 68, littleEndian(0, 4)); // the table's list goes on in the first sector
+    patch(listCircle, 68, littleEndian(0, 4)); // the table's list continues in the first sector
     patch(listCircle, 76, std::string(436, '\xFF'));
     textOfBinaryWord(listCircle);
     textOfBinaryWord(compoundFile(std::vector<std::pair<std::string, std::string>>(50'000, { "s", "" })));
 
-    // Pieces that give the same text again and again, or nothing but marks.
+    // Pieces that give the same text again and again, or only field marks.
     for (const char content : { 'a', '\x13' }) {
         Document document;
         document.pieces.assign(60, { std::string(2, content) });

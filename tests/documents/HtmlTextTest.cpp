@@ -77,7 +77,7 @@ TEST(HtmlTextTest, targetsOfMailtoLinksFollowTheText)
         "john.doe@y.org. he\ndoe@y.org");
 }
 
-TEST(HtmlTextTest, tellsPagesByTheirFirstTag)
+TEST(HtmlTextTest, recognisesPagesByTheirFirstTag)
 {
     const std::string comment = "<!-- " + std::string(10'000, 'x') + " -->";
     for (const std::string& page : { std::string("<table><tr>"), std::string(" \n<P class=a>"),

@@ -33,7 +33,7 @@ std::string repeated(std::string_view text, std::size_t count)
     return result;
 }
 
-/// An element of any part, with the namespaces that parts use.
+/// An element with declarations of the namespaces that parts use.
 std::string element(const std::string& name, const std::string& content)
 {
     return "<" + name
@@ -244,7 +244,7 @@ TEST(OpenXml, ReadsThePartsOfAPackage)
         EXPECT_EQ(withoutLineEnd(textOf(row.bytes)), row.text) << row.name;
 }
 
-TEST(WordFile, TellsTheKindFromTheBytes)
+TEST(WordFile, RecognisesTheKindByTheBytes)
 {
     const std::string flat
         = R"(<?xml version="1.0"?><pkg:package xmlns:pkg="http://schemas.microsoft.com/office/2006/xmlPackage">)"
@@ -284,7 +284,7 @@ TEST(WordFile, TellsTheKindFromTheBytes)
         EXPECT_EQ(withoutLineEnd(textOf(row.bytes)), row.text) << row.name;
 }
 
-TEST(WordFile, TakesWhatATruncatedDocumentHolds)
+TEST(WordFile, ReadsTheRestOfATruncatedDocument)
 {
     const std::string letter = TempFolder::contentOf(QUILVANE_SAMPLES "/letter.docx");
     EXPECT_NE(textOf(letter.substr(0, letter.size() * 9 / 10)).find("body@example.com"), std::string::npos);
@@ -293,7 +293,7 @@ TEST(WordFile, TakesWhatATruncatedDocumentHolds)
     EXPECT_TRUE(textOf(std::string_view(whole).substr(0, whole.size() / 2)).starts_with("a@x.org\nb\n"));
 }
 
-TEST(OpenXml, ReadsOnAfterDamage)
+TEST(OpenXml, ContinuesAfterDamage)
 {
     struct Row {
         const char* name;
@@ -320,8 +320,8 @@ TEST(OpenXml, ReadsOnAfterDamage)
     EXPECT_EQ(withoutLineEnd(textOf(cyrillic)), "П");
 }
 
-/// Each of them takes minutes, gigabytes or the stack of whoever believes it.
-TEST(WordFile, EndsOnHostileDocuments)
+/// Each of them costs a naive reader minutes, gigabytes or its stack.
+TEST(WordFile, HostileDocumentsCostLittle)
 {
     const std::string bomb = "<!DOCTYPE w [<!ENTITY a 'aaaaaaaaaa'><!ENTITY b '" + repeated("&a;", 10)
         + "'><!ENTITY c SYSTEM 'file:///etc/passwd'>]>";

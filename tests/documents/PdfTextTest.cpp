@@ -45,7 +45,7 @@ TEST(PageText, IsTidiedForAddresses)
     EXPECT_EQ(tidyPageText("me@" + longWord + "-\nb.com"), "me@" + longWord + "-\nb.com");
 }
 
-TEST(MessageFilter, SaysTheSameOnceAndNotTooMuch)
+TEST(MessageFilter, GivesEachMessageOnceAndNotTooMany)
 {
     MessageFilter filter;
     filter.add("Bad object 12 at 7");

@@ -18,7 +18,7 @@ namespace quilvane {
 
 namespace {
 
-/// That the message comes back whole, and from no other bytes.
+/// Expects that exactly the message's own bytes decode to it.
 template <typename Message, typename Decode>
 void expectWholeOnly(const Message& message, Decode decode)
 {
@@ -29,7 +29,7 @@ void expectWholeOnly(const Message& message, Decode decode)
         EXPECT_FALSE(decode(bytes.substr(0, size))) << size;
 }
 
-TEST(ReaderMessages, RefuseWhatIsCutOrTooMuch)
+TEST(ReaderMessages, RefuseMissingAndSurplusBytes)
 {
     expectWholeOnly(ReaderGreeting{ "id", "missing" }, decodeGreeting);
     expectWholeOnly(ReaderAnswer{ 7, 70'000 }, decodeAnswer);
@@ -55,19 +55,19 @@ TEST(ReaderMessages, RefuseWhatIsCutOrTooMuch)
     EXPECT_FALSE(decodeEnd(encode(PdfEnd{ std::vector<std::string>(mostPdfMessages + 1) })));
 }
 
-/// Gives up soon.
+/// Gives up after a short time.
 bool waitShortly(int socket, short event)
 {
     pollfd ready{ socket, event, 0 };
     return ::poll(&ready, 1, 20) > 0;
 }
 
-TEST(Frames, EndInTheirOwnWays)
+TEST(Frames, TellHowATransferEnded)
 {
     std::array<int, 2> sockets{};
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets.data()), 0);
     std::string frame;
-    // More than the socket holds, so both directions of waiting are gone through.
+    // More than the socket can hold, so that both sides wait.
     const std::string large(4 << 20, 'x');
     EXPECT_EQ(sendFrame(sockets[0], large, waitShortly), Transfer::GivenUp);
     EXPECT_EQ(receiveFrame(sockets[1], frame, large.size(), waitShortly), Transfer::GivenUp);

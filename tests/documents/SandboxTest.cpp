@@ -35,19 +35,18 @@ namespace quilvane {
 
 namespace {
 
-/// What a process that has been taken over would try.
+/// What an attacker would try in a process that he has taken over.
 struct Act {
     std::string_view name;
-    /// Whether it did what it wanted.
+    /// Tries it. True if it succeeded.
     std::function<bool()> isDone;
-    /// Whether Landlock, of version 2 and later, refuses it without help.
+    /// Whether Landlock of version 2 and later prevents it without seccomp.
     bool isGuardedByLandlock = false;
-    /// Whether it works for every user where nothing refuses it.
+    /// Whether it succeeds for every user without a sandbox.
     bool worksOutside = true;
 };
 
-/// What the acts are after, made before the process is closed in. Without gtest's main it would be the
-/// program.
+/// Runs functions in a child that is in the sandbox.
 class Sandboxed : public testing::Test {
 protected:
     static constexpr int noDocument = -1;
@@ -72,8 +71,8 @@ protected:
         return m_pair[1];
     }
 
-    /// Runs `body` in a child that these walls close in, or in the open. Returns its status, as waitpid gives
-    /// it.
+    /// Runs `body` in a child, in a sandbox with these walls, or without one. Returns its status, as waitpid
+    /// gives it.
     int inRoom(const std::optional<Walls>& walls, int document, const Allowance& allowance,
         const std::function<void()>& body)
     {
@@ -82,7 +81,7 @@ protected:
         const pid_t child = ::fork();
         if (child == 0) {
             std::signal(
-                SIGXFSZ, SIG_IGN); // or the limit of a file's size would be the end of the list of acts
+                SIGXFSZ, SIG_IGN); // otherwise the limit on file sizes would end the child during the acts
             if (walls && !sandbox.closeIn(allowance, self))
                 ::_exit(EXIT_FAILURE);
             body();
@@ -93,7 +92,7 @@ protected:
         return status;
     }
 
-    /// The names of the acts that were done.
+    /// The names of the acts that succeeded.
     std::vector<std::string_view> done(const std::optional<Walls>& walls, const std::vector<Act>& acts)
     {
         const auto tryAll = [&] {
@@ -130,7 +129,7 @@ bool connects(int number, const void* address, socklen_t size)
     return isConnected;
 }
 
-TEST_F(Sandboxed, ADocumentsWordsDoNoHarm)
+TEST_F(Sandboxed, AnAttackerCanDoNoHarm)
 {
     const Walls walls = availableWalls();
     if (!walls.seccomp)
@@ -232,7 +231,7 @@ TEST_F(Sandboxed, ADocumentsWordsDoNoHarm)
     EXPECT_EQ(missing(done({}, acts), [](const Act& act) { return act.worksOutside; }), "")
         << "these don't work where nothing refuses them, so they show nothing";
 
-    // One by one, and as on the kernel of Debian 12.
+    // With this kernel's version of Landlock, and with that of Debian 12.
     const std::vector<std::string_view> none;
     for (const int version : { walls.landlock, std::min(walls.landlock, 2) }) {
         fresh();
@@ -253,7 +252,7 @@ TEST_F(Sandboxed, ADocumentsWordsDoNoHarm)
         ::close(number);
 }
 
-TEST_F(Sandboxed, TheDocumentCanBeReadWhereverItIs)
+TEST_F(Sandboxed, TheDocumentCanBeReadWhereverItIsStored)
 {
     const Walls walls = availableWalls();
     const std::string bytes = "the document";
@@ -268,7 +267,7 @@ TEST_F(Sandboxed, TheDocumentCanBeReadWhereverItIs)
             const void* const mapped = ::mmap(nullptr, bytes.size(), PROT_READ, MAP_PRIVATE, document, 0);
             if (mapped == MAP_FAILED || std::memcmp(mapped, bytes.data(), bytes.size()) != 0)
                 ::_exit(2);
-            // As the PDF library opens what is too long for its memory.
+            // The PDF library does so with a document that it can't take from memory.
             if (walls.landlock > 0
                 && !closes(::open(("/dev/fd/" + std::to_string(document)).c_str(), O_RDONLY)))
                 ::_exit(3);

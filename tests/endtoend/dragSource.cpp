@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Another program to drag from: a small window in the corner of the screen that offers the files named on the
-// command line to whoever lets the mouse go over it.
+// Another program to drag from: a small window in the corner of the screen. A drag from it carries the files
+// that are named on the command line.
 #include <QApplication>
 #include <QDrag>
 #include <QMimeData>

@@ -24,7 +24,7 @@ namespace quilvane {
 
 namespace {
 
-/// A message bus of the test's own.
+/// A message bus for the test alone.
 class Bus {
 public:
     Bus()
@@ -50,7 +50,7 @@ private:
     QString m_address;
 };
 
-/// The part of a desktop's settings portal that tells of dark windows.
+/// The part of a desktop's settings portal for dark windows.
 class Portal : public QDBusVirtualObject {
 public:
     Portal(QDBusConnection bus, uint scheme)
@@ -112,7 +112,7 @@ TEST(ColorSchemeTest, followsTheDesktop)
         << "no preference gives the desktop's own colours";
 }
 
-TEST(ColorSchemeTest, whatIsEmptyOrGreyIsSeenInTheDark)
+TEST(ColorSchemeTest, emptyAndDisabledControlsAreVisibleInDarkColors)
 {
     struct Colors {
         const char* name;
@@ -167,7 +167,7 @@ TEST(ColorSchemeTest, leavesTheDesktopsOwnDarkColorsAlone)
     const ColorScheme scheme(bus.programsEnd());
     EXPECT_TRUE(QTest::qWaitFor([&portal] { return portal.wasAsked; }));
     portal.change("color-scheme", 0);
-    // What the portal has sent by now comes in before this answer.
+    // After this answer, all that the portal has sent before has arrived.
     bus.programsEnd().call(QDBusMessage::createMethodCall(
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"));
     QApplication::processEvents();

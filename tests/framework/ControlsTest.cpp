@@ -76,12 +76,12 @@ private:
     }
 };
 
-/// Opens and closes by itself.
+/// A window without controls.
 class OtherWindow : public Window {
     void Layout() override { setProperties({ .title = "Other", .width = 100, .height = 100 }); }
 };
 
-/// What another program has put into the clipboard, which may take long to get.
+/// A text that another program has put into the clipboard. To get it may take long.
 class ForeignText : public QMimeData {
 public:
     explicit ForeignText(int& asked)
@@ -153,11 +153,11 @@ TEST_F(ControlsTest, aHandlerThatThrowsEndsAlone)
     EXPECT_NE(log.find("the words' own"), std::string::npos);
 
     setFailureWords([](const std::string&) -> std::string { throw QuitUnwinding(); });
-    window->box.setValue(true); // no report where nobody is left to read it
+    window->box.setValue(true); // no report: the program is quitting
     setFailureWords({});
 }
 
-TEST_F(ControlsTest, whatIsHiddenForAMomentStaysOnTheScreen)
+TEST_F(ControlsTest, aControlThatIsHiddenForAMomentStaysVisible)
 {
     struct HideCounter : QObject {
         int hides = 0;
@@ -249,7 +249,7 @@ TEST_F(ControlsTest, keysReachTheFieldFirstAndThenTheWindowsButtons)
     EXPECT_EQ(events, "") << "a closed window has no default button any more";
 }
 
-TEST_F(ControlsTest, theEditMenuServesTheControlThatHadTheKeyboard)
+TEST_F(ControlsTest, theEditMenuWorksOnTheControlThatHadTheFocus)
 {
     int asked = 0;
     QApplication::clipboard()->setMimeData(new ForeignText(asked));
@@ -276,7 +276,7 @@ TEST_F(ControlsTest, theEditMenuServesTheControlThatHadTheKeyboard)
     menu->close();
 }
 
-TEST_F(ControlsTest, aWindowOfOneHandlerNeverReachesTheScreen)
+TEST_F(ControlsTest, aWindowThatItsHandlerClosesIsNeverShown)
 {
     window->box.Action = [] { implicit<OtherWindow>().Close(); };
     window->box.setValue(true);
@@ -378,7 +378,7 @@ TEST_F(ControlsTest, doEventsReturnsWhenNothingIsLeftToDo)
         Application::DoEvents(20);
         EXPECT_EQ(ticks, 0) << "not while a dialog stands";
     }
-    // Were it to wait for its time, this would take a day.
+    // If it waited for the whole time, this would take a day.
     Application::DoEvents(86'400'000);
     EXPECT_EQ(ticks, 3);
 }

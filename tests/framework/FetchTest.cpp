@@ -29,7 +29,7 @@ protected:
         options.largestBody = 100'000;
     }
 
-    /// What the exception says of why; empty if there is none.
+    /// The message of the exception; empty if there is none.
     std::string failure(const std::string& url) const
     {
         try {
@@ -156,7 +156,7 @@ TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
         << "signed by nobody known";
 }
 
-TEST_F(FetchTest, aServerThatNeverStallsIsLeftAfterAWhile)
+TEST_F(FetchTest, aServerThatNeverStallsIsGivenUpAfterAWhile)
 {
     server.answer("/drip", "HTTP/1.1 200 OK\r\n\r\nx", Ending::Drip);
     options.stallTimeout = std::chrono::hours(1);
@@ -165,9 +165,9 @@ TEST_F(FetchTest, aServerThatNeverStallsIsLeftAfterAWhile)
     EXPECT_NE(what.find("not complete after 1 seconds"), std::string::npos) << what;
 }
 
-TEST_F(FetchTest, publicServersDoNotLeadToThisMachine)
+TEST_F(FetchTest, publicServersCannotRedirectToThisMachine)
 {
-    // 127.0.0.1 is the public one here, and 127.0.0.2 this machine.
+    // Here 127.0.0.1 counts as public, and 127.0.0.2 as this machine.
     options.isOwn = [](const std::string& address) { return address == "127.0.0.2"; };
     WebServer own(WebServer::Scheme::Http, INADDR_LOOPBACK + 1);
     plain.page("/page", "public");
@@ -210,9 +210,9 @@ TEST_F(FetchTest, aRequestToStopEndsTheTransferAtOnce)
     EXPECT_THROW(fetch(server.url("/stalled"), options, source.get_token()), ConnectionException);
 }
 
-TEST_F(FetchTest, longBodiesOfUnknownLengthComeWhole)
+TEST_F(FetchTest, longBodiesOfUnknownLengthAreComplete)
 {
-    // Beyond what the buffer holds in one part.
+    // More than one part of the buffer holds.
     std::string body;
     while (body.size() < 150'000'000)
         body += std::to_string(body.size()) + '\n';

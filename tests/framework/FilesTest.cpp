@@ -43,7 +43,7 @@ namespace quilvane {
 
 namespace {
 
-/// What it says when it throws this.
+/// The message of the exception that `action` throws.
 template <typename Exception>
 std::string messageOf(const std::function<void()>& action)
 {
@@ -82,7 +82,7 @@ private:
     FileDescriptor m_socket{ ::socket(AF_UNIX, SOCK_STREAM, 0) };
 };
 
-/// To root, as which tests may run, nothing is forbidden; so root is somebody else while this lives.
+/// Tests may run as root, to whom nothing is forbidden. While this exists, root is another user.
 class AsNobody {
 public:
     AsNobody()
@@ -138,7 +138,7 @@ TEST_F(Files, ChildRefusesWhatIsNoName)
         EXPECT_NE(whyNil(parent->Child(name)).find("can't be the name"), std::string::npos) << name;
 }
 
-TEST_F(Files, LinksAreFollowedAndTold)
+TEST_F(Files, LinksAreFollowedAndRecognised)
 {
     folder.write("sub/file", "");
     std::filesystem::create_symlink("sub/file", folder / "toFile");
@@ -157,7 +157,7 @@ TEST_F(Files, LinksAreFollowedAndTold)
     }
 }
 
-TEST_F(Files, AWalkSeesEachChildOnceWhateverItsName)
+TEST_F(Files, EachChildIsListedOnceWhateverItsName)
 {
     std::vector<std::string> expected = { ".hidden", "line\nend", "not\xFFUTF-8", "sub" };
     for (const std::string& name : expected)
@@ -176,7 +176,7 @@ TEST_F(Files, AWalkSeesEachChildOnceWhateverItsName)
     EXPECT_EQ(item("none")->Count(), 0);
 }
 
-TEST_F(Files, CreateAsFolderIsContentWithAFolderThatIsThere)
+TEST_F(Files, CreateAsFolderAcceptsAnExistingFolder)
 {
     item("new")->CreateAsFolder();
     item("new")->CreateAsFolder();
@@ -186,7 +186,7 @@ TEST_F(Files, CreateAsFolderIsContentWithAFolderThatIsThere)
     EXPECT_THROW(item("a/b")->CreateAsFolder(), IOException);
 }
 
-TEST_F(Files, WhatIsNoRegularFileIsNoTextAndAnEmptyDocument)
+TEST_F(Files, OtherThanRegularFilesGiveNoTextAndAnEmptyDocument)
 {
     folder.makeFolder("folder.docx");
     ASSERT_EQ(::mkfifo((folder / "pipe.docx").c_str(), 0), 0);
@@ -203,7 +203,7 @@ TEST_F(Files, WhatIsNoRegularFileIsNoTextAndAnEmptyDocument)
     EXPECT_NE(whyNil(item("pipe.docx")->CreateTextFile()).find("is not a regular file"), std::string::npos);
 }
 
-TEST_F(Files, AnEndIsFoundInFilesThatTellNoSizeOrGrowOrShrink)
+TEST_F(Files, FilesWithoutASizeOrWithAChangedSizeAreReadToTheirEnd)
 {
     EXPECT_NE(GetFolderItem("/proc/self/status")->OpenAsTextFile()->ReadAll().find("\nThreads:"),
         std::string::npos);
@@ -219,14 +219,14 @@ TEST_F(Files, AnEndIsFoundInFilesThatTellNoSizeOrGrowOrShrink)
     }
 }
 
-TEST_F(Files, AFolderThatCannotBeListedSaysWhy)
+TEST_F(Files, AFolderThatCannotBeListedGivesTheReason)
 {
     EXPECT_EQ(item("")->whyNotListed(), "");
     EXPECT_EQ(item("none")->whyNotListed(),
         "The folder \"" + folder / "none" + "\" could not be listed: No such file or directory.");
 }
 
-TEST_F(Files, WhatTheUserHasNoPermissionForDoesNotOpen)
+TEST_F(Files, FilesWithoutPermissionDoNotOpen)
 {
     using std::filesystem::perms;
     std::filesystem::permissions(folder.path(), perms::all);
@@ -244,7 +244,7 @@ TEST_F(Files, WhatTheUserHasNoPermissionForDoesNotOpen)
 
 TEST_F(Files, ReadsLinesOfAllKinds)
 {
-    const std::string filler(4094, 'x'); // so that a CR ends what is read ahead and its LF begins the next
+    const std::string filler(4094, 'x'); // so that a buffer ends with a CR and the next begins with its LF
     folder.write("lines", filler + "1\r\nunix\nmac\r\r\n\nlast \xFF");
     const auto stream = item("lines")->OpenAsTextFile();
     for (const std::string& line : { filler + "1", std::string("unix"), std::string("mac"), std::string(),
@@ -275,10 +275,10 @@ TEST_F(Files, ReadsTheRestAfterALine)
     EXPECT_THROW(pieces->ReadLine(), IOException);
 }
 
-TEST_F(Files, RefusesWhatDoesNotFitIntoMemory)
+TEST_F(Files, RefusesFilesThatDoNotFitIntoMemory)
 {
     std::filesystem::resize_file(
-        folder.write("huge", ""), std::uint64_t(1) << 43); // takes no room on the disk
+        folder.write("huge", ""), std::uint64_t(1) << 43); // needs no room on the disk
     const auto text = item("huge")->OpenAsTextFile();
     for (const std::string& message : { messageOf<OutOfMemoryException>([&] { text->ReadAll(); }),
              messageOf<OutOfMemoryException>([&] { text->ReadLine(); }) }) {
@@ -292,7 +292,7 @@ TEST_F(Files, WideTextIsReadAsUtf8)
     using namespace std::string_literals;
     std::string longText;
     std::string longWide = "\xFF\xFE"s;
-    for (int i = 0; i < 5'000; ++i) { // more than is read at a time, and no piece ends where a character does
+    for (int i = 0; i < 5'000; ++i) { // more than is read at a time, and pieces end inside of characters
         longText += "a\xF0\x9F\x98\x80";
         longWide += "a\0\x3D\xD8\x00\xDE"s;
     }
@@ -330,7 +330,7 @@ TEST_F(Files, WideTextIsReadAsUtf8)
     }
 }
 
-TEST_F(Files, BinaryStreamNamesItsBytesInParts)
+TEST_F(Files, BinaryStreamGivesRangesOfItsFile)
 {
     using Part = std::pair<std::uint64_t, std::uint64_t>;
     const auto read = [](BinaryStream& stream, std::uint64_t count) {
@@ -349,7 +349,7 @@ TEST_F(Files, BinaryStreamNamesItsBytesInParts)
     EXPECT_EQ(::lseek(bytes.descriptor(), 0, SEEK_END), 6) << "stays open by itself";
 }
 
-TEST_F(Files, AvailableMemoryIsTheLeastOfMachineAndGroups)
+TEST_F(Files, AvailableMemoryIsTheLeastOfTheMachinesAndTheGroups)
 {
     using Contents = std::vector<std::pair<const char*, const char*>>;
     struct Row {
@@ -402,14 +402,14 @@ TEST_F(Files, WritesAFileOnlyWhenItIsWhole)
 TEST_F(Files, ANewFileIsEmptyAndHasTheUsersMode)
 {
     const mode_t before = ::umask(0027);
-    item("new")->CreateTextFile(); // its last reference goes at once
+    item("new")->CreateTextFile(); // its last reference is dropped at once
     ::umask(before);
     EXPECT_EQ(TempFolder::contentOf(folder / "new"), "");
     EXPECT_EQ(permissionsOf(folder / "new"), 0640u);
     EXPECT_EQ(folder.count(), 1);
 }
 
-TEST_F(Files, WritesWhereALinkLeadsAndLeavesTheLink)
+TEST_F(Files, WritesToTheTargetOfALinkAndKeepsTheLink)
 {
     folder.write("sub/target", "old");
     std::filesystem::create_symlink("sub/target", folder / "middle");
@@ -427,7 +427,7 @@ TEST_F(Files, WritesWhereALinkLeadsAndLeavesTheLink)
     EXPECT_FALSE(item("loop")->CreateTextFile());
 }
 
-TEST_F(Files, AnExceptionOnItsWayLeavesTheTargetAndNothingElse)
+TEST_F(Files, AnExceptionLeavesTheTargetUnchangedAndNoOtherFile)
 {
     const std::string path = folder.write("file", "old");
     const auto exportThatFails = [&] {
@@ -440,7 +440,7 @@ TEST_F(Files, AnExceptionOnItsWayLeavesTheTargetAndNothingElse)
     EXPECT_EQ(folder.count(), 1);
 }
 
-TEST_F(Files, WhatCannotBeReplacedIsFilledInPlace)
+TEST_F(Files, FilesThatCannotBeReplacedAreFilledInPlace)
 {
     using std::filesystem::perms;
     std::filesystem::permissions(folder.path(), perms::all);
@@ -453,7 +453,7 @@ TEST_F(Files, WhatCannotBeReplacedIsFilledInPlace)
     for (const auto& [name, folderMode, hasOtherName] :
         { Case{ "closed", 0555, false }, Case{ "shared", 01777, false }, Case{ "linked", 0777, true } }) {
         if (::geteuid() != 0 && name == std::string("shared"))
-            continue; // it takes a second user
+            continue; // needs a second user
         const std::string path = folder.write(std::string(name) + "/file", "the old text");
         std::filesystem::permissions(path, perms(0666));
         if (hasOtherName)
@@ -486,7 +486,7 @@ TEST_F(Files, WhatCannotBeReplacedIsFilledInPlace)
     }
 }
 
-/// From now on this process can make no file without a name, as on some network shares.
+/// From now on this process can't make a file without a name, as on some network shares.
 void forbidNamelessFiles()
 {
     constexpr auto flags = static_cast<unsigned>(offsetof(seccomp_data, args) + 2 * sizeof(std::uint64_t));
@@ -505,7 +505,7 @@ void forbidNamelessFiles()
         std::_Exit(1);
 }
 
-/// Begins to write "file" in another process, which is killed in the middle.
+/// Begins to write the file in another process, calls `meanwhile`, and kills the process.
 void killWhileWriting(const std::string& path, bool hasNamelessFiles, const std::function<void()>& meanwhile)
 {
     std::array<int, 2> ends{};
@@ -549,7 +549,7 @@ TEST_F(Files, AWriterThatIsKilledLeavesNothing)
     EXPECT_EQ(TempFolder::contentOf(folder / "another"), "whole\n");
 }
 
-TEST_F(Files, AFileThatCannotComeToItsPlaceIsReportedAndRemoved)
+TEST_F(Files, AFileThatCannotReplaceItsTargetIsReportedAndRemoved)
 {
     const auto stream = item("place")->CreateTextFile();
     folder.makeFolder("place"); // meanwhile
@@ -576,7 +576,7 @@ TEST_F(Files, ApplicationDataFollowsTheBaseDirectoryRules)
     ::unsetenv("XDG_DATA_HOME");
 }
 
-TEST(DisplayPath, ShowsWhatCannotBeSeen)
+TEST(DisplayPath, ShowsInvisibleCharacters)
 {
     struct Row {
         std::string bytes, shown;

@@ -81,7 +81,7 @@ protected:
     static Listbox& list() { return implicit<ListWindow>().list; }
     QListView* view() const { return m_view; }
 
-    /// Adds "row0", "row1" and so on, and lets the view know.
+    /// Adds "row0", "row1" and so on, and lets the view learn of them.
     static void addRows(int count)
     {
         for (int i = 0; i < count; ++i)
@@ -119,7 +119,7 @@ using Rows = std::vector<std::string>;
 
 } // namespace
 
-TEST_F(ListTest, listTellsItsViewOncePerPass)
+TEST_F(ListTest, listTellsItsViewOncePerTurn)
 {
     auto* view = this->view();
     int told = 0;
@@ -166,7 +166,7 @@ TEST_F(ListTest, listKeepsTheRetainedRowsInOrder)
     EXPECT_EQ(list().Cell(0, 0), "");
 }
 
-TEST_F(ListTest, listKeepsItsSelectionWhereOnlyRowsGoThatItsViewNeverKnew)
+TEST_F(ListTest, removingRowsThatTheViewDoesNotKnowKeepsTheSelection)
 {
     Listbox& list = this->list();
     const auto add = [&list](int count) {
@@ -238,7 +238,7 @@ TEST_F(ListTest, severalRowsAreSelectedAndCopiedAsLines)
     EXPECT_EQ(clipboard().count('\n'), 7);
 }
 
-TEST_F(ListTest, theMenuKeyShowsWhatServesTheList)
+TEST_F(ListTest, theMenuKeyShowsTheCommandsOfTheList)
 {
     addRows(3);
     click(1);
@@ -256,7 +256,7 @@ TEST_F(ListTest, theMenuKeyShowsWhatServesTheList)
     menu->close();
 }
 
-TEST_F(ListTest, whatWasCopiedIsWhatWasSelectedThen)
+TEST_F(ListTest, copiedRowsDoNotChangeWithTheList)
 {
     const std::pair<const char*, std::function<void()>> changesOfTheList[] = {
         { "nothing", [] {} },
@@ -296,7 +296,7 @@ TEST_F(ListTest, selectionAndPlaceStayWithTheirRows)
     click(57, Qt::ControlModifier);
     changes = 0;
 
-    // Twice before the view is told: rows 0 to 9 and 56, then the even ones of the first forty.
+    // Two removals before the view is told: rows 0 to 9 and 56, then every other one of the first forty.
     std::vector<unsigned char> stays(100, 1);
     std::fill_n(stays.begin(), 10, 0);
     stays[56] = 0;
@@ -314,7 +314,7 @@ TEST_F(ListTest, selectionAndPlaceStayWithTheirRows)
     EXPECT_LT(inSight, 40) << "or nothing is scrolled here";
 
     stays.assign(list().ListCount(), 1);
-    stays[26] = 0; // row 57, which has the keyboard: it goes to the next
+    stays[26] = 0; // row 57, which has the focus: the next row gets it
     list().RetainRows(0, stays);
     Application::DoEvents(100);
     EXPECT_EQ(selectedRows(), Rows{ "row55" });
@@ -371,7 +371,7 @@ TEST(RowPlaceTest, movesAsTheRowsDo)
     }
 }
 
-TEST_F(ListTest, aLongRowShowsItsDomainAndIsWholeInATooltip)
+TEST_F(ListTest, aLongRowShowsItsDomainAndATooltipShowsAll)
 {
     const std::string local(100, 'l');
     const std::string longDomain = "@" + std::string(100, 'd') + ".org";

@@ -95,8 +95,8 @@ void actOverAccessibility(const char* name, const QString& action)
     actions->doAction(action);
 }
 
-/// Sends what a drag of a list of addresses sends that ends over the canvas. Returns whether the drop was
-/// taken.
+/// Sends the events of a drag of a list of addresses that ends over the canvas. Returns whether the drop was
+/// accepted.
 bool drop(const QByteArray& addresses = "file:///file.txt")
 {
     QMimeData data;
@@ -112,11 +112,11 @@ bool drop(const QByteArray& addresses = "file:///file.txt")
     return event.isAccepted();
 }
 
-/// Works for long, as a handler does, until `done`.
+/// Works like a long handler until `done`.
 template <typename Done>
 void workUntil(Done done)
 {
-    constexpr qint64 patience = 20'000; // ms; only a failure takes that long
+    constexpr qint64 patience = 20'000; // ms; only a failure takes so long
     QElapsedTimer time;
     time.start();
     while (!done() && time.elapsed() < patience)
@@ -162,7 +162,7 @@ protected:
         Application::DoEvents(100);
     }
 
-    /// Runs `meanwhile` in the first painting of a handler that then works on for some paintings more.
+    /// Runs `meanwhile` during the first painting of a handler, which then works for some more paintings.
     static void workWith(const std::function<void()>& meanwhile)
     {
         runGuarded("handler", [&] {
@@ -174,7 +174,7 @@ protected:
                 done = true;
             });
             workUntil([&] { return done; });
-            // The press that accessibility makes of a button takes 100 ms of its own.
+            // A press of a button over accessibility takes 100 ms.
             PaintCount paints(*widget("button"));
             for (const int count : { 1, 2, 3 }) {
                 widget("button")->update();
@@ -205,7 +205,7 @@ protected:
 
 } // namespace
 
-TEST_F(PaintingTest, whatComesMeanwhileComesAfterwards)
+TEST_F(PaintingTest, eventsDuringAHandlerAreDeliveredAfterIt)
 {
     Timer ticking("ticking", 0);
     ticking.Action = [&] {
@@ -240,7 +240,7 @@ TEST_F(PaintingTest, aButtonThatTheHandlerDisablesIsNotPressedAfterwards)
     EXPECT_EQ(happened, "[]");
 }
 
-TEST_F(PaintingTest, aDropIsRefusedAndOneTakenBeforeIsKept)
+TEST_F(PaintingTest, aDropIsRefusedButAnEarlierOneIsKept)
 {
     EXPECT_TRUE(drop());
     workWith([] { EXPECT_FALSE(drop()); });
@@ -249,7 +249,7 @@ TEST_F(PaintingTest, aDropIsRefusedAndOneTakenBeforeIsKept)
     EXPECT_EQ(happened, "[]drop ");
 }
 
-TEST_F(PaintingTest, ofADropTheLocalItemsAreTaken)
+TEST_F(PaintingTest, aDropGivesItsLocalItems)
 {
     window->canvas.DropObject = [](DragItem& item) {
         do {
@@ -275,7 +275,7 @@ TEST_F(PaintingTest, ofADropTheLocalItemsAreTaken)
     }
 }
 
-TEST_F(PaintingTest, nothingChangesWhileADialogStands)
+TEST_F(PaintingTest, nothingChangesWhileADialogIsOpen)
 {
     class StandingDesktop : public ScriptedDesktop {
     public:
@@ -297,7 +297,7 @@ TEST_F(PaintingTest, nothingChangesWhileADialogStands)
         QTest::keyClicks(widget("field"), "typed");
         menuBar.Lookup("Item").Choose();
         EXPECT_FALSE(drop());
-        QTest::qWait(200); // the press that accessibility makes of a button takes 100 ms
+        QTest::qWait(200); // a press of a button over accessibility takes 100 ms
         EXPECT_FALSE(widget("Painted")->close());
     });
     runGuarded("handler", [&] {
@@ -311,7 +311,7 @@ TEST_F(PaintingTest, nothingChangesWhileADialogStands)
         EXPECT_NE(happened.find(event), std::string::npos) << event << "is missing in " << happened;
 }
 
-TEST_F(PaintingTest, theWindowIsAskedToCloseOnceTheHandlerIsThrough)
+TEST_F(PaintingTest, theWindowClosesAfterTheHandler)
 {
     workWith([&] {
         EXPECT_FALSE(widget("Painted")->close());
@@ -340,7 +340,7 @@ TEST_F(PaintingTest, rowsAddedMeanwhileAreShown)
     EXPECT_EQ(happened, "list ");
 }
 
-TEST_F(PaintingTest, theWaitCursorGoesWithTheNextTurn)
+TEST_F(PaintingTest, theWaitCursorVanishesInTheNextTurn)
 {
     runGuarded("handler", [] {
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);

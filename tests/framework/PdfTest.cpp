@@ -32,7 +32,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// An engine that keeps what its event tells.
+/// An engine that records its events.
 class RecordingEngine : public DynaPDFMBS {
 public:
     using DynaPDFMBS::DynaPDFMBS;
@@ -70,7 +70,7 @@ protected:
     }
 };
 
-/// A document of these objects, the first of which, number 1, is the catalog.
+/// A document with these objects; the first one, number 1, is the catalog.
 std::string pdfOf(const std::vector<std::string>& objects)
 {
     std::string pdf = "%PDF-1.4\n";
@@ -86,7 +86,7 @@ std::string pdfOf(const std::vector<std::string>& objects)
 
 const std::string catalog = "<</Type/Catalog/Pages 2 0 R>>";
 
-/// A document of one page, which draws `content` that many times.
+/// A document of one page, which draws `content` so many times.
 std::string onePage(const std::string& content, int times = 1)
 {
     std::string contents;
@@ -99,7 +99,7 @@ std::string onePage(const std::string& content, int times = 1)
         "<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>" });
 }
 
-/// Content that shows the text, each time a little farther.
+/// Content that shows the text, each time a little farther right and up.
 std::string show(const std::string& text)
 {
     return "1 0 0 1 .1 .2 cm BT /F 12 Tf 72 700 Td (" + text + ") Tj ET ";
@@ -168,7 +168,7 @@ TEST_F(Pdf, ReadsWhatOtherProgramsWrite)
     EXPECT_EQ(engine.pageText(1), "out.of.the.page@example.com\noff@example.com\n");
 }
 
-TEST_F(Pdf, SaysOnceWhyThereIsNoPage)
+TEST_F(Pdf, ReportsOnceWhyThereIsNoPage)
 {
     using Code = DynaPDFMBS::ErrorCode;
     const std::string pipe = folder / "pipe.pdf";
@@ -199,7 +199,7 @@ TEST_F(Pdf, SaysOnceWhyThereIsNoPage)
     }
 }
 
-TEST_F(Pdf, WarnsOnceOfAllAndCanBeStopped)
+TEST_F(Pdf, GivesAllWarningsInOneAndCanBeStopped)
 {
     std::string content = show("me@example.com");
     for (int i = 0; i < 1000; ++i)
@@ -233,7 +233,7 @@ pid_t readerProcess()
     return childrenOf(::getpid()).at(0);
 }
 
-/// Those that live: the one that reads, if one does, and the one that waits for the next document.
+/// The running children: the one that reads a document, if any, and the one that waits for the next.
 std::vector<pid_t> documentChildren()
 {
     std::vector<pid_t> children = childrenOf(readerProcess());
@@ -244,7 +244,7 @@ std::vector<pid_t> documentChildren()
     return children;
 }
 
-/// Once there are that many, the first of them.
+/// Waits until there are so many, and returns the first.
 pid_t firstOfChildren(std::size_t count)
 {
     std::vector<pid_t> children;
@@ -259,12 +259,12 @@ std::ptrdiff_t openFiles(const std::string& process)
     return std::distance(std::filesystem::directory_iterator("/proc/" + process + "/fd"), {});
 }
 
-TEST_F(Pdf, LosesNothingButTheDocumentWithItsChild)
+TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
 {
     const auto toChild = [](int signal) {
         return [signal] {
             const pid_t child = firstOfChildren(2);
-            // The standard three, the socket and the document. Only root sees them.
+            // Standard input, output and error, the socket and the document. Only root can list them.
             EXPECT_TRUE(::geteuid() != 0 || openFiles(std::to_string(child)) == 5);
             ::kill(child, signal);
         };
@@ -284,7 +284,7 @@ TEST_F(Pdf, LosesNothingButTheDocumentWithItsChild)
         { "asleep", endless, { .silence = 300ms }, toChild(SIGSTOP), "did nothing for 0 seconds." },
         { "endless page", endless, { .step = 1s }, nothing, "a page of it takes more than 1 seconds." },
         { "endless document", endless, { .document = 1s }, nothing, "It takes more than 1 seconds." },
-#ifndef __SANITIZE_ADDRESS__ // it answers a fault itself, and there is no limit of memory under it
+#ifndef __SANITIZE_ADDRESS__ // it handles faults itself, and memory can't be limited with it
         { "crashed", endless, usual, toChild(SIGSEGV), "broke down: Segmentation fault." },
         { "memory", onePage(show("some words"), 100'000), { .memory = 16 << 20 }, nothing,
             "It needs more than 16 MiB of memory." },
@@ -296,7 +296,7 @@ TEST_F(Pdf, LosesNothingButTheDocumentWithItsChild)
     for (const auto& [name, pdf, limits, meanwhile, reason] : cases) {
         RecordingEngine suffering(limits);
         suffering.CreateNewPDF();
-        firstOfChildren(1); // that of the last document has gone
+        firstOfChildren(1); // the child of the last document has ended
         ASSERT_EQ(suffering.OpenImportFile(*GetFolderItem(folder.write("a.pdf", pdf))), 0) << name;
         meanwhile();
         EXPECT_EQ(suffering.ImportPDFFile(1), -1) << name;
@@ -312,7 +312,7 @@ TEST_F(Pdf, LosesNothingButTheDocumentWithItsChild)
     }
 }
 
-TEST_F(Pdf, EndsWhereTheTimeEnds)
+TEST_F(Pdf, ReadsOnlyThePagesThatTheTimeAllows)
 {
     const auto slow = [](int count) {
         std::vector<std::string> objects{ catalog, "",
@@ -356,7 +356,7 @@ TEST_F(Pdf, IsReadAgainWhenTheReaderIsLost)
     EXPECT_TRUE(engine.errors.empty());
 }
 
-/// What a reader could say, as a file for the one that says it.
+/// The frames that a reader could send, as a file for lyingReader.
 class Frames {
 public:
     template <typename Message>
@@ -380,10 +380,10 @@ private:
     std::string m_bytes;
 };
 
-class LiedToPdf : public Pdf {
+class PdfFromLyingReader : public Pdf {
 protected:
-    LiedToPdf() { use(QUILVANE_LYING_READER); }
-    ~LiedToPdf() override { use(m_reader); }
+    PdfFromLyingReader() { use(QUILVANE_LYING_READER); }
+    ~PdfFromLyingReader() override { use(m_reader); }
 
 private:
     static void use(const std::string& program)
@@ -405,7 +405,7 @@ std::string pages(const std::string& kinds)
     return frames.add(PdfEnd{}).bytes();
 }
 
-TEST_F(LiedToPdf, TellsOfAFewBadPagesOnly)
+TEST_F(PdfFromLyingReader, ReportsOnlyAFewBadPages)
 {
     using Code = DynaPDFMBS::ErrorCode;
     const auto badPages = [](std::size_t count) { return std::vector<int>(count, Code::noSuchPage); };
@@ -451,7 +451,7 @@ TEST_F(LiedToPdf, TellsOfAFewBadPagesOnly)
     EXPECT_EQ(engine.errors.size(), 10u);
 }
 
-TEST_F(LiedToPdf, BelievesNothing)
+TEST_F(PdfFromLyingReader, RefusesInvalidFrames)
 {
     const std::string page = encode(PdfPage{ true, "text" });
     const PdfOpening ofOne{ .pageCount = 1 };

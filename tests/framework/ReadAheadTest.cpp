@@ -58,7 +58,7 @@ TEST_F(ReadAheadTest, GivesAllFilesInTheirOrder)
     }
 }
 
-TEST_F(ReadAheadTest, WhatIsNoFileToBeReadComesAsWithoutIt)
+TEST_F(ReadAheadTest, GivesOtherItemsLikeGetFolderItem)
 {
     folder.makeFolder("folder");
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
@@ -81,7 +81,7 @@ TEST_F(ReadAheadTest, WhatIsNoFileToBeReadComesAsWithoutIt)
     }
 }
 
-TEST_F(ReadAheadTest, TheFirstStreamTakesTheOpenedFileAndTheNextOpensAnew)
+TEST_F(ReadAheadTest, TheFirstStreamUsesTheOpenedFileAndTheNextOpensAgain)
 {
     const std::vector<std::string> paths = writeFiles(2);
     ReadAhead ahead(paths);
@@ -96,7 +96,7 @@ TEST_F(ReadAheadTest, TheFirstStreamTakesTheOpenedFileAndTheNextOpensAnew)
     EXPECT_EQ(document->OpenAsTextFile()->ReadAll(), "new");
 }
 
-TEST_F(ReadAheadTest, AFailureIsThatOfTheHelper)
+TEST_F(ReadAheadTest, GivesTheFailureOfTheHelper)
 {
     const auto denied = [](const std::string&) {
         OpenedFile result;
@@ -111,7 +111,7 @@ TEST_F(ReadAheadTest, AFailureIsThatOfTheHelper)
     EXPECT_TRUE(item->OpenAsTextFile());
 }
 
-TEST_F(ReadAheadTest, AnOpeningThatHangsHoldsUpNobodyWhoLeaves)
+TEST_F(ReadAheadTest, AnOpeningThatHangsDoesNotBlockTheDestructor)
 {
     struct Shared {
         std::atomic<int> opened = 0;
@@ -123,7 +123,7 @@ TEST_F(ReadAheadTest, AnOpeningThatHangsHoldsUpNobodyWhoLeaves)
     const std::vector<std::string> paths = writeFiles(100);
     const std::ptrdiff_t before = openDescriptors();
     {
-        // What the opener holds goes with the last helper: the end of the test waits for that.
+        // The last helper deletes the opener and what it holds; the end of the test waits for that.
         const std::shared_ptr<void> lastHelper(nullptr, [shared](void*) { shared->gone.release(); });
         ReadAhead ahead(paths, [shared, lastHelper, hangs = paths[5]](const std::string& path) {
             if (path == hangs) {
@@ -136,14 +136,14 @@ TEST_F(ReadAheadTest, AnOpeningThatHangsHoldsUpNobodyWhoLeaves)
         for (int i = 0; i < 5; ++i)
             EXPECT_EQ(ahead.next()->OpenAsTextFile()->ReadAll(), paths[std::size_t(i)]);
         shared->reached.acquire();
-    } // and this returns while the file is still being opened
+    } // the destructor returns while the file is still being opened
     shared->goOn.release();
     shared->gone.acquire();
     EXPECT_LE(shared->opened, 5 + 32 + 1);
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(ReadAheadTest, DescriptorsAreFewAndGoWithTheirItems)
+TEST_F(ReadAheadTest, DescriptorsAreFewAndAreClosedWithTheirItems)
 {
     const std::vector<std::string> paths = writeFiles(500);
     const std::ptrdiff_t before = openDescriptors();

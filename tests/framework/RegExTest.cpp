@@ -80,7 +80,7 @@ TEST(RegEx, MissesNoPlaceOfALongText)
         ASSERT_EQ(allMatches(expression, longText.substr(0, place) + "x").size(), 2u) << place;
 }
 
-TEST(RegEx, FindsATextAsTheEngineWould)
+TEST(RegEx, FindsATextLikeTheEngine)
 {
     const std::string text = "Aab\n.aB aab-A@b\xC4\xE4 a.b A.B@@aabaab";
     for (const std::string pattern :
@@ -118,7 +118,7 @@ TEST(RegEx, FindsTheSameRowsInAListAsOneByOne)
     }
 }
 
-TEST(RegEx, GoesOnAfterAChangeOfPattern)
+TEST(RegEx, ContinuesAfterAChangeOfPattern)
 {
     RegEx expression;
     EXPECT_FALSE(expression.Search()) << "there is no text yet";
@@ -180,7 +180,7 @@ TEST(RegEx, GivesUpARunawayPattern)
     }
 }
 
-TEST(RegEx, OneBudgetServesAllTextsSinceThePatternWasSet)
+TEST(RegEx, OneBudgetIsForAllTextsSinceThePatternWasSet)
 {
     const auto rowsDone = [](RegEx& expression, const std::string& row, std::size_t rows) {
         std::size_t done = 0;
@@ -214,7 +214,7 @@ TEST(RegEx, OneBudgetServesAllTextsSinceThePatternWasSet)
     }
 }
 
-TEST(RegEx, ManyPatternsOutliveTheStoreOfCompiledOnes)
+TEST(RegEx, MorePatternsWorkThanCompiledOnesAreKept)
 {
     std::vector<std::unique_ptr<RegEx>> expressions;
     for (int i = 0; i < 100; ++i) {

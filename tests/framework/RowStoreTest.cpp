@@ -50,7 +50,7 @@ private:
 
 } // namespace
 
-TEST(RowStore, holdsWhatAPlainListWouldHold)
+TEST(RowStore, behavesLikeAPlainList)
 {
     RandomRows random(1);
     RowStore rows;

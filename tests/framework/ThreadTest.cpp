@@ -73,7 +73,7 @@ TEST(ThreadTest, killUnwindsTheBodyAndClosesItsStreams)
     EXPECT_EQ(log, "") << "killed by a body that it has started";
 }
 
-TEST(ThreadTest, whatTheBodyThrowsEndsTheBodyAlone)
+TEST(ThreadTest, anExceptionInTheBodyEndsOnlyTheBody)
 {
     ScriptedDesktop desktop;
     Thread thread("Worker");

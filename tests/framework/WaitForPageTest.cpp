@@ -12,7 +12,7 @@
 
 namespace quilvane {
 
-TEST(WaitForPageTest, theDialogEndsWithThePageOrAtTheUsersWish)
+TEST(WaitForPageTest, theDialogEndsWithThePageOrWhenTheUserCancels)
 {
     std::optional<std::uint64_t> bytes;
     struct Case {
@@ -35,7 +35,7 @@ TEST(WaitForPageTest, theDialogEndsWithThePageOrAtTheUsersWish)
             QObject::connect(&user, &QTimer::timeout, [&] {
                 QWidget* const dialog = QApplication::activeModalWidget();
                 if (!dialog)
-                    return; // it has been answered
+                    return; // it was answered
                 const QString text = dialog->findChild<QLabel*>()->text();
                 EXPECT_TRUE(text.contains("www.example.org")) << text.toStdString();
                 if (text.contains(" 0 bytes"))
@@ -49,7 +49,8 @@ TEST(WaitForPageTest, theDialogEndsWithThePageOrAtTheUsersWish)
             EXPECT_EQ(Desktop::current().waitForPage("www.example.org", [&] { return bytes; }), c.goesOn);
         }
     };
-    // Within an event loop, as a handler waits: no dialog opens after another test has asked to quit.
+    // Inside of an event loop, like a handler: outside of one, no dialog opens after another test has called
+    // QApplication::exit().
     QTimer::singleShot(0, [&] {
         tryAll();
         QApplication::exit();

@@ -6,7 +6,7 @@
 
 namespace quilvane {
 
-TEST(WindowScaleTest, followsTheTextAsFarAsTheScreenGoes)
+TEST(WindowScaleTest, followsTheTextSizeWithinTheScreen)
 {
     constexpr QSize window(600, 650);
     constexpr QSize large(1900, 1000);

@@ -39,7 +39,7 @@ Ref<WordFileMBS> documentOf(const std::string& path, const DocumentLimits& limit
     return WordFileMBS::OpenData(stream->Read(stream->Length()), limits);
 }
 
-/// The message of the exception with which reading the sample ends.
+/// The message of the exception that reading the sample throws.
 std::string failure()
 {
     try {
@@ -73,7 +73,7 @@ private:
     const std::string m_reader = ReaderProcess::program();
 };
 
-TEST_F(WordFile, HasItsTextOrAReason)
+TEST_F(WordFile, GivesItsTextOrAReason)
 {
     for (const char* name : { "letter.docx", "letter.doc", "letter.rtf" })
         EXPECT_NE(documentOf(std::string(QUILVANE_SAMPLES "/") + name)->Text().find("body@example.com"),
@@ -82,7 +82,7 @@ TEST_F(WordFile, HasItsTextOrAReason)
     EXPECT_EQ(documentOf(folder.write("a.doc", "")).whyNil(), "The document is empty.");
     EXPECT_EQ(
         documentOf(folder.write("a.doc", "text")).whyNil(), "The document is encrypted or no Word document.");
-    // The rest of a file, and one that is in no folder any more.
+    // The rest of a file, which was deleted meanwhile.
     const std::string later = folder.write("later.docx", "five " + TempFolder::contentOf(letter));
     const Ref<BinaryStream> stream = BinaryStream::Open(*GetFolderItem(later));
     stream->Read(5);
@@ -90,7 +90,7 @@ TEST_F(WordFile, HasItsTextOrAReason)
     EXPECT_TRUE(WordFileMBS::OpenData(stream->Read(stream->Length())));
 }
 
-TEST_F(WordFile, OfAnySizeTakesNoMemoryOfTheProgram)
+TEST_F(WordFile, NeedsNoMemoryOfTheProgramWhateverItsSize)
 {
     const std::string huge = folder.write("huge.docx", "text");
     std::filesystem::resize_file(huge, std::uint64_t(5) << 30); // takes no room on the disk
@@ -103,7 +103,7 @@ TEST_F(WordFile, OfAnySizeTakesNoMemoryOfTheProgram)
     EXPECT_EQ(WordFileMBS::OpenData(bytes).whyNil(), "The document is empty.");
 }
 
-TEST_F(WordFile, IsNotToBlameForTheReader)
+TEST_F(WordFile, AnUnusableReaderIsAnExceptionThatNamesIt)
 {
     struct Case {
         std::string program;
@@ -123,7 +123,7 @@ TEST_F(WordFile, IsNotToBlameForTheReader)
     }
 }
 
-TEST_F(WordFile, OutlivesTheReader)
+TEST_F(WordFile, IsReadAgainWhenTheReaderOrASpareChildIsKilled)
 {
     ASSERT_TRUE(documentOf(letter));
     const auto readers = [] {
@@ -136,7 +136,7 @@ TEST_F(WordFile, OutlivesTheReader)
         ::kill(readers()[0], SIGKILL);
         EXPECT_TRUE(documentOf(letter));
     }
-    // The child that waits for the next document.
+    // Kills the child that waits for the next document.
     const std::string reader = std::to_string(readers()[0]);
     pid_t spare = 0;
     std::ifstream("/proc/" + reader + "/task/" + reader + "/children") >> spare;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// In place of the document reader: says of each document what is in it, byte for byte, and so whatever a test
-// wants the program to hear.
+// Replaces the document reader: sends each document's own bytes as its answer, so that a test can make the
+// program receive anything.
 
 #include "documents/reader/buildId.h"
 #include "documents/reader/frames.h"

@@ -38,7 +38,7 @@ protected:
         window().Canvas1.Drop(DragItem({ paths.begin(), paths.end() }));
     }
 
-    /// The rows in order of the alphabet: folders are read in the order of the file system.
+    /// The rows in alphabetical order, since folders are read in the order of the file system.
     Rows sortedRows()
     {
         Rows texts = rows();
@@ -47,21 +47,21 @@ protected:
     }
 };
 
-TEST_F(BatchTest, whichFilesAreReadDependsOnWhereTheyLie)
+TEST_F(BatchTest, whichFilesAreReadDependsOnTheirFolder)
 {
     struct Case {
         const char* file;
-        int matchesChosen; // in the folder that was chosen: matches counted, so reads of one file
+        int matchesChosen; // in the chosen folder: the matches counted, that is how often the file was read
         int matchesDropped; // in a folder that was dropped
         int matchesBelow; // in a folder below
     };
     const Case cases[] = {
         { "a.txt", 1, 1, 1 },
         { "A.CSV", 1, 1, 1 },
-        { "mytxt", 0, 0, 1 }, // there a dot stands for any character
+        { "mytxt", 0, 0, 1 }, // only below, a dot stands for any character
         { "notes.txt.bak", 0, 0, 0 }, // listed, but the last extension is another
         { "a.csv.txt", 2, 2, 2 }, // listed twice
-        { "~$lock.txt", 0, 1, 1 }, // a lock file only where it was chosen
+        { "~$lock.txt", 0, 1, 1 }, // counts as a lock file in the chosen folder only
         { "a.tsv", 0, 0, 0 },
         { "a.png", 0, 0, 0 },
     };
@@ -83,7 +83,7 @@ TEST_F(BatchTest, whichFilesAreReadDependsOnWhereTheyLie)
     }
 }
 
-TEST_F(BatchTest, whatReadsAFileIsToldByItsName)
+TEST_F(BatchTest, theReadersOfAFileDependOnItsName)
 {
     using enum FileReader;
     using Readers = std::vector<FileReader>;
@@ -154,12 +154,12 @@ TEST_F(BatchTest, subfoldersOnlyWhileTheBoxIsTicked)
     drop({ tree.path() });
     EXPECT_EQ(rows(), Rows{ "a@y.org" });
     desktop.willSelect(tree.path());
-    window().PushButton1.Push(); // walks them whatever the box says, and reads no .csv
+    window().PushButton1.Push(); // walks subfolders even without the tick, and reads no .csv
     EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b@y.org" }));
     EXPECT_FALSE(window().ProgressText.Visible()) << "this entry leaves it as the walk left it";
 }
 
-TEST_F(BatchTest, treesThatAreNoTrees)
+TEST_F(BatchTest, loopsLinksPipesAndDeepFolders)
 {
     const TempFolder tree;
     tree.write("sub/one.txt", "a@y.org");
@@ -186,7 +186,7 @@ TEST_F(BatchTest, stopIsSeenBetweenTheFolders)
         for (const char* file : { "/a.txt", "/b.txt" })
             tree.write(sub + std::string(file), sub + std::string("@y.org"));
     }
-    // As a click that comes while the first folder is walked.
+    // Like a click while the first folder is walked.
     Timer click("click", 0);
     click.Action = [&] {
         click.setEnabled(false);
@@ -267,7 +267,7 @@ TEST_F(BatchTest, dropsOfFilesAndFolders)
     EXPECT_TRUE(window().searchStop.Enabled());
 }
 
-TEST_F(BatchTest, whatAFailedSearchHasFoundStands)
+TEST_F(BatchTest, theFindsOfAFailedSearchStayInTheList)
 {
     const TempFolder tree;
     tree.write("one.txt", "a@y.org A@y.org logo@2x.png");
@@ -295,7 +295,7 @@ TEST_F(BatchTest, whatAFailedSearchHasFoundStands)
     EXPECT_EQ(rows(), expected);
     EXPECT_EQ(window().rCounter, 0);
 
-    // What ends the worker does not end the walk.
+    // An error that ends the worker does not end the walk.
     tree.write("below/deeper/c.txt", "c@y.org");
     desktop.willSelect(tree / "below");
     willReport("The search of the folders below goes on.");
@@ -305,7 +305,7 @@ TEST_F(BatchTest, whatAFailedSearchHasFoundStands)
 
 TEST_F(BatchTest, foldersWithoutFilesAreEnteredOnce)
 {
-    // Two links to the next folder in each of forty: a walk that enters all of them takes a lifetime.
+    // Forty folders, each with two links to the next: a walk that follows all of them would never end.
     const TempFolder tree;
     const std::filesystem::path root = tree.path();
     for (int i = 0; i < 40; ++i) {
@@ -316,7 +316,7 @@ TEST_F(BatchTest, foldersWithoutFilesAreEnteredOnce)
             std::filesystem::create_directory_symlink(
                 root / "chain" / std::to_string(i + 1), root / name / link);
     }
-    // Every folder has links to all others: each way through them is a different one.
+    // Every folder has links to all others, so there are very many ways through them.
     for (int i = 0; i < 12; ++i) {
         for (int j = 0; j < 12; ++j) {
             tree.makeFolder("web/" + std::to_string(i));
@@ -325,7 +325,7 @@ TEST_F(BatchTest, foldersWithoutFilesAreEnteredOnce)
                     root / "web" / std::to_string(j), root / "web" / std::to_string(i) / std::to_string(j));
         }
     }
-    // A folder that has no file for as long as it is entered from the one to which its link leads.
+    // A folder in which no file is found if it is entered from the folder to which its link leads.
     tree.write("sub/with/a.txt", "a@y.org");
     tree.makeFolder("sub/with/empty");
     std::filesystem::create_directory_symlink(root / "sub/with", root / "sub/with/empty/up");
@@ -335,7 +335,7 @@ TEST_F(BatchTest, foldersWithoutFilesAreEnteredOnce)
     EXPECT_EQ(window().rCounter, 2) << "once by its folder, once by the link in the other one";
 }
 
-TEST_F(BatchTest, theFinishLineTellsWhatWasNotRead)
+TEST_F(BatchTest, theFinishLinesHelpTellsWhichFilesWereNotRead)
 {
     const TempFolder tree;
     tree.write("a.txt", "a@y.org");
@@ -358,8 +358,8 @@ TEST_F(BatchTest, theFinishLineTellsWhatWasNotRead)
         << window().account.text();
 }
 
-/// The rules written out: every row is compared with every other one.
-TEST_F(BatchTest, anyOrderOfOperationsLeavesWhatTheRulesSay)
+/// Compares the list with a simple model, in which every row is compared with every other one.
+TEST_F(BatchTest, anyOrderOfOperationsLeavesTheRowsOfTheModel)
 {
     std::mt19937 random(1);
     const auto below = [&random](std::size_t count) { return random() % count; };
@@ -399,7 +399,7 @@ TEST_F(BatchTest, anyOrderOfOperationsLeavesWhatTheRulesSay)
                 w.resultArray.append(staged.back());
             }
             break;
-        case 3: // as the end of a dropped item
+        case 3: // like the end of a dropped item
             model.insert(model.end(), staged.begin(), staged.end());
             w.flushStagedRows();
             w.checkDuplicates();
@@ -409,7 +409,7 @@ TEST_F(BatchTest, anyOrderOfOperationsLeavesWhatTheRulesSay)
             w.checkDuplicates();
             check();
             break;
-        case 5: { // as Keep and Remove
+        case 5: { // like Keep and Remove
             if (model.empty() || below(3) > 0)
                 break;
             Rows arranged;

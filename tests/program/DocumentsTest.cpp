@@ -9,7 +9,7 @@ namespace quilvane {
 namespace {
 
 const std::string samples = QUILVANE_SAMPLES;
-/// The engine with its event in reach.
+/// The engine with a public event.
 class LoudEngine : public MyDynaPDFMBS {
 public:
     using MyDynaPDFMBS::Event_Error;
@@ -28,7 +28,7 @@ TEST_F(DocumentsTest, onlyTheLastPageOfAPdfCounts)
     EXPECT_EQ(window().Slider1.Value(), 2);
     EXPECT_EQ(window().results.Text(), "Total: " + std::to_string(first.size()) + " entries.");
 
-    // Again, with the slider where the first document has left it.
+    // Again, with the slider where the first document left it.
     window().clearBtn.Push();
     searchFile(samples + "/flyer.pdf");
     EXPECT_EQ(rows(), first);
@@ -38,7 +38,7 @@ TEST_F(DocumentsTest, onlyTheLastPageOfAPdfCounts)
     EXPECT_NE(window().searchText2.find('@'), std::string::npos) << "the first page has addresses, too";
 }
 
-TEST_F(DocumentsTest, aPdfThatCannotBeReadGoesThroughAllItsMessages)
+TEST_F(DocumentsTest, aPdfThatCannotBeReadShowsAllItsMessages)
 {
     const std::string path = folder.write("bad.pdf", "no PDF at all");
     addRows({ "a@b.co" });
@@ -52,7 +52,7 @@ TEST_F(DocumentsTest, aPdfThatCannotBeReadGoesThroughAllItsMessages)
     EXPECT_EQ(rows(), std::vector<std::string>{ "a@b.co" });
 }
 
-TEST_F(DocumentsTest, warningsCanBeIgnoredAndErrorsCannot)
+TEST_F(DocumentsTest, warningsCanBeIgnoredButErrorsCannot)
 {
     using Button = MessageDialog::Button;
     const std::string warning = "A warning occurred while processing your PDF code.";
@@ -92,7 +92,7 @@ TEST_F(DocumentsTest, unreadableWordFilesOfAFolderGiveTheSampleAddress)
     EXPECT_EQ(window().rCounter, 1);
 }
 
-TEST_F(DocumentsTest, aPdfInADroppedFolderFindsWhatTheFileBeforeHasLeft)
+TEST_F(DocumentsTest, aPdfInADroppedFolderFindsTheTextOfThePreviousFileAgain)
 {
     const TempFolder tree;
     const std::string pdf = tree.write("where.pdf", "other@y.org");

@@ -70,7 +70,7 @@ TEST_F(ExportTest, failingWriteLeavesTheGoodFile)
 {
     folder.write("list.csv", "good");
     addRows(std::vector<std::string>(1000, "somebody@example.org"));
-    // The system stops the writing in the middle, as a full disk does.
+    // A limit on file sizes stops the writing in the middle, like a full disk.
     rlimit old{};
     getrlimit(RLIMIT_FSIZE, &old);
     rlimit small = old;
@@ -88,7 +88,7 @@ TEST_F(ExportTest, failingWriteLeavesTheGoodFile)
     EXPECT_EQ(folder.count(), 1) << "nothing half-written is left";
 }
 
-TEST_F(ExportTest, missingDefaultApplicationIsReportedAfterTheWriting)
+TEST_F(ExportTest, missingDefaultApplicationIsReportedAfterTheExport)
 {
     addRows({ "a@b.co" });
     desktop.launchSucceeds = false;

@@ -19,8 +19,8 @@ using Boxes = std::vector<CheckBox filterWIn::*>;
 
 class FilterTest : public ProgramTest {
 protected:
-    /// What is left of `rows` once the boxes are ticked, `text` typed into all fields, and the button
-    /// pressed.
+    /// Ticks the boxes, types `text` into all fields and presses the button. Returns the rows that are left
+    /// of `rowsBefore`.
     Rows press(
         PushButton F::*button, const Rows& rowsBefore, const Boxes& boxes, const std::string& text = {})
     {
@@ -89,7 +89,7 @@ TEST_F(FilterTest, keepInTheProgram)
     window().filterBtn.Push();
     filterWIn& dialog = implicit<filterWIn>();
     dialog.checkCom.setValue(true);
-    dialog.check2.setValue(true); // without a text: goes off again
+    dialog.check2.setValue(true); // has no text, so it is unticked again
     dialog.keepBtn.Push();
     EXPECT_EQ(rows(), (Rows{ "c@x.com", "a@x.com" }));
     EXPECT_EQ(window().results.Text(), "2 Entries");
@@ -122,7 +122,7 @@ TEST_F(FilterTest, removeInTheProgram)
     EXPECT_EQ(rows(), (Rows{ "a@x.com", "c@x.com" }));
 }
 
-TEST_F(FilterTest, badPatternsAreReportedAndTheListStandsAsFarAsTheFiltersGot)
+TEST_F(FilterTest, badPatternsAreReportedAndEarlierFiltersHaveTheirEffect)
 {
     const Rows all{ "a@x.com", "b@x.org" };
     addRows(all);

@@ -16,7 +16,7 @@ namespace quilvane {
 
 inline const std::string nothingFound = "Finished searching. No email addresses detected.";
 
-/// The whole program but its event loop, in a home of its own, with a main window and a scripted desktop.
+/// The whole program without its event loop, with its own data folder, a main window and a scripted desktop.
 class ProgramTest : public testing::Test {
 protected:
     ProgramTest();

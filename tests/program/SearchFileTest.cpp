@@ -124,7 +124,7 @@ TEST_F(SearchFileTest, clearList)
         EXPECT_FALSE(off->Enabled()) << off->Name();
 }
 
-TEST_F(SearchFileTest, folderFormNobodyCallsCountsNothingAndTotalsBeforeTheRemoval)
+TEST_F(SearchFileTest, doCSVFolderCountsNothingAndTotalsBeforeTheRemoval)
 {
     folder.write("a.csv", "x@y.org X@y.org");
     window().doCSVFolder(GetFolderItem(folder / "a.csv"));

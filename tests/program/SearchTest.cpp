@@ -74,7 +74,7 @@ TEST_F(SearchTest, theTwoWaysEndDifferently)
     EXPECT_EQ(rows().size(), 3U) << "the main list is not changed";
 }
 
-TEST_F(SearchTest, resultsLiveByThemselves)
+TEST_F(SearchTest, resultsDoNotChangeWithTheMainList)
 {
     addRows({ "a@x.com" });
     Window2& first = search("a", nullptr);
@@ -97,7 +97,7 @@ TEST_F(SearchTest, resultsLiveByThemselves)
     EXPECT_TRUE(isOpen<searchWin>());
 }
 
-TEST_F(SearchTest, resultsAreExportedAndBothCancelsSpeak)
+TEST_F(SearchTest, resultsAreExportedAndBothCancelsShowAMessage)
 {
     addRows({ "a@x.com" });
     Window2& found = search("", nullptr);

@@ -14,7 +14,7 @@ namespace quilvane {
 
 using StartUpTest = ProgramTest;
 
-TEST_F(StartUpTest, firstSightOfTheWindow)
+TEST_F(StartUpTest, stateOfTheWindowAtTheStart)
 {
     Window1& w = window();
     EXPECT_FALSE(w.results.Visible());
@@ -32,7 +32,7 @@ TEST_F(StartUpTest, runsFromStartToQuit)
     EXPECT_FALSE(isOpen<Window1>());
 }
 
-TEST_F(StartUpTest, quittingOverTheStartsErrorEndsTheProgram)
+TEST_F(StartUpTest, quittingDuringAnErrorOfTheStartEndsTheProgram)
 {
     class QuittingUser : public ScriptedDesktop {
     public:
@@ -51,7 +51,7 @@ TEST_F(StartUpTest, quittingOverTheStartsErrorEndsTheProgram)
     EXPECT_EQ(application->Run([] {}), 0);
 }
 
-TEST_F(StartUpTest, preferencesFileHoldsOneLineAsItStands)
+TEST_F(StartUpTest, preferencesFileHoldsOneUncheckedLine)
 {
     struct Case {
         const char* name;

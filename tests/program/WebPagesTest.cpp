@@ -16,11 +16,11 @@
 namespace {
 
 constexpr const char* hostWithoutEnd = "without-end.invalid";
-std::mutex lookingUp; // as long as a test holds it, the search for that host has no end
+std::mutex lookingUp; // while a test holds it, the look-up of that host does not end
 
 } // namespace
 
-/// Takes the place of the C library's for the network library as well.
+/// Replaces the C library's function, for the network library as well.
 extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result)
 {
     if (node && std::string_view(node) == hostWithoutEnd) {
@@ -147,7 +147,7 @@ TEST_F(WebPagesTest, failuresLeaveTheAddress)
     }
 }
 
-TEST_F(WebPagesTest, typingAsksNobodyAndASearchAsksOnce)
+TEST_F(WebPagesTest, typingSendsNoRequestAndASearchSendsOne)
 {
     Window1& w = window();
     server.page("/page", "x@y.org");
@@ -167,7 +167,7 @@ TEST_F(WebPagesTest, typingAsksNobodyAndASearchAsksOnce)
     EXPECT_EQ(rows(), Rows{ "x@y.org" });
 }
 
-TEST_F(WebPagesTest, waitingForAPageEndsAtTheUsersWish)
+TEST_F(WebPagesTest, waitingForAPageEndsWhenTheUserCancels)
 {
     Window1& w = window();
     server.answer("/stalled", "HTTP/1.1 200 OK\r\n\r\nx@y.org", WebServer::Ending::Stall);

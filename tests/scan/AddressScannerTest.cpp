@@ -47,21 +47,21 @@ const std::vector<Case> cases{
     { "a@b.co.c", { "a@b.co" } },
     { "a@b.co1.de_", {} },
     { "a@b.co..", { "a@b.co" } },
-    // What stands for the domain before the last dot.
+    // The domain before the last dot.
     { "a@.co", {} },
     { "a@-.co", { "a@-.co" } },
     { "a@_.co", {} },
-    // Where the local part begins.
+    // The beginning of the local part.
     { "x...@y.org", { "x...@y.org" } },
     { "_@y.org", { "_@y.org" } },
     { "\xc3\xa4.x@y.org", { "x@y.org" } },
-    // Right after a match a local part may begin on any of its bytes, but not on an '@'.
+    // Right after a match a local part may begin with any of its bytes, but not with an '@'.
     { "a@b.com-x@y.org", { "a@b.com", "-x@y.org" } },
     { "a@b.com%+@y.org+@z.de", { "a@b.com", "%+@y.org", "+@z.de" } },
     { "a@b.com@y.org", { "a@b.com" } },
     { "a@b.com @y.org -x@y.org", { "a@b.com", "x@y.org" } },
     { "a@b@c.de", { "b@c.de" } },
-    // Runs as long as the bytes that are looked at together, and one less and more.
+    // Runs as long as the bytes that the AVX2 kernel examines at once, and one byte shorter and longer.
     { l32 + "@b.com", { l32 + "@b.com" } },
     { "." + l33 + "@b.com", { l33 + "@b.com" } },
     { "a@b.com-" + l33 + "@y.org", { "a@b.com", "-" + l33 + "@y.org" } },
@@ -82,8 +82,8 @@ Texts scanned(std::string_view text, Kernel kernel)
     return Texts(matches.begin(), matches.end());
 }
 
-/// Texts that are likely to be on the border between match and no match, or of what a kernel looks at at
-/// once.
+/// Texts that are likely to be at the border between match and no match, or of the bytes that a kernel
+/// examines at once.
 class NastyTexts {
 public:
     explicit NastyTexts(std::uint64_t seed)
@@ -102,7 +102,7 @@ public:
     }
 
 private:
-    /// Bytes of a small alphabet drawn anew for each text.
+    /// Bytes of a small alphabet, which is chosen anew for each text.
     void addBytes()
     {
         std::string alphabet;
@@ -157,7 +157,7 @@ TEST(AddressScanner, findsTheAddressesOfEachCase)
     }
 }
 
-TEST(AddressScanner, goesOnGivingNothingAtTheEnd)
+TEST(AddressScanner, givesNothingAfterTheEnd)
 {
     for (const Kernel kernel : supportedKernels()) {
         AddressScanner scanner("a@b.com ", kernel);
@@ -168,7 +168,7 @@ TEST(AddressScanner, goesOnGivingNothingAtTheEnd)
     }
 }
 
-TEST(AddressScanner, findsWhatThePatternFinds)
+TEST(AddressScanner, findsTheMatchesOfThePattern)
 {
     constexpr std::size_t rounds = 6'000'000;
     const PatternOracle oracle(PatternOracle::addressPattern);
@@ -192,7 +192,7 @@ TEST(AddressScanner, findsWhatThePatternFinds)
 
 TEST(AddressScanner, readsNoByteOutsideTheText)
 {
-    // A page that can be read between two that can't.
+    // A readable page between two that can't be read.
     const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     void* map = mmap(nullptr, 3 * pageSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(map, MAP_FAILED);

@@ -26,7 +26,8 @@ bool equalAsTextIs(const std::string& a, const std::string& b)
     return a.size() == b.size() && ::strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
-/// Names of pictures go, then every pair is compared from the bottom up and the lower of two equal rows goes.
+/// Removes names of pictures, then compares every pair from the bottom up and removes the lower one of two
+/// equal rows.
 Rows pairwiseSurvivors(Rows rows)
 {
     rows.erase(std::remove_if(rows.begin(), rows.end(), looksLikePictureName), rows.end());
@@ -39,7 +40,7 @@ Rows pairwiseSurvivors(Rows rows)
     return rows;
 }
 
-/// Removes from `rows` what the index takes away. Gives the number of steps.
+/// Removes from `rows` the rows that do not stay. Returns the number of steps.
 int check(DuplicateIndex& index, Rows& rows)
 {
     const std::size_t known = index.knownRows();
@@ -62,11 +63,11 @@ int check(DuplicateIndex& index, Rows& rows)
 
 } // namespace
 
-TEST(DuplicateIndex, keepsWhatThePairwiseWalkKeeps)
+TEST(DuplicateIndex, keepsTheRowsThatPairwiseComparisonKeeps)
 {
     std::mt19937_64 random(4711);
     const auto below = [&random](std::size_t bound) { return random() % bound; };
-    // Bytes that differ in the case bit alone and are no letters must stay apart: @ and `, [ and {, 0xc1 and
+    // Bytes that are no letters but differ only in the case bit are different: @ and `, [ and {, 0xc1 and
     // 0xe1.
     const std::string_view alphabet = "aAzZ@`[{\xc1\xe1";
     for (int list = 0; list < 200; ++list) {
@@ -75,7 +76,7 @@ TEST(DuplicateIndex, keepsWhatThePairwiseWalkKeeps)
         const auto longest = 1 + below(20);
         const auto letters = 2 + below(alphabet.size() - 1);
         for (int step = 0; step < 20; ++step) {
-            // Often a few rows on many, which are worked on in another way than many.
+            // Often a few rows after many: few rows are handled differently.
             for (auto count = below(4) == 0 ? below(80) : below(6); count > 0; --count) {
                 std::string row(below(2) == 0 ? 0 : 8 * below(3), 'x');
                 for (auto length = below(longest); length > 0; --length)
@@ -85,11 +86,11 @@ TEST(DuplicateIndex, keepsWhatThePairwiseWalkKeeps)
                 rows.push_back(row);
             }
             switch (below(12)) {
-            case 0: // rows are kept in another order
+            case 0: // the rows are reordered
                 std::reverse(rows.begin(), rows.end());
                 index.forget();
                 break;
-            case 1: // and removed
+            case 1: // rows are removed
                 rows.erase(rows.begin() + std::ssize(rows) / 2, rows.end());
                 index.forget();
                 break;
@@ -97,7 +98,7 @@ TEST(DuplicateIndex, keepsWhatThePairwiseWalkKeeps)
                 rows.clear();
                 index.forget();
                 break;
-            case 3: { // one that something ends
+            case 3: { // a pass that is not completed
                 DuplicateIndex::Pass pass(
                     index, rows.size(), [&rows](std::size_t row) -> std::string_view { return rows[row]; });
                 pass.step();
@@ -115,9 +116,9 @@ TEST(DuplicateIndex, keepsWhatThePairwiseWalkKeeps)
     }
 }
 
-// Among so many rows about ten pairs of different ones have the same 32-bit hash, and one in each of the
-// later passes has that of a known row: it takes their texts to tell them apart, and to tell the rows that
-// equal one of such a pair.
+// Among so many rows about ten pairs of different rows have the same 32-bit hash, and in each later pass one
+// row has the hash of a known one. Only their texts tell them apart, and tell which of a pair another row
+// equals.
 TEST(DuplicateIndex, tellsRowsOfEqualHashApart)
 {
     const auto address = [](const char* user, int i) { return user + std::to_string(i) + "@example.org"; };

@@ -22,7 +22,7 @@ std::string_view feed(TextPieces& pieces, std::string_view bytes)
 
 } // namespace
 
-TEST(TextPieces, cutAfterTheLastByteThatNoAddressHolds)
+TEST(TextPieces, areCutAfterTheLastByteThatNoAddressHolds)
 {
     TextPieces pieces(64);
     EXPECT_EQ(feed(pieces, "to: a@b.c"), "to: ");

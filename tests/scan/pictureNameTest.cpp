@@ -15,7 +15,7 @@ TEST(PictureName, isWhatThePatternFinds)
 {
     const PatternOracle oracle(PatternOracle::picturePattern);
     std::mt19937_64 random(20240229);
-    // 0 is P and 0xf0 is p but for one bit. The zero byte at the end is part of it.
+    // 0 differs from P, and 0xf0 from p, in one bit only. The zero byte at the end belongs to the alphabet.
     constexpr char alphabet[] = "pngPNGx.\n\r0\x80\xf0";
     std::string text;
     int found = 0;

@@ -42,7 +42,7 @@ FailingReads::~FailingReads()
 
 } // namespace quilvane
 
-/// Stands before the C library's, as the test's own functions do for all that is linked into it.
+/// Replaces the C library's function: a program's own functions come first.
 extern "C" ssize_t read(int descriptor, void* into, std::size_t count)
 {
     if (quilvane::isFailing(descriptor)) {

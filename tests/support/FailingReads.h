@@ -6,8 +6,8 @@
 
 namespace quilvane {
 
-/// Makes the disk fail, while it lives, at a byte of every file whose path holds a text: a read that would
-/// go beyond that byte gives what is before it, and the next one fails with EIO.
+/// While it exists, reads fail at `atByte` of every file whose path contains `inPath`: a read that would go
+/// beyond that byte gives the bytes before it, and the next one fails with EIO.
 class FailingReads {
 public:
     FailingReads(std::string inPath, long atByte);

@@ -14,9 +14,8 @@
 
 namespace quilvane {
 
-/// What PCRE2 finds with a pattern, ignoring ASCII case and taking bytes for characters: the judge of code
-/// that does the same by hand. Uses PCRE2's compiler to machine code. Throws std::runtime_error for whatever
-/// fails.
+/// What PCRE2 finds with a pattern, ignoring ASCII case and with bytes as characters: the reference for code
+/// that does the same by hand. Uses PCRE2's JIT compiler. Throws std::runtime_error for every failure.
 class PatternOracle {
 public:
     static constexpr const char* addressPattern = R"(\b[A-Z0-9._%+-]+@[A-Z0-9.-]+\.[A-Z]{2,}\b)";
@@ -48,7 +47,7 @@ public:
         return text.substr(bounds[0], bounds[1] - bounds[0]);
     }
 
-    /// Every match, each searched for from the end of the one before. For patterns without empty matches.
+    /// Every match, each searched from the end of the previous one. For patterns without empty matches.
     std::vector<std::string_view> findAll(std::string_view text) const
     {
         std::vector<std::string_view> matches;
@@ -68,7 +67,7 @@ private:
 
     static PCRE2_SPTR unitsOf(std::string_view text)
     {
-        // PCRE2 takes no null pointer, which is what an empty view may hold.
+        // PCRE2 does not accept a null pointer, which an empty view may hold.
         return reinterpret_cast<PCRE2_SPTR>(text.data() ? text.data() : "");
     }
 

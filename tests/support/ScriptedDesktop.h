@@ -10,9 +10,9 @@
 
 namespace quilvane {
 
-/// Answers the program's dialogs by a plan made beforehand, in order. A dialog that was not planned, or that
-/// shows another text than planned, fails the test with its text and is answered as a user who cancels; a
-/// planned one that never came fails it, too. In place of the real desktop while it lives.
+/// Replaces the real desktop while it exists, and answers the program's dialogs by a plan, in order. A dialog
+/// that was not planned fails the test with its text and is cancelled; one with another text than planned
+/// fails it, and so does a planned one that never came.
 class ScriptedDesktop : public Desktop {
 public:
     ScriptedDesktop();
@@ -29,20 +29,20 @@ public:
     {
         plan({ .kind = "question", .texts = { std::move(text) }, .button = button });
     }
-    /// Each of `texts` must stand somewhere in the report.
+    /// Each of `texts` must be somewhere in the report.
     void willReport(std::vector<std::string> texts) { plan({ .kind = "error", .texts = std::move(texts) }); }
 
     using BytesSoFar = std::function<std::optional<std::uint64_t>()>;
-    /// A page takes so long that the user looks on, who says whether to go on waiting. Unplanned, the page is
-    /// waited for: the machine may be slow.
+    /// A page takes so long that the dialog opens; `user` returns whether to go on waiting. If this is not
+    /// planned, the page is waited for, since the machine may be slow.
     void willLookOn(std::function<bool(std::string_view host, const BytesSoFar& bytesSoFar)> user)
     {
         plan({ .kind = "page", .user = std::move(user) });
     }
 
-    /// What the save dialog offered last.
+    /// The name that the last save dialog offered.
     std::string offeredName;
-    /// Paths that were handed to their default application.
+    /// Paths that were opened in their default application.
     std::vector<std::string> launched;
     bool launchSucceeds = true;
 

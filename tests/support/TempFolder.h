@@ -13,7 +13,7 @@
 
 namespace quilvane {
 
-/// A folder of a test's own, which goes with all that is in it when the test ends.
+/// A temporary folder for one test; its destructor deletes it with its content.
 class TempFolder {
 public:
     TempFolder()
@@ -33,7 +33,7 @@ public:
 
     const std::string& path() const { return m_path; }
 
-    /// The path of something in the folder, there or not.
+    /// The path of an item in the folder; it need not exist.
     std::string operator/(std::string_view name) const { return m_path + '/' + std::string(name); }
 
     /// Writes a file, with the folders that lead to it, and returns its path.

@@ -26,17 +26,17 @@
 namespace quilvane {
 
 /// A web server on the loopback interface, with a certificate for 127.0.0.1 that is made for the run. It
-/// answers each path with the bytes that the test gives it, so that it can misbehave in any way. Ends with
-/// all its connections when it goes.
+/// answers each path with the bytes that the test gives it, so that it can misbehave in any way. Its
+/// destructor ends all connections.
 class WebServer {
 public:
     enum class Scheme { Http, Https };
     enum class Ending {
         Close,
-        CutOff, // without the end of the encryption
-        Stall, // nothing more comes, and the connection stays
-        Endless, // the answer comes again and again
-        Drip, // a letter now and then
+        CutOff, // without a regular end of the encryption
+        Stall, // then it sends nothing more and keeps the connection open
+        Endless, // it sends the answer again and again
+        Drip, // then it sends a letter now and then
     };
 
     explicit WebServer(Scheme scheme = Scheme::Https, in_addr_t host = INADDR_LOOPBACK)
@@ -66,7 +66,7 @@ public:
         const std::lock_guard lock(m_mutex);
         m_answers[path] = { std::move(bytes), ending };
     }
-    /// An answer with a header that fits.
+    /// An answer with a matching header.
     void page(const std::string& path, const std::string& body, const std::string& moreHeaders = {})
     {
         const std::string length = "Content-Length: " + std::to_string(body.size());
@@ -78,7 +78,7 @@ public:
         return (m_context ? "https://" : "http://") + std::string(host) + ':' + std::to_string(m_port)
             + std::string(path);
     }
-    /// What a client must trust.
+    /// The certificate that a client must trust.
     std::string authoritiesFile() const { return m_folder / "certificate.pem"; }
     /// The paths that were asked for, in order.
     std::vector<std::string> requests() const
@@ -99,7 +99,7 @@ private:
             throw std::runtime_error(std::string("the test's web server failed: ") + what);
     }
 
-    /// Waits for something to read; false when the server is to end first.
+    /// Waits until there is something to read; false if the server must end first.
     static bool waitFor(int socket, const std::stop_token& stop)
     {
         pollfd waiting{ socket, POLLIN, 0 };
@@ -161,7 +161,7 @@ private:
         ::close(socket);
     }
 
-    /// Empty for a path that the test has not given.
+    /// Empty for a path that the test has not defined.
     Answer answerTo(const std::string& path)
     {
         const std::lock_guard lock(m_mutex);
@@ -193,7 +193,7 @@ private:
     mutable std::mutex m_mutex; // guards the two below
     std::map<std::string, Answer> m_answers;
     std::vector<std::string> m_requests;
-    std::jthread m_acceptor; // first to go
+    std::jthread m_acceptor; // destroyed first
 };
 
 } // namespace quilvane

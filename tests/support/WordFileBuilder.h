@@ -30,7 +30,7 @@ inline void padTo(std::string& bytes, std::size_t multiple)
     bytes.resize((bytes.size() + multiple - 1) / multiple * multiple);
 }
 
-/// UTF-16 of ASCII.
+/// ASCII as UTF-16, little-endian.
 inline std::string wide(std::string_view text)
 {
     std::string bytes;
@@ -39,8 +39,8 @@ inline std::string wide(std::string_view text)
     return bytes;
 }
 
-/// A compound file with streams of any size, each in large sectors one after the other: the directory first,
-/// the streams in their order, the allocation table last. The names hang below each other in one long branch.
+/// A compound file with streams of any size, each in consecutive large sectors: the directory first, the
+/// streams in their order, the allocation table last. The tree of names is one long branch.
 inline std::string compoundFile(const std::vector<std::pair<std::string, std::string>>& streams)
 {
     constexpr std::size_t sectorSize = 512;
@@ -109,7 +109,7 @@ struct WordFileBuilder {
     unsigned version = 193; // Word 97
     unsigned flags = 0;
     unsigned language = 0x0409;
-    /// The list of property changes that stands before the pieces.
+    /// The list of property changes before the pieces.
     std::string changes{};
     bool hasPieceTable = true;
     std::string mainName = "WordDocument";
@@ -122,7 +122,7 @@ struct WordFileBuilder {
         std::string positions, descriptors, borders, lists;
         std::size_t position = 0;
         std::string page(512, '\0');
-        // The pieces stand in the stream in reverse order, as changes saved fast may do.
+        // The pieces are in the stream in reverse order, as they may be in a fast-saved document.
         std::vector<std::size_t> begins(pieces.size());
         for (std::size_t i = pieces.size(); i-- > 0;) {
             begins[i] = text.size();
@@ -166,8 +166,8 @@ struct WordFileBuilder {
     }
 };
 
-/// A document of Word 2. Its text stands in the file in one piece, or, with `flags` & 4, in pieces that a
-/// table puts into order, the last one first.
+/// A document of Word 2. Its text is in the file in one piece, or, with `flags` & 4, in pieces with a table
+/// of their order, the last one first.
 inline std::string word2File(
     const std::vector<std::string>& pieces, unsigned flags = 0, unsigned language = 0x409)
 {

@@ -31,7 +31,7 @@ public:
         return list(name, packed.size(), method);
     }
 
-    /// Lists the file that was added last once more, under another name.
+    /// Lists the file that was added last again, under another name.
     ZipBuilder& list(std::string_view name, std::size_t packedSize, Method method)
     {
         m_directory += "PK\1\2" + littleEndian(20, 2) + commonHeader(name, packedSize, method)
@@ -48,7 +48,7 @@ public:
             + littleEndian(0, 2);
     }
 
-    /// `content`, then `unit` so many times: gigabytes cost no more than what they are packed into.
+    /// `content`, then `unit` so many times. Gigabytes need only the memory of their packed form.
     static std::string deflated(std::string_view content, std::string_view unit = {}, std::size_t count = 0)
     {
         z_stream stream{};
@@ -79,7 +79,7 @@ private:
         return packed;
     }
 
-    /// What the header before a file and its entry in the directory have in common. No check sum is made.
+    /// The common part of the header before a file and its entry in the directory. Without a check sum.
     static std::string commonHeader(std::string_view name, std::size_t packedSize, Method method)
     {
         return littleEndian(20, 2) + littleEndian(0, 2) + littleEndian(static_cast<std::size_t>(method), 2)

@@ -30,7 +30,7 @@ inline std::vector<std::string_view> scanWhole(std::string_view text, AddressSca
     return matches;
 }
 
-/// Scans the text as a stream whose every read fills the room that there is.
+/// Scans the text as a stream; every read fills the whole room.
 inline std::vector<std::string> scanInPieces(
     std::string_view text, std::size_t pieceSize, AddressScanner::Kernel kernel)
 {
@@ -50,7 +50,7 @@ inline std::vector<std::string> scanInPieces(
     return matches;
 }
 
-/// Whether both hold the same places of the same text.
+/// Whether both are the same views into the same text.
 inline bool samePlaces(const std::vector<std::string_view>& a, const std::vector<std::string_view>& b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),

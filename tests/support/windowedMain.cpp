@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The main of the tests that need windows: on no screen, and with every warning of Qt a failure.
+// The main function of the tests that need windows: they run without a screen, and every warning of Qt is a
+// failure.
 
 #include "framework/Runtime.h"
 
@@ -14,8 +15,8 @@ namespace {
 
 void failOnWarning(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
-    // Of the machine, not of the program: without a screen no window comes to the front or holds the
-    // keyboard, without a session there is no folder for its run.
+    // These come from the machine and not from the program: without a screen no window can be raised or get
+    // the focus, and without a session there is no runtime folder.
     if (message.startsWith("This plugin does not support ") || message.startsWith("QStandardPaths: "))
         return;
     if (type != QtDebugMsg && type != QtInfoMsg)
@@ -28,7 +29,7 @@ int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    // The desktop at hand is to choose neither colours nor dialogs.
+    // The machine's desktop must not choose colours or dialogs.
     setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
     setenv("QT_QPA_PLATFORMTHEME", "none", 1);
     qInstallMessageHandler(failOnWarning);
