@@ -33,12 +33,12 @@ public:
     std::string myProgressText; // what Timer1 copies to ProgressText
     std::vector<std::string> itemArrayZ; // native paths of the files that the worker reads
     std::vector<std::string> subFolderArrayZ; // native paths of the folders in the searched one
-    std::string searchText; // the text of a PDF page that is still to be scanned
+    std::string searchText; // the text of a PDF page that is not scanned yet
     std::string searchText2; // the PDF page loaded last
     StagedRows resultArray; // addresses found that are not yet rows
     bool stopSwitch = false; // the user asked to stop
-    Ref<FolderItem> myFile; // the dropped item in hand; stays from drop to drop
-    std::int64_t counter = 0; // the index in itemArrayZ of the file in hand
+    Ref<FolderItem> myFile; // the current dropped item; kept after the drop
+    std::int64_t counter = 0; // the index in itemArrayZ of the current file
     std::string currentFile; // its path, or, once doTextThread reads it, its name
     std::int64_t rCounter = 0; // matches of the run, duplicates included
     RunAccount account; // what was read and what was not
@@ -48,7 +48,7 @@ public:
     /// Reads a delimited file from `opened`, a stream of `f`.
     void doCSVFolderThread(const Ref<FolderItem>& f, const Ref<TextInputStream>& opened);
     /// Reads a Word file; finds a sample address in one that can't be read, so that the user sees that there
-    /// was one. Passes over the lock file of a document that is open elsewhere.
+    /// was one. Skips the lock file of a document that is open in another program.
     void doWordFolderThread(const Ref<FolderItem>& f);
     /// Stages and counts the addresses in searchText. If it is empty, stages and counts once more those of
     /// the text that any reader read last.

@@ -33,7 +33,7 @@ public:
     /// The first element that has not been flushed yet; from now on all count as flushed. First removes what
     /// the list would not keep: pictures' names, and of addresses that differ only in case all but the first.
     std::size_t beginFlush();
-    /// The list has lost rows, so all that is staged is to be flushed again.
+    /// The list has lost rows, so all staged rows must be flushed again.
     void unmark() { m_flushed = 0; }
 
     /// Returns all rows and is empty afterwards. `index` receives their index, which may know only the first

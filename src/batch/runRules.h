@@ -19,7 +19,7 @@ inline constexpr const char* lockFilePattern = "~\\$";
 /// What the three ways to search a folder do differently. All of it is wanted.
 struct RunRules {
     /// Each pattern that is found in the whole name of a child of the folder lists that child once more for
-    /// the worker: a.txt.csv stands there twice.
+    /// the worker: a.txt.csv is listed twice.
     std::span<const char* const> listedNames;
     /// Names in which this is found are not listed. Null leaves out none.
     const char* leftOut;

@@ -14,7 +14,7 @@ enum class ExportFormat {
 enum class OnCancel { Silent, ShowMessage };
 
 /// Asks where to save the list, writes it there and opens the file. Throws OutOfBoundsException for an empty
-/// list, before the user is asked. `onCancel` tells what follows a cancelled dialog. A file that can't be
+/// list, before the user is asked. `onCancel` tells what to do after a cancelled dialog. A file that can't be
 /// written leaves an older one of that name as it was, and throws with the system's reason.
 void exportList(const Listbox& list, ExportFormat format, OnCancel onCancel);
 

@@ -46,9 +46,9 @@ public:
     OnlyPainting& operator=(const OnlyPainting&) = delete;
 };
 
-/// While it exists, puts off all timers and the user's actions in the program's windows. For the time that a
-/// modal dialog is open: the handler that has opened it still runs, and must find its data unchanged. Mouse
-/// and keyboard can't reach the windows then; the accessibility bus can.
+/// While it exists, timers do not fire, and the user's actions in the program's windows are put off. Used
+/// while a modal dialog is open: the handler that has opened it must find its data unchanged. The dialog
+/// keeps mouse and keyboard from the windows, but not the accessibility bus.
 class EventsHeld {
 public:
     EventsHeld();

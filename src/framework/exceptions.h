@@ -26,7 +26,7 @@ public:
 class OutOfBoundsException : public RuntimeException {
 public:
     using RuntimeException::RuntimeException;
-    /// `what` names the thing indexed, as in "list row".
+    /// `what` names the elements, such as "list row".
     OutOfBoundsException(std::string_view what, std::size_t index, std::size_t count);
 };
 

@@ -22,7 +22,7 @@ struct HashSeed {
     std::uint64_t second;
 };
 
-/// Drawn once per process.
+/// A random key, the same during the whole process.
 HashSeed processHashSeed();
 
 /// Decides which rows of a list stay at the end of a run. A row goes if it looks like the name of a picture,

@@ -130,7 +130,7 @@ constexpr ByteOrderMark byteOrderMarks[] = {
     { "\xFE\xFF", codePages::utf16BigEndian },
 };
 
-/// UTF-16 without a mark shows in the zero byte beside the first tag's '<'.
+/// UTF-16 without a mark is recognised by the zero byte beside the first tag's '<'.
 int wideCodePageOf(std::string_view html)
 {
     using namespace std::string_view_literals;

@@ -8,10 +8,10 @@
 namespace quilvane {
 
 /// The text of a page's body as a reader sees it, UTF-8: scripts and styles are left out, white space is
-/// joined, and what stands in blocks of its own stands on lines of its own. Style sheets are not looked at,
-/// and no script is run; characters are in their plain forms (see plainForm()). The addresses in mailto:
-/// links come after the text, one a line, except those that are only the tail of an address in the text.
-/// Takes any bytes, loads nothing, and looks at each byte a bounded number of times.
+/// joined, and each block element has its own lines. Style sheets are ignored, and no script is run;
+/// characters are in their plain forms (see plainForm()). The addresses in mailto: links come after the text,
+/// one a line, except those that are only the tail of an address in the text. Takes any bytes, loads nothing,
+/// and looks at each byte a bounded number of times.
 ///
 /// The character set is that of a byte order mark, else `charset`, else what the page's head names, else
 /// UTF-8 if the page is valid in it, else windows-1252.

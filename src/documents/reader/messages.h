@@ -123,7 +123,7 @@ struct PdfEnd {
     bool operator==(const PdfEnd&) const = default;
 };
 
-/// The bytes of a message. What is longer than its bound must have been cut before.
+/// The bytes of a message. The caller must have cut texts that are longer than their limits.
 std::string encode(const ReaderGreeting& greeting);
 std::string encode(const ReaderOrder& order);
 std::string encode(const ReaderAnswer& answer);
@@ -131,7 +131,7 @@ std::string encode(const PdfOpening& opening);
 std::string encode(const PdfPage& page);
 std::string encode(const PdfEnd& end);
 
-/// Nothing for bytes that encode never makes.
+/// Nothing for bytes that are no result of encode().
 std::optional<ReaderGreeting> decodeGreeting(std::string_view bytes);
 std::optional<ReaderOrder> decodeOrder(std::string_view bytes);
 std::optional<ReaderAnswer> decodeAnswer(std::string_view bytes);

@@ -101,7 +101,7 @@ constexpr std::array plainCalls{ SCMP_SYS(read), SCMP_SYS(readv), SCMP_SYS(pread
     SCMP_SYS(getdents64), SCMP_SYS(setitimer), SCMP_SYS(sched_yield), SCMP_SYS(restart_syscall),
     SCMP_SYS(exit), SCMP_SYS(exit_group) };
 
-/// Stands in the filter for the id of the process itself, which closeSystemCalls() puts in its place.
+/// A placeholder in the filter, which closeSystemCalls() replaces by the id of the process.
 constexpr std::uint32_t ownProcess = 0x7A3B5C7D;
 
 /// The filter as a program for the kernel. The library takes a while to make one, and a child has no time for

@@ -57,7 +57,7 @@ private:
 
     Walls m_walls;
     int m_document;
-    /// Empty if it could not be made.
+    /// The filter of system calls; empty if it could not be made.
     std::vector<sock_filter> m_filter;
 };
 

@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view signature = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
 constexpr std::size_t headerSize = 512;
 
-// Where things stand in the header, in a directory entry ([MS-CFB] 2.2, 2.6.1).
+// Offsets in the header and in a directory entry ([MS-CFB] 2.2, 2.6.1).
 constexpr std::size_t sectorShiftAt = 30;
 constexpr std::size_t firstDirectorySectorAt = 48;
 constexpr std::size_t miniCutoffAt = 56;
@@ -92,8 +92,8 @@ CompoundFile::CompoundFile(std::string_view bytes)
 {
 }
 
-/// The header lists the first 109 sectors of the table; the others stand in sectors of their own, each of
-/// which ends in the number of the next.
+/// The header lists the first 109 sectors of the table; the others are listed in further sectors, each of
+/// which ends with the number of the next one.
 void CompoundFile::findAllocationTable()
 {
     const std::size_t entriesInSector = m_sectorSize / 4;

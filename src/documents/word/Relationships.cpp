@@ -13,7 +13,7 @@ namespace quilvane {
 
 namespace {
 
-/// By the last segment of the type's URI: what stands before differs between editions of the format.
+/// By the last segment of the type's URI, since the part before it differs between editions of the format.
 std::optional<Relationships::Kind> kindOf(std::string_view type)
 {
     using Kind = Relationships::Kind;

@@ -37,9 +37,9 @@ WordHeader::Place textPlace(std::string_view bytes)
     return { begin, end < begin ? 0 : end - begin };
 }
 
-/// As the "Word for Windows Binary File Format" of 1991 has it, in its section on the FIB: up to the place of
-/// the text the same as in later versions, then places of six bytes each, four of them for the beginning and
-/// two for the size. The one at 0x11E is that of the "complex part", which the other versions call CLX, too.
+/// From the section on the FIB in the "Word for Windows Binary File Format" of 1991. Up to the place of the
+/// text it is the same as in later versions. Then come places of six bytes each, four for the beginning and
+/// two for the size. The one at 0x11E is that of the "complex part", in later versions the CLX.
 WordHeader readWord2Header(std::string_view bytes)
 {
     constexpr std::size_t piecesAt = 0x11E;

@@ -17,7 +17,7 @@ struct WordHeader {
         std::uint32_t size = 0;
     };
 
-    /// Word 2, 6 and 95: their tables stand in the main stream, and their text is 8-bit but for `isWide`.
+    /// Word 2, 6 and 95: their tables are in the main stream, and their text is 8-bit, unless `isWide`.
     bool isOld = false;
     /// Word 2, whose main stream is the file itself.
     bool isOldest = false;

@@ -30,7 +30,7 @@ enum class WordXmlText::Role : std::uint8_t {
     Symbol,
     Deletion,
     CellDeletion,
-    Aside, // stands beside the paragraph that it is in
+    Aside, // a text beside the paragraph that it is in
     FieldMark,
     SimpleField,
     OldLink,
@@ -354,7 +354,7 @@ void WordXmlText::beginDeletion()
         skipThis();
 }
 
-/// Word 2003 XML: changes and comments stand in the text, told apart by their type.
+/// Word 2003 XML: changes and comments are in the text and differ by their type.
 void WordXmlText::beginAnnotation(std::span<const XmlAttribute> attributes)
 {
     const std::string_view type = valueOf(attributes, "type");

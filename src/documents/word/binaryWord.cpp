@@ -157,7 +157,7 @@ private:
 
     void putWide(std::string_view stretch)
     {
-        std::array<char, 256> plain; // most text is ASCII, and goes faster in runs
+        std::array<char, 256> plain; // most text is ASCII, which is faster in runs
         std::size_t count = 0;
         for (; stretch.size() >= 2; stretch.remove_prefix(2)) {
             const char16_t unit = u16At(stretch, 0);

@@ -16,8 +16,8 @@ class FileBytes;
 class WordFileMBS {
 public:
     /// Nil, with the reason, for what can't be read: bytes that are no such document, an encrypted one, and
-    /// one that costs more than the limits or breaks the child that reads it. A damaged document gives the
-    /// text that is left. Throws RuntimeException, which names the reader, if no document can be read at all.
+    /// one that exceeds the limits or crashes the child that reads it. A damaged document gives the text that
+    /// is left. Throws RuntimeException, which names the reader, if no document can be read at all.
     static Ref<WordFileMBS> OpenData(const FileBytes& data, const DocumentLimits& limits = {});
 
     explicit WordFileMBS(std::string text);

@@ -29,7 +29,7 @@ void BodyBuffer::append(std::string_view bytes)
 
 void BodyBuffer::addPart(std::uint64_t size)
 {
-    // Not for a first part of the usual size, of which most pages use only a little.
+    // Not checked for a first part of the usual size, since most pages need only a little of it.
     if (!m_parts.empty() || size > partSize)
         requireMemory(size + partSize, "The page is too long");
     m_parts.emplace_back().reserve(size);

@@ -49,7 +49,7 @@ std::string withoutBlanksAround(std::string_view text)
     return fromQt(toQt(text).trimmed());
 }
 
-/// Numeric; empty for what is no internet address.
+/// The address as numbers; empty if it is no internet address.
 std::string textOf(const sockaddr& address)
 {
     std::array<char, INET6_ADDRSTRLEN> text{};

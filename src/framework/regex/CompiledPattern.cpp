@@ -57,7 +57,7 @@ struct StepCounter {
 
     static int callout(pcre2_callout_block* block, void* data)
     {
-        constexpr std::uint64_t bytesPerStep = 16; // bytes that a repeated class passes count less
+        constexpr std::uint64_t bytesPerStep = 16; // so many bytes that a class passes count as one
         StepCounter& counter = *static_cast<StepCounter*>(data);
         const PCRE2_SIZE position = block->current_position;
         const PCRE2_SIZE way

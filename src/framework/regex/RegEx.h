@@ -41,7 +41,7 @@ public:
     /// match it looks for another one, so that a loop ends.
     Ref<RegExMatch> Search();
 
-    /// `text` with its first match replaced by ReplacementPattern, which is used literally, without
+    /// `text` with its first match replaced by the replacement pattern, which is used literally, without
     /// back-references. Does not affect where Search() continues.
     std::string Replace(std::string_view text);
 
