@@ -7,6 +7,12 @@
 // program.
 //   word_benchmark FILE...          prints the table
 //   word_benchmark --text FILE      prints the document's text
+#include "documents/documentText.h"
+#include "framework/documents/WordFileMBS.h"
+#include "framework/exceptions.h"
+#include "framework/files/BinaryStream.h"
+#include "framework/files/FolderItem.h"
+#include "support/race.h"
 
 #include <array>
 #include <cstddef>

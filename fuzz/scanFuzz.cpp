@@ -3,6 +3,9 @@
 //
 // Compares the address scanner and the picture rule with PCRE2, on texts that libFuzzer makes up:
 //   scanFuzz -max_len=400 -only_ascii=0 CORPUS_FOLDER
+#include "scan/pictureName.h"
+#include "support/PatternOracle.h"
+#include "support/scanVariants.h"
 
 #include <algorithm>
 #include <cstddef>

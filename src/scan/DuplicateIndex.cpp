@@ -109,8 +109,7 @@ private:
 void* allocateTable(std::size_t bytes)
 {
     constexpr std::uintptr_t pageSize = 4096;
-    constexpr std::size_t large = std::size_t{ 32 }
-        << 20; // calloc then maps the memory instead of using the heap
+    constexpr std::size_t large = std::size_t{ 32 } << 20; // from the system and not from the heap
     void* memory = std::calloc(bytes, 1);
     if (!memory)
         throw std::bad_alloc();

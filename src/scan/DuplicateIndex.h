@@ -140,8 +140,7 @@ private:
     /// part they are in the order of the list.
     std::unique_ptr<Entry[]> m_entries;
     std::size_t m_partBits;
-    std::vector<std::size_t>
-        m_partEnds; // first the sizes of the parts, then their ends while they are filled
+    std::vector<std::size_t> m_partEnds; // first the parts' sizes, then their ends while they are filled
 };
 
 } // namespace quilvane

@@ -16,8 +16,7 @@ namespace quilvane {
 /// The files that an open dialog shows at first; the user can choose to see all others.
 struct OfferedFiles {
     std::string_view words; // a name for this kind of files, shown to the user
-    std::span<const std::string_view>
-        marks; // shown are names that contain one of these, in upper or lower case
+    std::span<const std::string_view> marks; // of names that contain one of these, in upper or lower case
 };
 
 /// Everything that the program asks of the desktop. The one interface that a test, or a demo without a user,

@@ -119,8 +119,7 @@ private:
         set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
         set(CURLOPT_FOLLOWLOCATION, 1L);
         set(CURLOPT_MAXREDIRS, static_cast<long>(m_options.mostRedirects));
-        set(CURLOPT_COOKIEFILE,
-            ""); // no file: cookies are kept during the redirects only, since some sites need them
+        set(CURLOPT_COOKIEFILE, ""); // no file: cookies during the redirects only, which some sites need
         set(CURLOPT_USERAGENT, "Quilvane"); // some servers refuse a request without it
         set(CURLOPT_ACCEPT_ENCODING, ""); // all that libcurl can unpack
         if (!m_options.authoritiesFile.empty())
@@ -213,8 +212,7 @@ private:
         }
         const std::string_view text(line, length);
         if (text.starts_with("HTTP/"))
-            self.m_inHeaders
-                = true; // the header of another answer, after that of a redirect or an interim answer
+            self.m_inHeaders = true; // also the header of an interim answer
         else if (text == "\r\n" || text == "\n")
             self.m_inHeaders = false;
         return length;

@@ -115,8 +115,7 @@ constexpr std::uint64_t manyStepsPerByte = 64;
 
 struct CompiledPattern::Native {
     Owned<pcre2_code> code;
-    std::optional<Owned<pcre2_code>>
-        countingCode; // made when steps are first counted; null if the pattern is too long for it
+    std::optional<Owned<pcre2_code>> countingCode; // made for the first count; null if that failed
     Owned<pcre2_match_data> matchData;
     std::optional<LiteralText> literal; // if the pattern is only a text, which is searched without PCRE2
     std::array<std::size_t, 2> literalMatch{};

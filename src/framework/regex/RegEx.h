@@ -60,8 +60,7 @@ private:
     std::shared_ptr<const CompiledPattern> m_compiled; // null until the pattern is first used
     MatchingBudget m_budget;
     std::string_view m_text;
-    std::size_t m_next
-        = std::string_view::npos; // where Search() continues in m_text; npos if nothing is left
+    std::size_t m_next = std::string_view::npos; // where Search() continues in m_text; npos at the end
     bool m_lastWasEmpty = false;
 };
 
