@@ -30,8 +30,9 @@ public:
     /// found again and again don't fill the memory, and a usual run looks at each address only once.
     void limitDuplicates();
 
-    /// The first element that has not been flushed yet; from now on all count as flushed. First removes what
-    /// the list would not keep: pictures' names, and of addresses that differ only in case all but the first.
+    /// Returns the first row that was not flushed yet; from now on all rows count as flushed. Before that,
+    /// removes what the list would not keep: pictures' names, and all but the first of addresses that differ
+    /// only in case.
     std::size_t beginFlush();
     /// The list has lost rows, so all staged rows must be flushed again.
     void unmark() { m_flushed = 0; }

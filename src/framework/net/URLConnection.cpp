@@ -55,7 +55,7 @@ std::string URLConnection::SendSync(std::string_view, std::string_view url, int)
               });
         if (!wanted)
             throw CancelUnwinding();
-        // Only the end of the program closes the dialog before the page has come. This continues it.
+        // Only the end of the program closes the dialog before the page has come. This ends the handler then.
         if (!isHere(body, std::chrono::milliseconds::zero()))
             Application::endHandlerIfQuitting();
     }
