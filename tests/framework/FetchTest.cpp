@@ -91,7 +91,7 @@ TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
     server.answer("/stalled", begin + "Content-Length: 10\r\n\r\nx", Ending::Stall);
     server.answer("/endless", begin + "\r\nx", Ending::Endless);
     server.answer("/loop", redirection("/loop"));
-    server.answer("/file", redirection("file:///etc/passwd"));
+    server.answer("/ftp", redirection("ftp://127.0.0.1/"));
     server.page("/large", std::string(100'001, 'x'));
     server.page("/damaged", "no archive", "Content-Encoding: gzip\r\n");
     server.answer("/insecure", redirection(plain.url("/page")));
@@ -121,7 +121,7 @@ TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
         { std::string("127.0.0.1\0.org", 14), "no valid web address" },
         { "ftp://127.0.0.1/", "only http and https" },
         { "file:///etc/passwd", "only http and https" },
-        { server.url("/file"), "only http and https" },
+        { server.url("/ftp"), "only http and https" },
         { "https://" + std::string(64, 'a') + ".invalid/", "no such host" }, // no name server is asked for it
         { "https://127.0.0.1:1/", "Connection refused" },
         { server.url("/page", "localhost"), "certificate" },

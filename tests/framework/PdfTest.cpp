@@ -23,7 +23,9 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace quilvane {
@@ -356,6 +358,39 @@ TEST_F(Pdf, IsReadAgainWhenTheReaderIsLost)
     kill();
     EXPECT_EQ(engine.ImportPDFFile(1), 1);
     EXPECT_TRUE(engine.errors.empty());
+}
+
+TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
+{
+    ASSERT_EQ(::prctl(PR_SET_CHILD_SUBREAPER, 1), 0); // so that what the program leaves comes to the test
+    const std::string path = folder.write("a.pdf", onePage(std::string(100'000, 'Q'), 20'000));
+    ReaderProcess::forget(); // the program below is to have one of its own
+    const pid_t program = ::fork();
+    if (program == 0) {
+        RecordingEngine doomed;
+        doomed.CreateNewPDF();
+        doomed.OpenImportFile(*itemAt(path));
+        ::pause();
+        std::_Exit(1);
+    }
+    const auto someChildOf = [](pid_t process, std::size_t count) {
+        std::vector<pid_t> children;
+        do
+            children = childrenOf(process);
+        while (children.size() != count);
+        return children[0];
+    };
+    const pid_t reader = someChildOf(program, 1);
+    const pid_t document = someChildOf(reader, 2);
+    ::kill(reader, SIGSTOP); // or it might see by itself that the program has gone
+    ::kill(program, SIGKILL);
+    ::waitpid(program, nullptr, 0);
+    ::kill(reader, SIGCONT);
+    for (const pid_t left : { reader, document }) {
+        int status = 0;
+        EXPECT_EQ(::waitpid(left, &status, 0), left);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
+    }
 }
 
 /// What a reader could say, as a file for the one that says it.

@@ -160,10 +160,12 @@ TEST_F(WebPagesTest, typingAsksNobodyAndASearchAsksOnce)
     EXPECT_EQ(server.requests(), Rows());
     EXPECT_EQ(w.TextField1.Text(), "kept");
 
-    w.urlField.setText(' ' + url + ' ');
-    EXPECT_FALSE(w.urlField.KeyDown("\t"));
-    EXPECT_TRUE(w.urlField.KeyDown("\r"));
-    EXPECT_EQ(server.requests(), Rows{ "/page" });
+    for (const char* enter : { "\r", "\x03" }) { // the latter of the numeric pad
+        w.urlField.setText(' ' + url + ' ');
+        EXPECT_FALSE(w.urlField.KeyDown("\t"));
+        EXPECT_TRUE(w.urlField.KeyDown(enter));
+    }
+    EXPECT_EQ(server.requests(), (Rows{ "/page", "/page" }));
     EXPECT_EQ(rows(), Rows{ "x@y.org" });
 }
 
