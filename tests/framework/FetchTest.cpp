@@ -3,6 +3,7 @@
 #include "framework/net/fetch.h"
 
 #include "framework/exceptions.h"
+#include "support/Scoped.h"
 #include "support/WebServer.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +23,6 @@ class FetchTest : public testing::Test {
 protected:
     FetchTest()
     {
-        setenv("no_proxy", "*", 1);
         options.authoritiesFile = server.authoritiesFile();
         options.stallTimeout = std::chrono::seconds(1);
         options.connectTimeout = std::chrono::seconds(5);
@@ -43,6 +43,9 @@ protected:
     WebServer server;
     WebServer plain{ WebServer::Scheme::Http };
     FetchOptions options;
+
+private:
+    Scoped m_noProxy = environmentVariable("no_proxy", "*");
 };
 
 } // namespace

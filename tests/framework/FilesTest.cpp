@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/Scoped.h"
 #include "support/TempFolder.h"
 
 #include "framework/exceptions.h"
@@ -80,20 +81,6 @@ public:
 
 private:
     FileDescriptor m_socket{ ::socket(AF_UNIX, SOCK_STREAM, 0) };
-};
-
-/// To root, as which tests may run, nothing is forbidden; so root is somebody else while this lives.
-class AsNobody {
-public:
-    AsNobody()
-    {
-        constexpr uid_t nobody = 65534;
-        EXPECT_EQ(::seteuid(m_user == 0 ? nobody : m_user), 0);
-    }
-    ~AsNobody() { EXPECT_EQ(::seteuid(m_user), 0); }
-
-private:
-    uid_t m_user = ::geteuid();
 };
 
 class Files : public testing::Test {
@@ -233,7 +220,7 @@ TEST_F(Files, WhatTheUserHasNoPermissionForDoesNotOpen)
     std::filesystem::permissions(folder.write("secret", ""), perms::none);
     std::filesystem::permissions(folder.write("protected", "old"), perms(0444));
     std::filesystem::permissions(folder.makeFolder("sub"), perms(0555));
-    const AsNobody nobody;
+    const Scoped nobody = notRoot();
     const std::string reasons[] = { whyNil(GetFolderItem(folder / "secret")->OpenAsTextFile()),
         whyNil(BinaryStream::Open(*item("secret"))), whyNil(item("protected")->CreateTextFile()),
         whyNil(item("sub/new")->CreateTextFile()) };
@@ -401,9 +388,8 @@ TEST_F(Files, WritesAFileOnlyWhenItIsWhole)
 
 TEST_F(Files, ANewFileIsEmptyAndHasTheUsersMode)
 {
-    const mode_t before = ::umask(0027);
+    const Scoped mask(::umask, ::umask(0), 0027);
     item("new")->CreateTextFile(); // its last reference goes at once
-    ::umask(before);
     EXPECT_EQ(TempFolder::contentOf(folder / "new"), "");
     EXPECT_EQ(permissionsOf(folder / "new"), 0640u);
     EXPECT_EQ(folder.count(), 1);
@@ -466,23 +452,20 @@ TEST_F(Files, WhatCannotBeReplacedIsFilledInPlace)
             stream->Write(text);
             stream->Close();
         };
-        std::optional<AsNobody> nobody(std::in_place);
-        write(longer);
-        EXPECT_EQ(TempFolder::contentOf(path), longer) << name;
-        write("short");
-        EXPECT_EQ(TempFolder::contentOf(hasOtherName ? folder / "other" : path), "short") << name;
-        rlimit limit{};
-        ::getrlimit(RLIMIT_FSIZE, &limit);
-        const rlimit small{ 4096, limit.rlim_max };
-        ::setrlimit(RLIMIT_FSIZE, &small);
-        EXPECT_THROW(write(longer), IOException) << name;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        {
+            const Scoped nobody = notRoot();
+            write(longer);
+            EXPECT_EQ(TempFolder::contentOf(path), longer) << name;
+            write("short");
+            EXPECT_EQ(TempFolder::contentOf(hasOtherName ? folder / "other" : path), "short") << name;
+            const Scoped fullDisk = largestFile(4096);
+            EXPECT_THROW(write(longer), IOException) << name;
+        }
+        std::filesystem::permissions(folder / name, perms::all);
         EXPECT_EQ(TempFolder::contentOf(path), "short") << name;
         struct stat after { };
         EXPECT_TRUE(::stat(path.c_str(), &after) == 0 && after.st_ino == before.st_ino) << name;
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / name), {}), 1) << name;
-        nobody.reset();
-        std::filesystem::permissions(folder / name, perms::all);
     }
 }
 
@@ -560,20 +543,16 @@ TEST_F(Files, AFileThatCannotComeToItsPlaceIsReportedAndRemoved)
 
 TEST_F(Files, ApplicationDataFollowsTheBaseDirectoryRules)
 {
-    const auto set = [](const char* name, const std::string& value) { ::setenv(name, value.c_str(), 1); };
-    const std::string homeBefore = std::getenv("HOME");
-    set("HOME", folder / "home");
+    const Scoped home = environmentVariable("HOME", folder / "home");
     for (const auto& [setting, path] : { std::pair(folder / "data/deep", folder / "data/deep"),
              std::pair(std::string("relative/is/ignored"), folder / "home/.local/share") }) {
-        set("XDG_DATA_HOME", setting);
+        const Scoped dataHome = environmentVariable("XDG_DATA_HOME", setting);
         EXPECT_EQ(SpecialFolder::ApplicationData()->NativePath(), path);
         EXPECT_EQ(permissionsOf(path), 0700u);
         EXPECT_EQ(permissionsOf(std::filesystem::path(path).parent_path()), 0700u);
     }
-    set("XDG_DATA_HOME", folder.write("file", "") + "/below");
+    const Scoped dataHome = environmentVariable("XDG_DATA_HOME", folder.write("file", "") + "/below");
     EXPECT_THROW(SpecialFolder::ApplicationData(), IOException);
-    set("HOME", homeBefore);
-    ::unsetenv("XDG_DATA_HOME");
 }
 
 TEST(DisplayPath, ShowsWhatCannotBeSeen)

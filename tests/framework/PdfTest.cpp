@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "framework/processes.h"
 #include "support/TempFolder.h"
 
 #include "documents/reader/messages.h"
 #include "framework/documents/DynaPDFMBS.h"
-#include "framework/documents/internal/ReaderProcess.h"
 #include "framework/files/FileDescriptor.h"
 #include "framework/files/FolderItem.h"
 
@@ -13,8 +13,6 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -225,18 +223,6 @@ TEST_F(Pdf, WarnsOnceOfAllAndCanBeStopped)
     EXPECT_TRUE(engine.errors.empty());
 }
 
-std::vector<pid_t> childrenOf(pid_t process)
-{
-    const std::string number = std::to_string(process);
-    std::ifstream file("/proc/" + number + "/task/" + number + "/children");
-    return { std::istream_iterator<pid_t>(file), {} };
-}
-
-pid_t readerProcess()
-{
-    return childrenOf(::getpid()).at(0);
-}
-
 /// Those that live: the one that reads, if one does, and the one that waits for the next document.
 std::vector<pid_t> documentChildren()
 {
@@ -258,18 +244,13 @@ pid_t firstOfChildren(std::size_t count)
     return children[0];
 }
 
-std::ptrdiff_t openFiles(const std::string& process)
-{
-    return std::distance(std::filesystem::directory_iterator("/proc/" + process + "/fd"), {});
-}
-
 TEST_F(Pdf, LosesNothingButTheDocumentWithItsChild)
 {
     const auto toChild = [](int signal) {
         return [signal] {
             const pid_t child = firstOfChildren(2);
             // The standard three, the socket and the document. Only root sees them.
-            EXPECT_TRUE(::geteuid() != 0 || openFiles(std::to_string(child)) == 5);
+            EXPECT_TRUE(::geteuid() != 0 || openFiles(child) == 5);
             ::kill(child, signal);
         };
     };
@@ -296,7 +277,7 @@ TEST_F(Pdf, LosesNothingButTheDocumentWithItsChild)
     };
     ASSERT_EQ(engine.open(flyer), 0);
     const FileDescriptor leaky(::open("/dev/null", O_RDONLY));
-    const std::ptrdiff_t filesBefore = openFiles("self");
+    const std::ptrdiff_t filesBefore = openFiles();
     for (const auto& [name, pdf, limits, meanwhile, reason] : cases) {
         RecordingEngine suffering(limits);
         suffering.CreateNewPDF();
@@ -310,7 +291,7 @@ TEST_F(Pdf, LosesNothingButTheDocumentWithItsChild)
         EXPECT_FALSE(suffering.EditPage(1)) << name;
         EXPECT_EQ(suffering.errors.size(), 1u) << name;
         firstOfChildren(1);
-        EXPECT_EQ(openFiles("self"), filesBefore) << name;
+        EXPECT_EQ(openFiles(), filesBefore) << name;
         EXPECT_EQ(engine.open(flyer), 0) << name;
         EXPECT_EQ(engine.GetPageCount(), 3) << name;
     }
@@ -418,18 +399,7 @@ private:
 };
 
 class LiedToPdf : public Pdf {
-protected:
-    LiedToPdf() { use(QUILVANE_LYING_READER); }
-    ~LiedToPdf() override { use(m_reader); }
-
-private:
-    static void use(const std::string& program)
-    {
-        ReaderProcess::forget();
-        ReaderProcess::program() = program;
-    }
-
-    const std::string m_reader = ReaderProcess::program();
+    Scoped m_liar = otherReader(QUILVANE_LYING_READER);
 };
 
 /// A document of these pages: 'p' for one that shows its number, '-' for one that can't be read.

@@ -289,7 +289,7 @@ TEST_F(BatchTest, whatAFailedSearchHasFoundStands)
     const TempFolder tree;
     tree.write("one.txt", "a@y.org A@y.org logo@2x.png");
     tree.write("below/broken.csv", std::string(300'000, ' ') + "b@y.org " + std::string(300'000, ' '));
-    const FailingReads broken("broken", 400'000);
+    const Scoped broken = failingReads("broken", 400'000);
     const std::vector<std::string> reason{ "broken.csv", "Input/output error" };
     const Rows expected{ "a@y.org" };
     const auto willReport = [&](const char* words) { desktop.willReport({ reason[0], reason[1], words }); };

@@ -39,13 +39,6 @@ using Rows = std::vector<std::string>;
 
 class WebPagesTest : public ProgramTest {
 protected:
-    WebPagesTest()
-    {
-        setenv("no_proxy", "*", 1);
-        FetchOptions::standard().authoritiesFile = server.authoritiesFile();
-    }
-    ~WebPagesTest() override { FetchOptions::standard() = FetchOptions(); }
-
     void search(const std::string& url)
     {
         window().urlField.setText(url);
@@ -53,6 +46,10 @@ protected:
     }
 
     WebServer server;
+
+private:
+    Scoped m_noProxy = environmentVariable("no_proxy", "*");
+    Scoped m_authorities{ FetchOptions::standard().authoritiesFile, server.authoritiesFile() };
 };
 
 } // namespace
