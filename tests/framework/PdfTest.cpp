@@ -343,26 +343,20 @@ TEST_F(Pdf, IsReadAgainWhenTheReaderIsLost)
 
 TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
 {
-    ASSERT_EQ(::prctl(PR_SET_CHILD_SUBREAPER, 1), 0); // so that what the program leaves comes to the test
+    // What the program leaves becomes the test's.
+    const Scoped adopting([](int isOn) { ::prctl(PR_SET_CHILD_SUBREAPER, isOn); }, 0, 1);
     const std::string path = folder.write("a.pdf", onePage(std::string(100'000, 'Q'), 20'000));
     ReaderProcess::forget(); // the program below is to have one of its own
     const pid_t program = ::fork();
     if (program == 0) {
         RecordingEngine doomed;
         doomed.CreateNewPDF();
-        doomed.OpenImportFile(*itemAt(path));
-        ::pause();
-        std::_Exit(1);
+        doomed.OpenImportFile(*itemAt(path)); // returns when the reading has begun
+        ::raise(SIGSTOP);
     }
-    const auto someChildOf = [](pid_t process, std::size_t count) {
-        std::vector<pid_t> children;
-        do
-            children = childrenOf(process);
-        while (children.size() != count);
-        return children[0];
-    };
-    const pid_t reader = someChildOf(program, 1);
-    const pid_t document = someChildOf(reader, 2);
+    ::waitpid(program, nullptr, WUNTRACED);
+    const pid_t reader = childrenOf(program).at(0);
+    const pid_t document = childrenOf(reader).at(0);
     ::kill(reader, SIGSTOP); // or it might see by itself that the program has gone
     ::kill(program, SIGKILL);
     ::waitpid(program, nullptr, 0);
@@ -372,6 +366,7 @@ TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
         EXPECT_EQ(::waitpid(left, &status, 0), left);
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
     }
+    while (::waitpid(-1, nullptr, 0) > 0) { } // the child that was to read the next document
 }
 
 /// What a reader could say, as a file for the one that says it.
