@@ -232,7 +232,7 @@ TEST(Rtf, TextOfSnippets)
             Row{ "what nobody sees",
                 R"({\info{\author a}}{\colortbl;\red1;}{\*\unknown x{\b y}}{\pict 0102}{\stylesheet{N;}}b{\deleted c}d)",
                 "bd" },
-            Row{ "deleted, and no longer", R"(a\deleted b\deleted0 c\deleted d\plain e)", "ace" },
+            Row{ "deleted, and no longer", R"(a\deleted b\u8364 ?\deleted0 c\deleted d\plain e)", "ace" },
             Row{ "binary data", "a{\\pict\\bin5 }}{\\{}b", "ab" },
             Row{ "binary data that is not there", "a\\bin99999999999 b\\bin99 c", "ab" },
             Row{ "after the end", "a}b", "a" },
