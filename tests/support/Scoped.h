@@ -50,7 +50,7 @@ inline Scoped environmentVariable(const char* name, const std::string& value)
         before ? Value(before) : Value(), value);
 }
 
-/// The system stops each writing there, as a full disk does.
+/// The process can make no file larger than that, as on a full disk.
 inline Scoped largestFile(rlim_t bytes)
 {
     rlimit before{};
@@ -59,7 +59,7 @@ inline Scoped largestFile(rlim_t bytes)
         [](const rlimit& limit) { ::setrlimit(RLIMIT_FSIZE, &limit); }, before, { bytes, before.rlim_max });
 }
 
-/// To root, as which tests may run, nothing is forbidden; so root is somebody else.
+/// Nothing is forbidden to root, as which tests may run; so root becomes somebody else.
 inline Scoped notRoot()
 {
     constexpr uid_t nobody = 65534;
