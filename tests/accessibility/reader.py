@@ -16,7 +16,7 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 warnings.simplefilter("ignore", DeprecationWarning)  # PyGObject's, of every method of an interface
 
-PATIENCE = 60  # seconds for what must come; only a failure takes that long
+PATIENCE = 600  # seconds for an event that must come; only a failure takes that long, and tells what it saw
 NO_CONTROLS = {"label", "menu bar", "menu item", "notification"}
 
 

@@ -16,7 +16,8 @@ class LiteralText;
 /// What the runs of a pattern over all texts of one pass may cost. It counts steps of matching and never
 /// time, so that the same pattern over the same list always ends alike.
 struct MatchingBudget {
-    std::uint64_t stepsLeft = 50'000'000; // about a second; each byte searched adds to it
+    // A second's work at most, and two where PCRE2 interprets the pattern. Each byte searched adds to it.
+    std::uint64_t stepsLeft = 100'000'000;
     std::size_t runsUncounted = 0; // so many of the next runs are paid already
 };
 
