@@ -47,13 +47,13 @@ void Window1::flushStagedRows()
 
 void Window1::moveStagedRowsToList()
 {
-    // What was flushed before comes again; the removal of duplicates makes up for it.
     noteRemovedRows();
     DuplicateIndex ofStaged;
-    RowStore rows = resultArray.release(ofStaged);
-    if (Listbox1.ListCount() == 0) // then they are the list's first rows, and known already
+    RowStore staged = resultArray.release(ofStaged);
+    if (Listbox1.ListCount() == 0) // what is known of the staged rows holds for the list's
         m_knownRows = std::move(ofStaged);
-    Listbox1.TakeRows(std::move(rows));
+    // What was flushed before comes again; the removal of duplicates makes up for it.
+    Listbox1.TakeRows(std::move(staged));
 }
 
 std::size_t Window1::keepStagedFinds()

@@ -37,7 +37,7 @@ public:
     /// The list has lost rows, so all that is staged is to be flushed again.
     void unmark() { m_flushed = 0; }
 
-    /// Hands all rows over and is empty then. An index of theirs, which may know none, goes to `index`.
+    /// Returns all rows and is empty then. `index` becomes their index, which may know none of them.
     RowStore release(DuplicateIndex& index);
     void clear();
 
