@@ -47,13 +47,13 @@ void Window1::flushStagedRows()
 
 void Window1::moveStagedRowsToList()
 {
-    // Rows that were flushed before are added once more; the removal of duplicates removes them again.
     noteRemovedRows();
     DuplicateIndex ofStaged;
-    RowStore rows = resultArray.release(ofStaged);
-    if (Listbox1.ListCount() == 0) // then the staged rows become the list's first rows, and their index fits
+    RowStore staged = resultArray.release(ofStaged);
+    if (Listbox1.ListCount() == 0) // then the index of the staged rows fits the list
         m_knownRows = std::move(ofStaged);
-    Listbox1.TakeRows(std::move(rows));
+    // Rows that were flushed before are added once more; the removal of duplicates removes them again.
+    Listbox1.TakeRows(std::move(staged));
 }
 
 std::size_t Window1::keepStagedFinds()

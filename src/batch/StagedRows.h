@@ -37,8 +37,7 @@ public:
     /// The list has lost rows, so all staged rows must be flushed again.
     void unmark() { m_flushed = 0; }
 
-    /// Returns all rows and is empty afterwards. `index` receives their index, which may know only the first
-    /// of them.
+    /// Returns all rows and is empty afterwards. `index` becomes their index, which may know none of them.
     RowStore release(DuplicateIndex& index);
     void clear();
 

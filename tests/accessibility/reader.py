@@ -16,7 +16,7 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 warnings.simplefilter("ignore", DeprecationWarning)  # PyGObject's, of every method of an interface
 
-PATIENCE = 60  # seconds to wait for what must come; only a failure takes so long
+PATIENCE = 600  # seconds to wait for an event that must come; only a failure takes so long, and it prints what the bus shows
 NO_CONTROLS = {"label", "menu bar", "menu item", "notification"}
 
 

@@ -155,6 +155,17 @@ TEST(BinaryWord, ForgedFilesEnd)
     patch(listCircle, 68, littleEndian(0, 4)); // the table's list continues in the first sector
     patch(listCircle, 76, std::string(436, '\xFF'));
     textOfBinaryWord(listCircle);
+    const auto branchedTo = [&whole](std::uint32_t left) {
+        constexpr std::size_t firstEntry = 512 + 128;
+        constexpr std::size_t spareEntry = 512 + 3 * 128;
+        constexpr std::size_t leftAt = 68;
+        std::string branched = whole;
+        patch(branched, firstEntry + leftAt, littleEndian(3, 4));
+        patch(branched, spareEntry + leftAt, littleEndian(left, 4) + littleEndian(0xFFFFFFFF, 4));
+        return branched;
+    };
+    EXPECT_TRUE(textOfBinaryWord(branchedTo(0xFFFFFFFF)));
+    EXPECT_FALSE(textOfBinaryWord(branchedTo(3))) << "a name that hangs below itself";
     textOfBinaryWord(compoundFile(std::vector<std::pair<std::string, std::string>>(50'000, { "s", "" })));
 
     // Pieces that give the same text again and again, or only field marks.
@@ -221,7 +232,7 @@ TEST(Rtf, TextOfSnippets)
             Row{ "what nobody sees",
                 R"({\info{\author a}}{\colortbl;\red1;}{\*\unknown x{\b y}}{\pict 0102}{\stylesheet{N;}}b{\deleted c}d)",
                 "bd" },
-            Row{ "deleted, and no longer", R"(a\deleted b\deleted0 c\deleted d\plain e)", "ace" },
+            Row{ "deleted, and no longer", R"(a\deleted b\u8364 ?\deleted0 c\deleted d\plain e)", "ace" },
             Row{ "binary data", "a{\\pict\\bin5 }}{\\{}b", "ab" },
             Row{ "binary data that is not there", "a\\bin99999999999 b\\bin99 c", "ab" },
             Row{ "after the end", "a}b", "a" },

@@ -244,6 +244,21 @@ TEST(OpenXml, ReadsThePartsOfAPackage)
         EXPECT_EQ(withoutLineEnd(textOf(row.bytes)), row.text) << row.name;
 }
 
+TEST(WordFile, ReadsDocumentsInDocumentsToAFourthOne)
+{
+    std::string bytes = packageOf(paragraph("6"));
+    for (const std::string level : { "5", "4", "3", "2", "1" })
+        bytes = package({ { "word/document.xml",
+                              document(paragraph(level) + "<w:altChunk r:id='i'/><w:altChunk r:id='n'/>") },
+            { "word/inner.docx", bytes }, { "word/next.rtf", "{\\rtf1 -" + level + "}" },
+            { "word/_rels/document.xml.rels",
+                relationships(relationship("i", "aFChunk", "inner.docx")
+                    + relationship("n", "aFChunk", "next.rtf")) } });
+    std::string text = textOf(bytes);
+    std::erase(text, '\n');
+    EXPECT_EQ(text, "1234-3-2-1");
+}
+
 TEST(WordFile, RecognisesTheKindByTheBytes)
 {
     const std::string flat

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/internal/ColorScheme.h"
 #include "framework/internal/contrast.h"
+#include "support/Scoped.h"
 
 #include <gtest/gtest.h>
 
@@ -89,6 +90,11 @@ private:
     uint m_scheme;
 };
 
+Scoped palette(const QPalette& colors)
+{
+    return Scoped([](const QPalette& now) { QApplication::setPalette(now); }, QPalette(), colors);
+}
+
 bool isDarkNow()
 {
     return QApplication::palette().color(QPalette::Window).lightness() < 128;
@@ -136,7 +142,7 @@ TEST(ColorSchemeTest, emptyAndDisabledControlsAreVisibleInDarkColors)
     button.setEnabled(false);
     greyBox.setEnabled(false);
     for (const Colors& c : colors) {
-        QApplication::setPalette(c.palette);
+        const Scoped shown = palette(c.palette);
         QApplication::processEvents();
         for (QWidget* widget : widgets) {
             SCOPED_TRACE(std::string(c.name) + ", " + widget->metaObject()->className());
@@ -155,13 +161,12 @@ TEST(ColorSchemeTest, emptyAndDisabledControlsAreVisibleInDarkColors)
             EXPECT_GE(best, 3);
         }
     }
-    QApplication::setPalette(QPalette());
 }
 
 TEST(ColorSchemeTest, leavesTheDesktopsOwnDarkColorsAlone)
 {
     const QPalette own(Qt::black);
-    QApplication::setPalette(own);
+    const Scoped shown = palette(own);
     Bus bus;
     Portal portal(bus.portalsEnd(), 1);
     const ColorScheme scheme(bus.programsEnd());
@@ -172,7 +177,6 @@ TEST(ColorSchemeTest, leavesTheDesktopsOwnDarkColorsAlone)
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"));
     QApplication::processEvents();
     EXPECT_EQ(QApplication::palette().color(QPalette::Window), own.color(QPalette::Window));
-    QApplication::setPalette(QPalette());
 }
 
 } // namespace quilvane

@@ -127,7 +127,8 @@ protected:
 TEST_F(ControlsTest, aHandlerThatThrowsEndsAlone)
 {
     std::string order;
-    setFailureWords([&](const std::string& handler) {
+    using Words = std::function<std::string(const std::string&)>;
+    const Scoped words(setFailureWords, Words(), [&](const std::string& handler) {
         order += handler + ' ';
         return std::string("The list is untouched.");
     });
@@ -154,7 +155,6 @@ TEST_F(ControlsTest, aHandlerThatThrowsEndsAlone)
 
     setFailureWords([](const std::string&) -> std::string { throw QuitUnwinding(); });
     window->box.setValue(true); // no report: the program is quitting
-    setFailureWords({});
 }
 
 TEST_F(ControlsTest, aControlThatIsHiddenForAMomentStaysVisible)
@@ -297,15 +297,14 @@ TEST_F(ControlsTest, labelStaysReadableOnDark)
 {
     window->label.setTextColor(0x803F02);
     auto* label = TestWindow::widget<QLabel>("label");
-    const auto color = [label] { return label->palette().color(QPalette::WindowText); };
-    const QPalette before = QApplication::palette();
-    QApplication::setPalette(QPalette(QColor(0xf0f0f0), QColor(0xf0f0f0)));
-    Application::DoEvents(100);
-    EXPECT_EQ(color(), QColor(0x803F02));
-    QApplication::setPalette(QPalette(QColor(0x2b2b2b), QColor(0x2b2b2b)));
-    Application::DoEvents(100);
-    EXPECT_GT(color().lightness(), QColor(0x803F02).lightness() + 50);
-    QApplication::setPalette(before);
+    const auto colorOn = [label](QRgb surface) {
+        const Scoped palette([](const QPalette& p) { QApplication::setPalette(p); }, QApplication::palette(),
+            QPalette(QColor(surface), QColor(surface)));
+        Application::DoEvents(100);
+        return label->palette().color(QPalette::WindowText);
+    };
+    EXPECT_EQ(colorOn(0xf0f0f0), QColor(0x803F02));
+    EXPECT_GT(colorOn(0x2b2b2b).lightness(), QColor(0x803F02).lightness() + 50);
 
     window->label.setText("<b>a</b>\nb");
     EXPECT_EQ(label->text(), QString::fromUtf8("<b>a</b>\u21b5b"));

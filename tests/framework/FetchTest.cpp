@@ -3,6 +3,7 @@
 #include "framework/net/fetch.h"
 
 #include "framework/exceptions.h"
+#include "support/Scoped.h"
 #include "support/WebServer.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +23,6 @@ class FetchTest : public testing::Test {
 protected:
     FetchTest()
     {
-        setenv("no_proxy", "*", 1);
         options.authoritiesFile = server.authoritiesFile();
         options.stallTimeout = std::chrono::seconds(1);
         options.connectTimeout = std::chrono::seconds(5);
@@ -43,6 +43,9 @@ protected:
     WebServer server;
     WebServer plain{ WebServer::Scheme::Http };
     FetchOptions options;
+
+private:
+    Scoped m_noProxy = environmentVariable("no_proxy", "*");
 };
 
 } // namespace
@@ -91,7 +94,7 @@ TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
     server.answer("/stalled", begin + "Content-Length: 10\r\n\r\nx", Ending::Stall);
     server.answer("/endless", begin + "\r\nx", Ending::Endless);
     server.answer("/loop", redirection("/loop"));
-    server.answer("/file", redirection("file:///etc/passwd"));
+    server.answer("/ftp", redirection("ftp://127.0.0.1/"));
     server.page("/large", std::string(100'001, 'x'));
     server.page("/damaged", "no archive", "Content-Encoding: gzip\r\n");
     server.answer("/insecure", redirection(plain.url("/page")));
@@ -121,7 +124,7 @@ TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
         { std::string("127.0.0.1\0.org", 14), "no valid web address" },
         { "ftp://127.0.0.1/", "only http and https" },
         { "file:///etc/passwd", "only http and https" },
-        { server.url("/file"), "only http and https" },
+        { server.url("/ftp"), "only http and https" },
         { "https://" + std::string(64, 'a') + ".invalid/", "no such host" }, // no name server is asked for it
         { "https://127.0.0.1:1/", "Connection refused" },
         { server.url("/page", "localhost"), "certificate" },

@@ -264,6 +264,7 @@ TEST_F(PaintingTest, aDropGivesItsLocalItems)
         { "# a comment\r\nhttps://example.org/x\r\nfile:///a\r\nmailto:a@b.org\r\n", "/a|" },
         { "file:///caf%E9/%FF.txt", "/caf\xE9/\xFF.txt|" },
         { "https://example.org/a.txt", "" },
+        { "https://localhost/a.txt\r\ntrash:///b.txt", "" },
         { "file://elsewhere/a.txt", "" },
         { "# nothing", "" },
     };

@@ -1,20 +1,15 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "support/TempFolder.h"
+#include "framework/PdfTest.h"
 
-#include "documents/reader/messages.h"
-#include "framework/documents/DynaPDFMBS.h"
-#include "framework/documents/internal/ReaderProcess.h"
 #include "framework/files/FileDescriptor.h"
-#include "framework/files/FolderItem.h"
+#include "framework/processes.h"
 
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -23,7 +18,9 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace quilvane {
@@ -31,44 +28,6 @@ namespace quilvane {
 namespace {
 
 using namespace std::chrono_literals;
-
-/// An engine that records its events.
-class RecordingEngine : public DynaPDFMBS {
-public:
-    using DynaPDFMBS::DynaPDFMBS;
-
-    int open(const std::string& path)
-    {
-        CreateNewPDF();
-        SetImportFlags(0x80000000);
-        const int result = OpenImportFile(*itemAt(path));
-        ImportPDFFile(1);
-        return result;
-    }
-
-    std::string pageText(int number)
-    {
-        const std::string text = EditPage(number) ? ExtractPageText() : "no page";
-        EndPage();
-        return text;
-    }
-
-    std::vector<int> errors; // codes
-    std::vector<std::string> warnings;
-    std::string lastMessage;
-    int answer = 0;
-
-protected:
-    int Event_Error(int errorCode, const std::string& errorMessage, int errorType) override
-    {
-        if ((errorType & warningType) != 0)
-            warnings.push_back(errorMessage);
-        else
-            errors.push_back(errorCode);
-        lastMessage = errorMessage;
-        return answer;
-    }
-};
 
 /// A document with these objects; the first one, number 1, is the catalog.
 std::string pdfOf(const std::vector<std::string>& objects)
@@ -104,21 +63,6 @@ std::string show(const std::string& text)
 {
     return "1 0 0 1 .1 .2 cm BT /F 12 Tf 72 700 Td (" + text + ") Tj ET ";
 }
-
-class Pdf : public testing::Test {
-protected:
-    /// The path of a copy of the flyer that qpdf has made.
-    std::string rewritten(const std::string& options) const
-    {
-        const std::string copy = folder / "copy.pdf";
-        EXPECT_EQ(std::system(("qpdf " + options + " '" + flyer + "' " + copy).c_str()), 0) << options;
-        return copy;
-    }
-
-    TempFolder folder;
-    const std::string flyer = QUILVANE_SAMPLES "/flyer.pdf";
-    RecordingEngine engine;
-};
 
 TEST_F(Pdf, GivesTheTextOfEachPage)
 {
@@ -221,18 +165,6 @@ TEST_F(Pdf, GivesAllWarningsInOneAndCanBeStopped)
     EXPECT_TRUE(engine.errors.empty());
 }
 
-std::vector<pid_t> childrenOf(pid_t process)
-{
-    const std::string number = std::to_string(process);
-    std::ifstream file("/proc/" + number + "/task/" + number + "/children");
-    return { std::istream_iterator<pid_t>(file), {} };
-}
-
-pid_t readerProcess()
-{
-    return childrenOf(::getpid()).at(0);
-}
-
 /// The running children: the one that reads a document, if any, and the one that waits for the next.
 std::vector<pid_t> documentChildren()
 {
@@ -254,18 +186,13 @@ pid_t firstOfChildren(std::size_t count)
     return children[0];
 }
 
-std::ptrdiff_t openFiles(const std::string& process)
-{
-    return std::distance(std::filesystem::directory_iterator("/proc/" + process + "/fd"), {});
-}
-
 TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
 {
     const auto toChild = [](int signal) {
         return [signal] {
             const pid_t child = firstOfChildren(2);
             // Standard input, output and error, the socket and the document. Only root can list them.
-            EXPECT_TRUE(::geteuid() != 0 || openFiles(std::to_string(child)) == 5);
+            EXPECT_TRUE(::geteuid() != 0 || openFiles(child) == 5);
             ::kill(child, signal);
         };
     };
@@ -292,7 +219,7 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
     };
     ASSERT_EQ(engine.open(flyer), 0);
     const FileDescriptor leaky(::open("/dev/null", O_RDONLY));
-    const std::ptrdiff_t filesBefore = openFiles("self");
+    const std::ptrdiff_t filesBefore = openFiles();
     for (const auto& [name, pdf, limits, meanwhile, reason] : cases) {
         RecordingEngine suffering(limits);
         suffering.CreateNewPDF();
@@ -306,7 +233,7 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
         EXPECT_FALSE(suffering.EditPage(1)) << name;
         EXPECT_EQ(suffering.errors.size(), 1u) << name;
         firstOfChildren(1);
-        EXPECT_EQ(openFiles("self"), filesBefore) << name;
+        EXPECT_EQ(openFiles(), filesBefore) << name;
         EXPECT_EQ(engine.open(flyer), 0) << name;
         EXPECT_EQ(engine.GetPageCount(), 3) << name;
     }
@@ -356,138 +283,32 @@ TEST_F(Pdf, IsReadAgainWhenTheReaderIsLost)
     EXPECT_TRUE(engine.errors.empty());
 }
 
-/// The frames that a reader could send, as a file for lyingReader.
-class Frames {
-public:
-    template <typename Message>
-    Frames& add(const Message& message)
-    {
-        return addRaw(encode(message));
-    }
-
-    Frames& addRaw(const std::string& frame, std::size_t announced)
-    {
-        for (unsigned shift = 0; shift < 32; shift += 8)
-            m_bytes += static_cast<char>(announced >> shift & 0xFFu);
-        m_bytes += frame;
-        return *this;
-    }
-    Frames& addRaw(const std::string& frame) { return addRaw(frame, frame.size()); }
-
-    const std::string& bytes() const { return m_bytes; }
-
-private:
-    std::string m_bytes;
-};
-
-class PdfFromLyingReader : public Pdf {
-protected:
-    PdfFromLyingReader() { use(QUILVANE_LYING_READER); }
-    ~PdfFromLyingReader() override { use(m_reader); }
-
-private:
-    static void use(const std::string& program)
-    {
-        ReaderProcess::forget();
-        ReaderProcess::program() = program;
-    }
-
-    const std::string m_reader = ReaderProcess::program();
-};
-
-/// A document of these pages: 'p' for one that shows its number, '-' for one that can't be read.
-std::string pages(const std::string& kinds)
+TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
 {
-    Frames frames;
-    frames.add(PdfOpening{ .pageCount = static_cast<std::uint32_t>(kinds.size()) });
-    for (std::size_t i = 0; i < kinds.size(); ++i)
-        frames.add(PdfPage{ kinds[i] == 'p', std::to_string(i + 1) });
-    return frames.add(PdfEnd{}).bytes();
-}
-
-TEST_F(PdfFromLyingReader, ReportsOnlyAFewBadPages)
-{
-    using Code = DynaPDFMBS::ErrorCode;
-    const auto badPages = [](std::size_t count) { return std::vector<int>(count, Code::noSuchPage); };
-    const auto thenLeftOut = [&](std::size_t count) {
-        std::vector<int> codes = badPages(count);
-        codes.push_back(Code::pagesLeftOut);
-        return codes;
-    };
-    const std::string many(99'000, '-');
-    struct Case {
-        std::string_view name;
-        std::string kinds;
-        int pageCount;
-        std::vector<int> errors;
-        std::string lastText;
-    };
-    for (const auto& [name, kinds, pageCount, errors, lastText] : {
-             Case{ "two in a row", "p--p", 4, badPages(2), "4" },
-             { "the last one is good", many + "p", 99'001, badPages(3), "99001" },
-             { "none is good", many, 3, thenLeftOut(3), "" },
-             { "a good one between", "----p" + many, 5, thenLeftOut(3), "5" },
-             { "every other one", "-p-p-p-p-p-p-p-p-p-p-p-p", 24, badPages(8), "24" },
-             { "the last three", "pp---", 5, badPages(3), "2" },
-         }) {
-        RecordingEngine patient;
-        ASSERT_EQ(patient.open(folder.write("a.pdf", pages(kinds))), 0) << name;
-        std::string last;
-        for (int page = 1; page <= patient.GetPageCount(); ++page)
-            if (patient.EditPage(page))
-                last = patient.ExtractPageText();
-        EXPECT_EQ(patient.GetPageCount(), pageCount) << name;
-        EXPECT_EQ(patient.errors, errors) << name;
-        EXPECT_EQ(last, lastText) << name;
+    // What the program leaves becomes the test's.
+    const Scoped adopting([](int isOn) { ::prctl(PR_SET_CHILD_SUBREAPER, isOn); }, 0, 1);
+    const std::string path = folder.write("a.pdf", onePage(std::string(100'000, 'Q'), 20'000));
+    ReaderProcess::forget(); // the program below is to have one of its own
+    const pid_t program = ::fork();
+    if (program == 0) {
+        RecordingEngine doomed;
+        doomed.CreateNewPDF();
+        doomed.OpenImportFile(*itemAt(path)); // returns when the reading has begun
+        ::raise(SIGSTOP);
     }
-    ASSERT_EQ(engine.open(folder.write("a.pdf", pages("---p"))), 0);
-    for (int i = 0; i < 9; ++i)
-        EXPECT_FALSE(engine.EditPage(1));
-    EXPECT_TRUE(engine.EditPage(4)) << "a page that is asked for often counts once";
-    engine.answer = -1;
-    EXPECT_FALSE(engine.EditPage(2));
-    EXPECT_EQ(engine.GetPageCount(), 0);
-    EXPECT_FALSE(engine.EditPage(4));
-    EXPECT_EQ(engine.errors.size(), 10u);
-}
-
-TEST_F(PdfFromLyingReader, RefusesInvalidFrames)
-{
-    const std::string page = encode(PdfPage{ true, "text" });
-    const PdfOpening ofOne{ .pageCount = 1 };
-    struct Case {
-        std::string_view name;
-        Frames frames;
-        bool opens = true;
-    };
-    for (const auto& [name, frames, opens] :
-        {
-            Case{ "nothing", {}, false },
-            { "no opening", Frames().addRaw("?"), false },
-            { "a long opening", Frames().addRaw("", largestPdfHead + 1), false },
-            { "too many pages", Frames().addRaw(encode(PdfOpening{ .pageCount = mostPdfPages + 1 })), false },
-            { "no end", Frames().add(ofOne).addRaw(page) },
-            { "a page too many", Frames().add(ofOne).addRaw(page).addRaw(page).add(PdfEnd{}) },
-            { "a page of any length", Frames().add(ofOne).addRaw("", UINT32_MAX) },
-            { "a cut page", Frames().add(ofOne).addRaw(page, page.size() + 1) },
-            { "a long reason",
-                Frames().add(ofOne).add(PdfPage{ false, std::string(longestPdfMessage + 1, 'x') }) },
-            { "no frame", Frames().add(ofOne).addRaw("") },
-            { "many warnings",
-                Frames().add(ofOne).addRaw(page).add(
-                    PdfEnd{ std::vector<std::string>(mostPdfMessages + 1) }) },
-        }) {
-        RecordingEngine careful;
-        careful.CreateNewPDF();
-        EXPECT_EQ(
-            careful.OpenImportFile(*GetFolderItem(folder.write("a.pdf", frames.bytes()))), opens ? 0 : -1)
-            << name;
-        EXPECT_EQ(careful.ImportPDFFile(1), -1) << name;
-        EXPECT_EQ(careful.GetPageCount(), 0) << name;
-        EXPECT_EQ(careful.errors, std::vector<int>{ DynaPDFMBS::engineLost }) << name;
+    ::waitpid(program, nullptr, WUNTRACED);
+    const pid_t reader = childrenOf(program).at(0);
+    const pid_t document = childrenOf(reader).at(0);
+    ::kill(reader, SIGSTOP); // or it might see by itself that the program has gone
+    ::kill(program, SIGKILL);
+    ::waitpid(program, nullptr, 0);
+    ::kill(reader, SIGCONT);
+    for (const pid_t left : { reader, document }) {
+        int status = 0;
+        EXPECT_EQ(::waitpid(left, &status, 0), left);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
     }
-    ASSERT_EQ(engine.open(folder.write("a.pdf", Frames().add(ofOne).add(PdfEnd{}).bytes())), 0);
-    EXPECT_EQ(engine.errors, std::vector<int>{ DynaPDFMBS::pagesLeftOut });
+    while (::waitpid(-1, nullptr, 0) > 0) { } // the child that was to read the next document
 }
 
 } // namespace

@@ -6,11 +6,10 @@
 #include "framework/exceptions.h"
 #include "framework/files/FolderItem.h"
 #include "framework/files/TextOutputStream.h"
+#include "framework/processes.h"
 #include "support/ScriptedDesktop.h"
 #include "support/TempFolder.h"
 
-#include <filesystem>
-#include <iterator>
 #include <new>
 #include <string>
 
@@ -46,21 +45,17 @@ TEST(ThreadTest, killUnwindsTheBodyAndClosesItsStreams)
             log += "taken for an error";
         }
     };
-    const auto openDescriptors = [] {
-        return std::distance(
-            std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
-    };
-    const auto before = openDescriptors();
+    const auto before = openFiles();
     thread.RunEvent = [&] {
         const auto stream = itemAt(folder / "export")->CreateTextFile();
         stream->WriteLine("half");
-        EXPECT_GT(openDescriptors(), before);
+        EXPECT_GT(openFiles(), before);
         insideOfACall();
     };
     thread.Run();
     thread.Kill(); // nothing runs
     EXPECT_EQ(log, "");
-    EXPECT_EQ(openDescriptors(), before) << "the stream is closed";
+    EXPECT_EQ(openFiles(), before) << "the stream is closed";
     EXPECT_EQ(folder.count(), 0) << "and what was half-written is gone";
 
     Thread inner;

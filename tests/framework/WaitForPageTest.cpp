@@ -5,10 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBrowser>
 #include <QTimer>
+#include <QUrl>
 
 namespace quilvane {
 
@@ -57,6 +60,31 @@ TEST(WaitForPageTest, theDialogEndsWithThePageOrWhenTheUserCancels)
     });
     QApplication::exec();
     EXPECT_FALSE(QApplication::activeModalWidget());
+}
+
+/// Stands for the desktop's own way to open a file.
+class UrlTaker : public QTextBrowser {
+public:
+    UrlTaker() { QDesktopServices::setUrlHandler("file", this, "setSource"); }
+    ~UrlTaker() override { QDesktopServices::unsetUrlHandler("file"); }
+
+    QByteArray path;
+
+private:
+    void doSetSource(const QUrl& url, QTextDocument::ResourceType) override
+    {
+        path = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
+    }
+};
+
+TEST(OpeningAFile, thePathArrivesByteForByte)
+{
+    UrlTaker taker;
+    for (const char* path : { "/a b/c", "/a#b?c=d", "/100%41;%", "/\303\244", "/no\377utf", "//two/../dots",
+             "/new\nline", "/a:b\\c" }) {
+        EXPECT_TRUE(Desktop::current().openWithDefaultApplication(path));
+        EXPECT_EQ(taker.path.toStdString(), path);
+    }
 }
 
 } // namespace quilvane

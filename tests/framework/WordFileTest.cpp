@@ -2,19 +2,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/documents/WordFileMBS.h"
 
-#include "framework/documents/internal/ReaderProcess.h"
 #include "framework/exceptions.h"
 #include "framework/files/BinaryStream.h"
 #include "framework/files/FileDescriptor.h"
 #include "framework/files/FolderItem.h"
+#include "framework/processes.h"
 #include "support/TempFolder.h"
 
 #include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -52,14 +50,6 @@ std::string failure()
 
 class WordFile : public testing::Test {
 protected:
-    ~WordFile() override { useReader(m_reader); }
-
-    static void useReader(const std::string& program)
-    {
-        ReaderProcess::forget();
-        ReaderProcess::program() = program;
-    }
-
     std::string script(const std::string& name, const std::string& text) const
     {
         std::string path = folder.write(name, "#!/bin/sh\n" + text);
@@ -68,9 +58,6 @@ protected:
     }
 
     TempFolder folder;
-
-private:
-    const std::string m_reader = ReaderProcess::program();
 };
 
 TEST_F(WordFile, GivesItsTextOrAReason)
@@ -116,7 +103,7 @@ TEST_F(WordFile, AnUnusableReaderIsAnExceptionThatNamesIt)
              Case{
                  script("older", "echo hello >&3\nsleep 9\n"), "belongs to another version of the program." },
          }) {
-        useReader(program);
+        const Scoped broken = otherReader(program);
         const std::string message = failure();
         EXPECT_NE(message.find(program), std::string::npos) << message;
         EXPECT_NE(message.find(reason), std::string::npos) << message;
@@ -126,23 +113,15 @@ TEST_F(WordFile, AnUnusableReaderIsAnExceptionThatNamesIt)
 TEST_F(WordFile, IsReadAgainWhenTheReaderOrASpareChildIsKilled)
 {
     ASSERT_TRUE(documentOf(letter));
-    const auto readers = [] {
-        const std::string self = std::to_string(::getpid());
-        std::ifstream file("/proc/" + self + "/task/" + self + "/children");
-        return std::vector<pid_t>{ std::istream_iterator<pid_t>(file), {} };
-    };
     for (int i = 0; i < 3; ++i) {
-        ASSERT_EQ(readers().size(), 1u);
-        ::kill(readers()[0], SIGKILL);
+        ASSERT_EQ(childrenOf(::getpid()).size(), 1u);
+        ::kill(readerProcess(), SIGKILL);
         EXPECT_TRUE(documentOf(letter));
     }
-    // Kills the child that waits for the next document.
-    const std::string reader = std::to_string(readers()[0]);
-    pid_t spare = 0;
-    std::ifstream("/proc/" + reader + "/task/" + reader + "/children") >> spare;
-    ::kill(spare, SIGKILL);
+    const pid_t reader = readerProcess();
+    ::kill(childrenOf(reader).at(0), SIGKILL); // the one that waits for the next document
     EXPECT_TRUE(documentOf(letter));
-    EXPECT_EQ(std::to_string(readers()[0]), reader);
+    EXPECT_EQ(readerProcess(), reader);
 }
 
 } // namespace

@@ -62,6 +62,7 @@ TEST_F(BatchTest, whichFilesAreReadDependsOnTheirFolder)
         { "notes.txt.bak", 0, 0, 0 }, // listed, but the last extension is another
         { "a.csv.txt", 2, 2, 2 }, // listed twice
         { "~$lock.txt", 0, 1, 1 }, // counts as a lock file in the chosen folder only
+        { "~$lock.docx", 0, 0, 0 }, // as no document it would give the sample address
         { "a.tsv", 0, 0, 0 },
         { "a.png", 0, 0, 0 },
     };
@@ -177,6 +178,7 @@ TEST_F(BatchTest, loopsLinksPipesAndDeepFolders)
     tree.write(deep + "/bottom.txt", "c@y.org");
     searchFolder(tree.path());
     EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b@y.org", "c@y.org" }));
+    EXPECT_EQ(window().rCounter, 3) << "a link was followed, and files were read again";
 }
 
 TEST_F(BatchTest, stopIsSeenBetweenTheFolders)
@@ -200,6 +202,21 @@ TEST_F(BatchTest, stopIsSeenBetweenTheFolders)
     EXPECT_EQ(window().rCounter, 2);
     EXPECT_FALSE(window().searchStop.Value());
     EXPECT_FALSE(window().stopSwitch);
+}
+
+TEST_F(BatchTest, theBoxUntickedDuringTheWalkSparesTheFoldersToCome)
+{
+    const TempFolder tree;
+    for (const char* file : { "one/a.txt", "one/b.txt", "two/a.txt", "two/b.txt" })
+        tree.write(file, "a@y.org");
+    Timer click("click", 0);
+    click.Action = [&] {
+        click.setEnabled(false);
+        window().subFolderSearch.setValue(false);
+    };
+    click.setEnabled(true);
+    searchFolder(tree.path());
+    EXPECT_EQ(window().rCounter, 2);
 }
 
 TEST_F(BatchTest, stopWithoutSubfoldersIsSilent)
@@ -272,7 +289,7 @@ TEST_F(BatchTest, theFindsOfAFailedSearchStayInTheList)
     const TempFolder tree;
     tree.write("one.txt", "a@y.org A@y.org logo@2x.png");
     tree.write("below/broken.csv", std::string(300'000, ' ') + "b@y.org " + std::string(300'000, ' '));
-    const FailingReads broken("broken", 400'000);
+    const Scoped broken = failingReads("broken", 400'000);
     const std::vector<std::string> reason{ "broken.csv", "Input/output error" };
     const Rows expected{ "a@y.org" };
     const auto willReport = [&](const char* words) { desktop.willReport({ reason[0], reason[1], words }); };

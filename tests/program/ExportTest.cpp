@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
-#include <sys/resource.h>
-
 namespace quilvane {
 
 using ExportTest = ProgramTest;
@@ -70,18 +68,12 @@ TEST_F(ExportTest, failingWriteLeavesTheGoodFile)
 {
     folder.write("list.csv", "good");
     addRows(std::vector<std::string>(1000, "somebody@example.org"));
-    // A limit on file sizes stops the writing in the middle, like a full disk.
-    rlimit old{};
-    getrlimit(RLIMIT_FSIZE, &old);
-    rlimit small = old;
-    small.rlim_cur = 4096;
-    setrlimit(RLIMIT_FSIZE, &small);
-
     desktop.willSave(folder / "list.csv");
     desktop.willReport({ "list.csv", "File too large" });
-    window().exportBtn.Push();
-
-    setrlimit(RLIMIT_FSIZE, &old);
+    {
+        const Scoped fullDisk = largestFile(4096);
+        window().exportBtn.Push();
+    }
     EXPECT_EQ(TempFolder::contentOf(folder / "list.csv"), "good");
     EXPECT_EQ(rows().size(), 1000U);
     EXPECT_TRUE(desktop.launched.empty());

@@ -2,13 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
-#include <cstdlib>
-
 namespace quilvane {
 
 ProgramTest::ProgramTest()
 {
-    setenv("XDG_DATA_HOME", folder.path().c_str(), 1);
     application = makeApp();
     implicit<Window1>();
 }

@@ -5,6 +5,7 @@
 #include "app/App.h"
 #include "app/Window1.h"
 #include "app/startUp.h"
+#include "support/Scoped.h"
 #include "support/ScriptedDesktop.h"
 #include "support/TempFolder.h"
 
@@ -31,6 +32,7 @@ protected:
     static void settle() { Application::DoEvents(200); }
 
     TempFolder folder;
+    Scoped dataFolder = environmentVariable("XDG_DATA_HOME", folder.path());
     ScriptedDesktop desktop;
     std::unique_ptr<App> application;
 };

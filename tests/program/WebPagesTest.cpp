@@ -39,13 +39,6 @@ using Rows = std::vector<std::string>;
 
 class WebPagesTest : public ProgramTest {
 protected:
-    WebPagesTest()
-    {
-        setenv("no_proxy", "*", 1);
-        FetchOptions::standard().authoritiesFile = server.authoritiesFile();
-    }
-    ~WebPagesTest() override { FetchOptions::standard() = FetchOptions(); }
-
     void search(const std::string& url)
     {
         window().urlField.setText(url);
@@ -53,6 +46,10 @@ protected:
     }
 
     WebServer server;
+
+private:
+    Scoped m_noProxy = environmentVariable("no_proxy", "*");
+    Scoped m_authorities{ FetchOptions::standard().authoritiesFile, server.authoritiesFile() };
 };
 
 } // namespace
@@ -160,10 +157,12 @@ TEST_F(WebPagesTest, typingSendsNoRequestAndASearchSendsOne)
     EXPECT_EQ(server.requests(), Rows());
     EXPECT_EQ(w.TextField1.Text(), "kept");
 
-    w.urlField.setText(' ' + url + ' ');
-    EXPECT_FALSE(w.urlField.KeyDown("\t"));
-    EXPECT_TRUE(w.urlField.KeyDown("\r"));
-    EXPECT_EQ(server.requests(), Rows{ "/page" });
+    for (const char* enter : { "\r", "\x03" }) { // the latter of the numeric pad
+        w.urlField.setText(' ' + url + ' ');
+        EXPECT_FALSE(w.urlField.KeyDown("\t"));
+        EXPECT_TRUE(w.urlField.KeyDown(enter));
+    }
+    EXPECT_EQ(server.requests(), (Rows{ "/page", "/page" }));
     EXPECT_EQ(rows(), Rows{ "x@y.org" });
 }
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <utility>
 
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -14,30 +13,26 @@ namespace quilvane {
 
 namespace {
 
-std::string failingPath; // empty: nothing fails
-long failingByte = 0;
+struct Failure {
+    std::string path; // empty: nothing fails
+    long byte = 0;
+} failure;
 
 bool isFailing(int descriptor)
 {
-    if (failingPath.empty())
+    if (failure.path.empty())
         return false;
     std::array<char, 4096> path{};
     const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
     const ssize_t size = ::readlink(link.c_str(), path.data(), path.size());
-    return size > 0 && std::string(path.data(), std::size_t(size)).find(failingPath) != std::string::npos;
+    return size > 0 && std::string(path.data(), std::size_t(size)).find(failure.path) != std::string::npos;
 }
 
 } // namespace
 
-FailingReads::FailingReads(std::string inPath, long atByte)
+Scoped failingReads(const std::string& inPath, long atByte)
 {
-    failingPath = std::move(inPath);
-    failingByte = atByte;
-}
-
-FailingReads::~FailingReads()
-{
-    failingPath.clear();
+    return Scoped(failure, { inPath, atByte });
 }
 
 } // namespace quilvane
@@ -47,11 +42,11 @@ extern "C" ssize_t read(int descriptor, void* into, std::size_t count)
 {
     if (quilvane::isFailing(descriptor)) {
         const long position = ::lseek(descriptor, 0, SEEK_CUR);
-        if (position >= quilvane::failingByte) {
+        if (position >= quilvane::failure.byte) {
             errno = EIO;
             return -1;
         }
-        count = std::min(count, std::size_t(quilvane::failingByte - position));
+        count = std::min(count, std::size_t(quilvane::failure.byte - position));
     }
     return ::syscall(SYS_read, descriptor, into, count);
 }

@@ -9,14 +9,8 @@
 
 namespace quilvane {
 
-ScriptedDesktop::ScriptedDesktop()
-{
-    Desktop::use(this);
-}
-
 ScriptedDesktop::~ScriptedDesktop()
 {
-    Desktop::use(nullptr);
     for (const Plan& missing : m_plans)
         ADD_FAILURE() << "planned, but never came: " << missing.kind
                       << (missing.texts.empty() ? "" : ", " + missing.texts.front());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "framework/dialogs/Desktop.h"
+#include "support/Scoped.h"
 
 #include <deque>
 #include <string>
@@ -10,12 +11,11 @@
 
 namespace quilvane {
 
-/// Replaces the real desktop while it exists, and answers the program's dialogs by a plan, in order. A dialog
-/// that was not planned fails the test with its text and is cancelled; one with another text than planned
-/// fails it, and so does a planned one that never came.
+/// Answers the program's dialogs by a plan made beforehand, in order. A dialog that was not planned, or that
+/// shows another text than planned, fails the test with its text and is answered as a user who cancels; a
+/// planned one that never came fails it, too. In place of the desktop before it while it lives.
 class ScriptedDesktop : public Desktop {
 public:
-    ScriptedDesktop();
     ~ScriptedDesktop() override;
 
     void willOpen(std::string path) { plan({ .kind = "open dialog", .answer = std::move(path) }); }
@@ -70,6 +70,7 @@ private:
     Plan next(const std::string& kind, const std::string& shown);
 
     std::deque<Plan> m_plans;
+    Scoped m_use{ Desktop::use, &Desktop::current(), this };
 };
 
 } // namespace quilvane

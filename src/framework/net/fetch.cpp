@@ -115,8 +115,7 @@ private:
         set(CURLOPT_ERRORBUFFER, m_detail.data());
         set(CURLOPT_URL, m_request.c_str());
         set(CURLOPT_DEFAULT_PROTOCOL, "https");
-        set(CURLOPT_PROTOCOLS_STR, "http,https");
-        set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+        set(CURLOPT_PROTOCOLS_STR, "http,https"); // of redirects as well
         set(CURLOPT_FOLLOWLOCATION, 1L);
         set(CURLOPT_MAXREDIRS, static_cast<long>(m_options.mostRedirects));
         set(CURLOPT_COOKIEFILE, ""); // no file: cookies during the redirects only, which some sites need
