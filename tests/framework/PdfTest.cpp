@@ -285,10 +285,10 @@ TEST_F(Pdf, IsReadAgainWhenTheReaderIsLost)
 
 TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
 {
-    // What the program leaves becomes the test's.
+    // Children that the program leaves become the test's.
     const Scoped adopting([](int isOn) { ::prctl(PR_SET_CHILD_SUBREAPER, isOn); }, 0, 1);
     const std::string path = folder.write("a.pdf", onePage(std::string(100'000, 'Q'), 20'000));
-    ReaderProcess::forget(); // the program below is to have one of its own
+    ReaderProcess::forget(); // the program below needs a reader of its own
     const pid_t program = ::fork();
     if (program == 0) {
         RecordingEngine doomed;
@@ -299,7 +299,7 @@ TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
     ::waitpid(program, nullptr, WUNTRACED);
     const pid_t reader = childrenOf(program).at(0);
     const pid_t document = childrenOf(reader).at(0);
-    ::kill(reader, SIGSTOP); // or it might see by itself that the program has gone
+    ::kill(reader, SIGSTOP); // otherwise it might notice by itself that the program has ended
     ::kill(program, SIGKILL);
     ::waitpid(program, nullptr, 0);
     ::kill(reader, SIGCONT);
@@ -308,7 +308,7 @@ TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
         EXPECT_EQ(::waitpid(left, &status, 0), left);
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
     }
-    while (::waitpid(-1, nullptr, 0) > 0) { } // the child that was to read the next document
+    while (::waitpid(-1, nullptr, 0) > 0) { } // the child that waits for the next document
 }
 
 } // namespace

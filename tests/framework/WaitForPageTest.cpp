@@ -62,7 +62,7 @@ TEST(WaitForPageTest, theDialogEndsWithThePageOrWhenTheUserCancels)
     EXPECT_FALSE(QApplication::activeModalWidget());
 }
 
-/// Stands for the desktop's own way to open a file.
+/// Replaces the desktop's own way to open a file.
 class UrlTaker : public QTextBrowser {
 public:
     UrlTaker() { QDesktopServices::setUrlHandler("file", this, "setSource"); }

@@ -32,7 +32,7 @@ inline pid_t readerProcess()
     return childrenOf(::getpid()).at(0);
 }
 
-/// Documents are read by another program.
+/// While the result exists, `program` reads documents.
 inline Scoped otherReader(const std::string& program)
 {
     const auto use = [](const std::string& path) {

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Random trees, searched and dropped, against the rules of a run written out without anything that makes them
-// quick.
+// Searches and drops of random trees, compared with a simple and slow model of a run.
 #include "program/ProgramTest.h"
 
 #include "scan/pictureName.h"
@@ -26,13 +25,13 @@ std::string lower(std::string text)
     return text;
 }
 
-/// As the pattern ".txt", whose dot stands for any character.
+/// Like the pattern ".txt", whose dot stands for any character.
 bool hasAfterOne(const std::string& name, const char* letters)
 {
     return lower(name).find(letters, 1) != std::string::npos;
 }
 
-/// As the pattern "\.txt".
+/// Like the pattern "\.txt".
 bool hasAfterDot(const std::string& name, const char* letters)
 {
     return lower(name).find(std::string(".") + letters) != std::string::npos;
@@ -159,11 +158,11 @@ private:
     {
         if (fs::is_directory(file)) // can't be opened
             return;
-        lastText = contents[fs::canonical(file)]; // perhaps reached by a link
+        lastText = contents[fs::canonical(file)]; // the path may lead through a link
         stageLastText();
     }
 
-    /// None of them can be parsed.
+    /// None of these files can be parsed.
     void readWord(const std::string& file)
     {
         if (fs::path(file).filename().native().find("~$") != std::string::npos)
@@ -217,7 +216,7 @@ protected:
         }
         for (std::size_t folders = depth > 0 ? below(4) : 0; folders > 0; --folders)
             makeTree(root / folderNames[below(std::size(folderNames))], depth - 1);
-        // Not above the tree: there lie those of the rounds before.
+        // Not to folders above the tree, which hold the trees of earlier rounds.
         const bool isTop = depth == greatestDepth;
         std::error_code taken;
         if (below(6) == 0)
@@ -229,7 +228,7 @@ protected:
         Rows all{ root };
         for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
             const std::string name = entry.path().filename();
-            // A PDF or Word file that can't be read tells so when it is dropped itself.
+            // A PDF or Word file that is dropped itself and can't be read shows a message.
             if (entry.is_directory()
                 || (!hasAfterOne(name, "pdf") && !hasAfterOne(name, "doc")
                     && (hasAfterOne(name, "txt") || hasAfterOne(name, "csv"))))

@@ -62,7 +62,7 @@ TEST_F(BatchTest, whichFilesAreReadDependsOnTheirFolder)
         { "notes.txt.bak", 0, 0, 0 }, // listed, but the last extension is another
         { "a.csv.txt", 2, 2, 2 }, // listed twice
         { "~$lock.txt", 0, 1, 1 }, // counts as a lock file in the chosen folder only
-        { "~$lock.docx", 0, 0, 0 }, // as no document it would give the sample address
+        { "~$lock.docx", 0, 0, 0 }, // if it were read as a document, it would give the sample address
         { "a.tsv", 0, 0, 0 },
         { "a.png", 0, 0, 0 },
     };

@@ -6,8 +6,8 @@
 
 namespace quilvane {
 
-/// The disk fails at a byte of every file whose path holds a text: a read that would go beyond that byte
-/// gives what is before it, and the next one fails with EIO.
+/// Reads fail at a byte of every file whose path contains a text: a read that would go beyond that byte gives
+/// the bytes before it, and the next one fails with EIO.
 Scoped failingReads(const std::string& inPath, long atByte);
 
 } // namespace quilvane

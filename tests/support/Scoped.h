@@ -15,8 +15,8 @@
 
 namespace quilvane {
 
-/// Changes something that the whole process shares, and puts it back when it goes. Tests change nothing of
-/// the kind in another way.
+/// Changes something that the whole process shares, and restores it in its destructor. Tests change shared
+/// state only with this.
 class Scoped {
 public:
     /// Changes a variable.
@@ -26,7 +26,7 @@ public:
     {
     }
 
-    /// Calls `set` with `value`, and in the end with `before`.
+    /// Calls `set` with `value`, and at the end with `before`.
     template <typename Set, typename Value>
     Scoped(Set set, Value before, const std::type_identity_t<Value>& value)
     {
@@ -50,7 +50,7 @@ inline Scoped environmentVariable(const char* name, const std::string& value)
         before ? Value(before) : Value(), value);
 }
 
-/// The process can make no file larger than that, as on a full disk.
+/// The process can't make a file larger than that, like on a full disk.
 inline Scoped largestFile(rlim_t bytes)
 {
     rlimit before{};
@@ -59,7 +59,7 @@ inline Scoped largestFile(rlim_t bytes)
         [](const rlimit& limit) { ::setrlimit(RLIMIT_FSIZE, &limit); }, before, { bytes, before.rlim_max });
 }
 
-/// Nothing is forbidden to root, as which tests may run; so root becomes somebody else.
+/// Tests may run as root, to whom nothing is forbidden; so root becomes another user.
 inline Scoped notRoot()
 {
     constexpr uid_t nobody = 65534;

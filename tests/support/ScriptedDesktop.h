@@ -11,9 +11,9 @@
 
 namespace quilvane {
 
-/// Answers the program's dialogs by a plan made beforehand, in order. A dialog that was not planned, or that
-/// shows another text than planned, fails the test with its text and is answered as a user who cancels; a
-/// planned one that never came fails it, too. In place of the desktop before it while it lives.
+/// Replaces the previous desktop while it exists, and answers the program's dialogs by a plan, in order. A
+/// dialog that was not planned fails the test with its text and is cancelled; one with another text than
+/// planned fails it, and so does a planned one that never came.
 class ScriptedDesktop : public Desktop {
 public:
     ~ScriptedDesktop() override;
