@@ -107,6 +107,7 @@ void Application::Quit()
 
 void Application::askedToQuit()
 {
+    m_endedFromOutside = true;
     // Not put off for a dialog: it ends with the program.
     if (!isOnlyPainting()) {
         Quit();
@@ -137,6 +138,11 @@ void Application::endHandlerIfQuitting()
     // The windows' own closing events run to their end.
     if (self.m_quitting && !self.m_closingWindows && handlerDepth() > 0)
         throw QuitUnwinding();
+}
+
+bool Application::isEndedFromOutside()
+{
+    return theApplication && theApplication->m_endedFromOutside;
 }
 
 void Application::chosen(MenuItem& item)

@@ -8,7 +8,8 @@
 namespace quilvane {
 
 /// Runs `handler`, through which one event enters the program. What it throws ends this handler alone and is
-/// reported to the user in one dialog that names `name`; the caller goes on as if the handler had returned.
+/// reported to the user in one dialog, and to the log with `name`; the caller goes on as if the handler had
+/// returned. Once a signal or the desktop has ended the program the log alone is told.
 ///
 /// Handlers nest (a dialog or DoEvents runs the event loop inside of one); each ends on its own. While the
 /// windows are only being painted nothing is run: an event that must not be lost is put off first.
