@@ -12,7 +12,7 @@ namespace quilvane {
 namespace {
 
 struct Words {
-    const char* handler;
+    const char* handler; // what its name begins with
     const char* text;
     bool stages = false; // its finds wait in the staged rows
 };
@@ -32,6 +32,9 @@ constexpr std::array handlers{
         "Rows that were removed before the failure are gone. The others are as they were." },
     Words{ "searchBtn_Action", "The search of the list has ended here. The list is as it was." },
     Words{ "searchField_KeyDown", "The search of the list has ended here. The list is as it was." },
+    // The application's and the windows'.
+    Words{ "Event_Open", "Quilvane goes on without its preferences file." },
+    Words{ "Event_Close", "Quilvane goes on without its preferences file." },
 };
 
 /// Empty where nothing was staged.
@@ -54,7 +57,7 @@ std::string keptFinds()
 std::string failureWords(const std::string& handlerName)
 {
     for (const Words& words : handlers) {
-        if (words.handler == handlerName)
+        if (handlerName.starts_with(words.handler))
             return words.text + (words.stages ? keptFinds() : std::string());
     }
     return "What was being done has ended here.";

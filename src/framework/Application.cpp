@@ -107,6 +107,7 @@ void Application::Quit()
 
 void Application::askedToQuit()
 {
+    m_endedFromOutside = true;
     // Not put off while a dialog is open: the dialog ends with the program.
     if (!isOnlyPainting()) {
         Quit();
@@ -137,6 +138,11 @@ void Application::endHandlerIfQuitting()
     // While windows close, their handlers run to their end.
     if (self.m_quitting && !self.m_closingWindows && handlerDepth() > 0)
         throw QuitUnwinding();
+}
+
+bool Application::isEndedFromOutside()
+{
+    return theApplication && theApplication->m_endedFromOutside;
 }
 
 void Application::chosen(MenuItem& item)

@@ -69,6 +69,8 @@ public:
     /// Quits if the program was asked to while its windows were only being painted. After Quit() it throws,
     /// to end the handler that has called it: with the windows gone, nobody would see what that does.
     static void endHandlerIfQuitting();
+    /// Whether a signal or the desktop has ended the program: nobody may be there to answer a dialog.
+    static bool isEndedFromOutside();
 
 protected:
     virtual void Event_Open() { }
@@ -85,6 +87,7 @@ private:
     quilvane::MenuBar* m_menuBar = nullptr;
     std::vector<std::pair<std::string, MenuHandler>> m_menuHandlers;
     std::unique_ptr<Native> m_native;
+    bool m_endedFromOutside = false;
     bool m_mustQuit = false; // asked to while the windows were only being painted
     bool m_quitting = false;
     bool m_closingWindows = false;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/EventGuard.h"
 
+#include "framework/Application.h"
 #include "framework/controls/Window.h"
 #include "framework/dialogs/Desktop.h"
 #include "framework/keepWindowPainted.h"
@@ -158,6 +159,8 @@ void reportCurrentException(const std::string& handlerName)
 {
     const std::string what = describeCurrentException();
     logLine(handlerName + ": " + what);
+    if (Application::isEndedFromOutside())
+        return;
     const std::string words = wordsFor(handlerName);
     const EventsHeld held;
     Desktop::current().showError(what, words);

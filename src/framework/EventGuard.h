@@ -8,8 +8,8 @@
 namespace quilvane {
 
 /// Runs `handler`, the program's handler of one event. An exception ends only this handler and is reported to
-/// the user in one dialog; the caller goes on as if the handler had returned. `name` is the handler's, for
-/// the log and setFailureWords().
+/// the user in one dialog, or only to the log once a signal or the desktop has ended the program; the caller
+/// goes on as if the handler had returned. `name` is the handler's, for the log and setFailureWords().
 ///
 /// Handlers nest (a dialog or DoEvents runs the event loop inside of one); each ends on its own. While the
 /// windows are only being painted no handler runs: an event that must not be lost has to be put off

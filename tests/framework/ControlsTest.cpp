@@ -200,6 +200,11 @@ TEST_F(ControlsTest, changesByCodeFireTheUsersEvents)
     QTest::mouseClick(TestWindow::widget<QWidget>("box"), Qt::LeftButton, {}, { 8, 10 });
     QTest::keyClick(TestWindow::widget<QLineEdit>("field"), 'X');
     EXPECT_EQ(events, "off textX ");
+
+    TestWindow::widget<QLineEdit>("field")->insert(QString(1'000'000, 'a'));
+    EXPECT_EQ(window->field.Text().size(), 32'767U) << "what the user pastes has a limit";
+    window->field.setText(std::string(100'000, 'a'));
+    EXPECT_EQ(window->field.Text().size(), 100'000U);
 }
 
 TEST_F(ControlsTest, aParkedControlWorksButCannotBeReached)

@@ -8,6 +8,7 @@
 #include "app/prefsModule.h"
 #include "framework/threads/Timer.h"
 
+#include <csignal>
 #include <filesystem>
 
 namespace quilvane {
@@ -34,21 +35,22 @@ TEST_F(StartUpTest, runsFromStartToQuit)
 
 TEST_F(StartUpTest, quittingDuringAnErrorOfTheStartEndsTheProgram)
 {
-    class QuittingUser : public ScriptedDesktop {
+    class EndOfSession : public ScriptedDesktop {
     public:
-        std::string obstacle;
-
         void showError(std::string_view what, std::string_view where) override
         {
             ScriptedDesktop::showError(what, where);
-            std::filesystem::remove(obstacle);
-            Application::instance().Quit();
+            std::raise(SIGTERM);
+            settle();
         }
-    } user;
-    user.obstacle = folder / "Quilvane/QuilvanePreferences";
-    std::filesystem::create_directories(user.obstacle);
-    user.willReport({ "QuilvanePreferences" });
+    } desktopOfTheSession;
+    std::filesystem::create_directories(folder / "Quilvane/QuilvanePreferences");
+    desktopOfTheSession.willReport(
+        { "QuilvanePreferences" }); // once: nobody would answer the windows' own reports
+    window();
     EXPECT_EQ(application->Run([] {}), 0);
+    EXPECT_FALSE(isOpen<Window1>());
+    std::filesystem::remove(folder / "Quilvane/QuilvanePreferences");
 }
 
 TEST_F(StartUpTest, preferencesFileHoldsOneUncheckedLine)

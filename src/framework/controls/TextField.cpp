@@ -11,10 +11,16 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
-#include <limits>
+#include <algorithm>
 #include <utility>
 
 namespace quilvane {
+
+namespace {
+
+constexpr int longestInput = 32'767; // characters
+
+} // namespace
 
 class TextField::Edit : public QLineEdit {
 public:
@@ -66,16 +72,23 @@ TextField::TextField(Window& window, std::string_view name)
 
 void TextField::setText(std::string text)
 {
-    if (auto* edit = qobject_cast<QLineEdit*>(native().widget))
-        edit->setText(toQt(text)); // comes back through textChanged
-    else
+    auto* edit = qobject_cast<QLineEdit*>(native().widget);
+    if (!edit) {
         changeText(std::move(text));
+        return;
+    }
+    const QString shown = toQt(text);
+    // Only the user's input has a limit, and a smaller one would cut what still stands there.
+    edit->setMaxLength(std::max(edit->maxLength(), static_cast<int>(shown.size())));
+    edit->setText(shown); // comes back through textChanged
 }
 
 void TextField::makeWidget(Native& native)
 {
     auto* edit = new Edit(native.content, *this);
-    edit->setMaxLength(std::numeric_limits<int>::max());
+    // What the user gives is one line: a list pasted by mistake would take Qt minutes and gigabytes to lay
+    // out.
+    edit->setMaxLength(longestInput);
     QObject::connect(edit, &QLineEdit::textChanged, [this] { edited(); });
     native.widget = edit;
 }

@@ -47,4 +47,13 @@ void ProgramStyle::drawPrimitive(
     painter->restore();
 }
 
+int ProgramStyle::styleHint(
+    StyleHint hint, const QStyleOption* option, const QWidget* widget, QStyleHintReturn* data) const
+{
+    // In the dark the light shadow would make grey menu items as bold and bright as live ones.
+    if (hint == SH_EtchDisabledText)
+        return 0;
+    return QProxyStyle::styleHint(hint, option, widget, data);
+}
+
 } // namespace quilvane

@@ -187,6 +187,7 @@ bool QtDesktop::waitForPage(
     constexpr int lookEvery = 100; // ms
     constexpr int longestHost = 40; // average letters
     QProgressDialog dialog(parentWindow());
+    dialog.setWindowTitle(QApplication::applicationName()); // a screen reader speaks it
     auto* const label = new QLabel;
     label->setTextFormat(Qt::PlainText);
     label->setMargin(8);
