@@ -32,8 +32,13 @@ public:
     std::string toUtf8(std::string_view bytes);
 
 private:
-    /// Where the system has no such converter it fails at each use, and every character is U+FFFD.
+    void close();
+
+    /// Where the system has no such converter it fails at each use, and every character is U+FFFD. Null once
+    /// m_upper tells all that it could, in a set of one byte for each character: a process that holds fewer
+    /// libraries forks faster.
     void* m_native;
+    bool m_holdsBack = false; // a letter, until what follows is known
     std::array<char32_t, 128> m_upper;
 };
 
