@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "framework/documents/WordFileMBS.h"
 
+#include "framework/Application.h"
 #include "framework/documents/internal/ReaderProcess.h"
 #include "framework/exceptions.h"
 #include "framework/files/BinaryStream.h"
@@ -143,6 +144,11 @@ TEST_F(WordFile, OutlivesTheReader)
     ::kill(spare, SIGKILL);
     EXPECT_TRUE(documentOf(letter));
     EXPECT_EQ(std::to_string(readers()[0]), reader);
+    // As it does after a while without work: no zombie is left.
+    ::kill(readers()[0], SIGKILL);
+    while (!readers().empty())
+        Application::DoEvents(10);
+    EXPECT_TRUE(documentOf(letter));
 }
 
 } // namespace

@@ -38,6 +38,9 @@ public:
     static std::shared_ptr<ReaderProcess> running();
     /// The next running() starts another one. To be called when this one is of no more use.
     static void forget();
+    /// Forgets the present one if it has ended by itself; it would stay a zombie until the next document. To
+    /// be called when the event loop turns.
+    static void reap();
     /// Its path: beside the program, as it is built, or where an installation keeps it. Tests put others
     /// there.
     static std::string& program();
