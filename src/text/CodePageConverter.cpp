@@ -10,6 +10,7 @@
 #include <iterator>
 #include <map>
 #include <type_traits>
+#include <utility>
 
 #include <iconv.h>
 
@@ -72,11 +73,22 @@ CodePageConverter::CodePageConverter(const char* name)
         const char byte = static_cast<char>(m_upper.size() + i);
         m_upper[i] = character({ &byte, 1 });
     }
+    const auto isIncomplete = [](char32_t code) { return code == incomplete; };
+    const auto isCharacter = [](char32_t code) { return code != replacement; };
+    if (!m_holdsBack && std::none_of(m_upper.begin(), m_upper.end(), isIncomplete)
+        && std::any_of(m_upper.begin(), m_upper.end(), isCharacter))
+        close();
 }
 
 CodePageConverter::~CodePageConverter()
 {
-    iconv_close(m_native);
+    close();
+}
+
+void CodePageConverter::close()
+{
+    if (m_native)
+        iconv_close(std::exchange(m_native, nullptr));
 }
 
 char32_t CodePageConverter::character(std::string_view bytes)
@@ -90,17 +102,25 @@ char32_t CodePageConverter::character(std::string_view bytes)
     if (iconv(m_native, &input, &inputLeft, &output, &room) == std::size_t(-1))
         return errno == EINVAL ? incomplete : replacement;
     // Some sets hold a letter back until they know whether an accent follows.
+    m_holdsBack = m_holdsBack || room == text.size();
     iconv(m_native, nullptr, nullptr, &output, &room);
     return room == text.size() ? replacement : firstCharacter({ text.data(), text.size() - room }).code;
 }
 
 std::string CodePageConverter::toUtf8(std::string_view bytes)
 {
+    std::string text;
+    text.reserve(bytes.size());
+    if (!m_native) {
+        for (const char c : bytes) {
+            const auto byte = static_cast<unsigned char>(c);
+            appendUtf8(text, byte < m_upper.size() ? byte : m_upper[byte - m_upper.size()]);
+        }
+        return text;
+    }
     iconv(m_native, nullptr, nullptr, nullptr, nullptr);
     char* input = const_cast<char*>(bytes.data()); // iconv does not write there
     std::size_t inputLeft = bytes.size();
-    std::string text;
-    text.reserve(bytes.size());
     std::array<char, 16384> buffer;
     while (inputLeft > 0) {
         char* output = buffer.data();

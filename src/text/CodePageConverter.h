@@ -33,8 +33,13 @@ public:
     std::string toUtf8(std::string_view bytes);
 
 private:
-    /// If the system has no such converter, each use fails and every character is U+FFFD.
+    void close();
+
+    /// If the system has no such converter, each use fails and every character is U+FFFD. Null once m_upper
+    /// holds all that it could tell, as it does for a set of one byte a character: a process that holds fewer
+    /// libraries forks faster.
     void* m_native;
+    bool m_holdsBack = false; // a letter, until what follows is known
     std::array<char32_t, 128> m_upper;
 };
 

@@ -4,6 +4,7 @@
 
 #include "framework/Application.h"
 #include "framework/EventGuard.h"
+#include "framework/documents/internal/ReaderProcess.h"
 #include "framework/keepWindowPainted.h"
 
 #include <QAbstractEventDispatcher>
@@ -86,6 +87,7 @@ void WindowPainter::loopTurned()
         QGuiApplication::restoreOverrideCursor();
         waitCursorShows = false;
     }
+    ReaderProcess::reap();
 }
 
 } // namespace quilvane

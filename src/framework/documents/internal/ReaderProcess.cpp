@@ -148,6 +148,15 @@ void ReaderProcess::forget()
     currentReader().reset();
 }
 
+void ReaderProcess::reap()
+{
+    std::shared_ptr<ReaderProcess>& reader = currentReader();
+    if (!reader || ::waitpid(reader->m_process, nullptr, WNOHANG) == 0)
+        return;
+    reader->m_process = -1;
+    reader.reset();
+}
+
 std::string& ReaderProcess::program()
 {
     static std::string path = [] {

@@ -38,6 +38,9 @@ public:
     static std::shared_ptr<ReaderProcess> running();
     /// The next running() starts another one. To be called when the current one has failed.
     static void forget();
+    /// Forgets the current one if it has ended by itself; it would stay a zombie until the next document. To
+    /// be called when the event loop turns.
+    static void reap();
     /// The path of the reader's program: beside this program in a build folder, else where it is installed.
     /// Tests change it.
     static std::string& program();
