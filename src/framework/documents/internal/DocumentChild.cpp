@@ -61,7 +61,7 @@ DocumentChild::DocumentChild(ReaderOrder order, int file, const DocumentLimits& 
     m_socket = FileDescriptor(pair[0]);
     const FileDescriptor theirs(pair[1]);
     try {
-        m_number = m_reader->read(std::move(order), file, theirs.number());
+        m_number = m_reader->read(order, file, theirs.number());
     } catch (const ReaderLost&) {
         ReaderProcess::forget();
         throw;
