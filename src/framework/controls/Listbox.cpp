@@ -206,10 +206,14 @@ void Listbox::RetainRows(std::size_t first, std::span<const unsigned char> stays
     if (gone == stays.end())
         return;
     const std::size_t firstChanged = first + std::size_t(gone - stays.begin());
+    ++m_arrangement; // first, as what follows may fail half-way
     m_model->keepCopies(firstChanged);
-    constexpr long soon = 10; // ms: the removal goes on without a pause, for 100 ms where rows are many
-    keepWindowPainted(soon);
-    ++m_arrangement; // before the removal, which may fail half-way
+    // The removal itself has no pause, and takes 100 ms for 5 million rows.
+    constexpr std::size_t many = 1'000'000;
+    constexpr long soon = 10; // ms
+    if (stays.size() > many)
+        keepWindowPainted(soon);
+    Rows().requireMemoryToRetain(firstChanged); // before the selection moves
     m_model->rowsToChange(firstChanged, [&](RowPlace& place) { place.retain(first, stays); })
         .retain(first, stays);
 }

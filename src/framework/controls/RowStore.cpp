@@ -29,6 +29,9 @@ void giveBackMemoryOf(std::size_t chunks)
         ::malloc_trim(0);
 }
 
+/// A chunk of long rows grows with them, and is not made so large beforehand.
+constexpr std::size_t mostGuessed = std::size_t(1) << 20; // bytes of text
+
 /// Calls take(i) for each row i that holds `literal`. `text` is the rows one after the other; row i ends at
 /// ends[i] - offset.
 template <typename Take>
@@ -136,7 +139,7 @@ void RowStore::retain(std::size_t first, std::span<const unsigned char> stays)
     // The chunks from that row on are taken out, and their remaining rows are added again. Each old chunk is
     // freed at once: at most the list and one chunk are in memory, not the list twice.
     const std::size_t firstChunk = row / rowsPerChunk;
-    requireMemoryForCopyOfAny(firstChunk);
+    requireMemoryToRetain(row);
     std::vector<ChunkPointer> old(std::make_move_iterator(m_chunks.begin() + std::ptrdiff_t(firstChunk)),
         std::make_move_iterator(m_chunks.end()));
     truncate(firstChunk * rowsPerChunk);
@@ -158,15 +161,15 @@ void RowStore::retain(std::size_t first, std::span<const unsigned char> stays)
     giveBackMemoryOf(firstChunk + old.size() - m_chunks.size());
 }
 
-void RowStore::requireMemoryForCopyOfAny(std::size_t firstChunk) const
+void RowStore::requireMemoryToRetain(std::size_t first) const
 {
     std::size_t largest = 0;
-    for (std::size_t i = firstChunk; i < m_chunks.size(); ++i) {
+    for (std::size_t i = first / rowsPerChunk; i < m_chunks.size(); ++i) {
         const std::size_t rows = std::min(rowsPerChunk, m_size - i * rowsPerChunk);
         largest = std::max<std::size_t>(largest, m_chunks[i]->ends[rows]);
     }
     ChunkPointer copy;
-    resize(copy, 2 * largest); // with the room that makeRoom() adds
+    resize(copy, 2 * largest + mostGuessed); // with the room that makeRoom() adds
 }
 
 void RowStore::makeRoomIfMemoryAllows(std::size_t bytes)
@@ -193,8 +196,9 @@ void RowStore::makeRoom(std::size_t bytes)
         if (!m_chunks.empty())
             resize(m_chunks.back(), lastText);
         // The next rows will be about as long as the last ones.
+        const std::size_t guess = std::min(lastText + lastText / 16, mostGuessed);
+        const std::size_t room = std::max({ bytes, guess, smallestText });
         ChunkPointer next;
-        const std::size_t room = std::max({ bytes, lastText + lastText / 16, smallestText });
         resize(next, room);
         next->ends[0] = 0;
         m_chunks.push_back(std::move(next));

@@ -66,9 +66,13 @@ public:
     void truncate(std::size_t count);
 
     /// Of the rows from `first` on keeps row i where stays[i - first] is not 0, in the same order. `stays`
-    /// has size() - first elements. Rows before `first` are not touched and cost nothing. Throws
-    /// std::bad_alloc before anything has changed.
+    /// has size() - first elements. Rows before `first` are not touched and cost nothing. Throws what
+    /// requireMemoryToRetain() throws, before anything has changed.
     void retain(std::size_t first, std::span<const unsigned char> stays);
+
+    /// Throws std::bad_alloc if retain() would probably run out of memory, and so lose rows. It may still do
+    /// so if thousands of rows stay that are many times as long as those between them.
+    void requireMemoryToRetain(std::size_t first) const;
 
 private:
     static constexpr std::size_t rowsPerChunk = 4096;
@@ -94,8 +98,6 @@ private:
     /// Makes room for `bytes` bytes: one more row, or several that fit into the last chunk.
     void makeRoom(std::size_t bytes);
     void makeRoomIfMemoryAllows(std::size_t bytes);
-    /// Throws std::bad_alloc if there is no memory for a copy of the largest chunk from `firstChunk` on.
-    void requireMemoryForCopyOfAny(std::size_t firstChunk) const;
     /// Gives a chunk, or a null one, room for that many bytes of text.
     static void resize(ChunkPointer& chunk, std::size_t textSize);
     /// Adds copies of the rows [begin, end) of a chunk.
