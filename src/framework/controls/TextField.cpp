@@ -11,7 +11,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
-#include <algorithm>
 #include <utility>
 
 namespace quilvane {
@@ -79,7 +78,8 @@ void TextField::setText(std::string text)
     }
     const QString shown = toQt(text);
     // Only the user's input has a limit, and a smaller one would cut what still stands there.
-    edit->setMaxLength(std::max(edit->maxLength(), static_cast<int>(shown.size())));
+    if (shown.size() > edit->maxLength())
+        edit->setMaxLength(static_cast<int>(shown.size()));
     edit->setText(shown); // comes back through textChanged
 }
 

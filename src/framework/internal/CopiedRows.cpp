@@ -8,6 +8,8 @@
 #include "framework/keepWindowPainted.h"
 #include "framework/logLine.h"
 
+#include <QPointer>
+
 #include <algorithm>
 #include <exception>
 #include <string>
@@ -44,7 +46,13 @@ void CopiedRows::keep(std::size_t firstChanged)
 {
     if (!m_rows || m_ranges.empty() || m_ranges.back().end <= firstChanged)
         return;
-    m_text = text();
+    // The windows are painted meanwhile. Another program may take the clipboard then, which deletes this
+    // copy.
+    const QPointer<CopiedRows> self(this);
+    QByteArray kept = text();
+    if (!self)
+        return;
+    m_text = std::move(kept);
     m_rows = nullptr;
 }
 
@@ -67,12 +75,15 @@ QVariant CopiedRows::retrieveData(const QString& format, QMetaType) const
 
 QByteArray CopiedRows::makeText() const
 {
+    const RowStore& rows = *m_rows;
+    const std::vector<RowRange> ranges
+        = m_ranges; // a copy, as this object may be deleted meanwhile: see keep()
     std::size_t size = 0;
-    forEachRow(*m_rows, m_ranges, [&size](std::string_view row) { size += row.size() + 1; });
+    forEachRow(rows, ranges, [&size](std::string_view row) { size += row.size() + 1; });
     requireMemory(size, "The rows are too long to be copied");
     QByteArray text;
     text.reserve(static_cast<qsizetype>(size));
-    forEachRow(*m_rows, m_ranges, [&text](std::string_view row) {
+    forEachRow(rows, ranges, [&text](std::string_view row) {
         text.append(row.data(), static_cast<qsizetype>(row.size()));
         text.append('\n');
     });
