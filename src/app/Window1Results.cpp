@@ -50,10 +50,11 @@ void Window1::moveStagedRowsToList()
     noteRemovedRows();
     DuplicateIndex ofStaged;
     RowStore staged = resultArray.release(ofStaged);
-    if (Listbox1.ListCount() == 0) // then the index of the staged rows fits the list
-        m_knownRows = std::move(ofStaged);
+    const bool wasEmpty = Listbox1.ListCount() == 0;
     // Rows that were flushed before are added once more; the removal of duplicates removes them again.
     Listbox1.TakeRows(std::move(staged));
+    if (wasEmpty) // then the index of the staged rows fits the list
+        m_knownRows = std::move(ofStaged);
 }
 
 std::size_t Window1::keepStagedFinds()

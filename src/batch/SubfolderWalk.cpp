@@ -64,11 +64,13 @@ private:
 
 namespace {
 
+const std::vector<std::string> usualExtensions{ ".txt", ".csv", ".docx" }; // of the files that are read
+
 /// Lets the disk fetch the folder after the current one.
 void fetchAfter(std::size_t i, const std::vector<std::string>& folders)
 {
     if (i + 1 < folders.size())
-        fetchAhead(folders[i + 1]);
+        fetchAhead(folders[i + 1], usualExtensions);
 }
 
 } // namespace
@@ -118,7 +120,7 @@ Window1::WalkResult Window1::walkFolder(
     if (files.empty() && std::chrono::steady_clock::now() - m_lastEvents > longWait)
         letEventsIn();
     if (!subfolders.empty())
-        fetchAhead(subfolders.front());
+        fetchAhead(subfolders.front(), usualExtensions);
     if (folder) {
         ProgressText.setVisible(true);
         readFiles(files);

@@ -3,6 +3,7 @@
 #include "framework/files/ReadAhead.h"
 
 #include "framework/keepWindowPainted.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <atomic>
@@ -11,6 +12,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <exception>
 #include <filesystem>
 #include <mutex>
 #include <optional>
@@ -107,7 +109,7 @@ Helpers& helpers()
     return all;
 }
 
-void fetch(const std::string& folder)
+void fetch(const std::string& folder, const std::vector<std::string>& extensions)
 {
     constexpr std::size_t mostFetched = 64; // files
     constexpr off_t bytesOfOne = 64 << 10;
@@ -116,7 +118,9 @@ void fetch(const std::string& folder)
     std::error_code failure;
     for (std::filesystem::directory_iterator entry(folder, failure), end; !failure && entry != end;
          entry.increment(failure)) {
-        if (std::error_code unknown; entry->is_regular_file(unknown))
+        const std::string extension = lowerCased(entry->path().extension().native());
+        const bool isWanted = std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+        if (std::error_code unknown; isWanted && entry->is_regular_file(unknown))
             files.push_back(entry->path());
         if (files.size() == mostFetched)
             break;
@@ -132,13 +136,16 @@ void fetch(const std::string& folder)
 
 } // namespace
 
-void fetchAhead(const std::string& folder)
+void fetchAhead(const std::string& folder, const std::vector<std::string>& extensions)
 {
     static std::atomic<bool> isBusy = false; // stays true if a disk never answers
     if (isBusy.exchange(true))
         return;
-    const auto work = [folder] {
-        fetch(folder);
+    const auto work = [folder, extensions] {
+        try {
+            fetch(folder, extensions);
+        } catch (const std::exception&) { // no memory: the run does without
+        }
         isBusy = false;
     };
     if (!helpers().begin(work))

@@ -14,9 +14,10 @@
 
 namespace quilvane {
 
-/// Lets the disk fetch a folder's listing and the beginnings of its files, on a helper thread. Returns at
-/// once. Does nothing while another folder is being fetched.
-void fetchAhead(const std::string& folder);
+/// Lets the disk fetch a folder's listing and the beginnings of those files whose names end in one of
+/// `extensions`, such as ".txt", on a helper thread. Returns at once. Does nothing while another folder is
+/// being fetched.
+void fetchAhead(const std::string& folder, const std::vector<std::string>& extensions);
 
 /// Opens the files that a run is about to read, a few dozen of them before their turn, on helper threads, and
 /// lets the disk fetch their beginnings.
