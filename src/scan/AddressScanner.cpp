@@ -10,6 +10,7 @@
 
 #if defined(__x86_64__)
 #define QUILVANE_HAS_AVX2_KERNEL 1
+#include <cpuid.h>
 #include <immintrin.h>
 #else
 #define QUILVANE_HAS_AVX2_KERNEL 0
@@ -83,6 +84,21 @@ std::string_view matchAround(Surroundings text, const char* at)
     return viewOf(begin, end);
 }
 
+#if QUILVANE_HAS_AVX2_KERNEL
+
+/// Whether the processor counts leading zeros by one instruction. One that does not would execute another in
+/// its place and give wrong results. Clang's __builtin_cpu_supports() does not know its name.
+bool countsLeadingZeros()
+{
+    unsigned eax = 0;
+    unsigned ebx = 0;
+    unsigned ecx = 0;
+    unsigned edx = 0;
+    return __get_cpuid(0x80000001, &eax, &ebx, &ecx, &edx) != 0 && (ecx & bit_LZCNT) != 0;
+}
+
+#endif
+
 } // namespace
 
 bool AddressScanner::isSupported(Kernel kernel)
@@ -90,7 +106,7 @@ bool AddressScanner::isSupported(Kernel kernel)
 #if QUILVANE_HAS_AVX2_KERNEL
     return kernel == Kernel::Scalar
         || (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi")
-            && __builtin_cpu_supports("popcnt"));
+            && __builtin_cpu_supports("popcnt") && countsLeadingZeros());
 #else
     return kernel == Kernel::Scalar;
 #endif
@@ -140,7 +156,7 @@ std::size_t AddressScanner::searchScalar()
 
 #if QUILVANE_HAS_AVX2_KERNEL
 
-#define QUILVANE_AVX2 [[gnu::target("avx2,bmi,popcnt")]]
+#define QUILVANE_AVX2 [[gnu::target("avx2,bmi,popcnt,lzcnt")]]
 
 namespace {
 
