@@ -5,13 +5,13 @@
 // of a program, compared with docx2txt and catdoc; and by the program's reader, in a run over many. The goals
 // for whole runs are for documents of some megabytes: with a short one, most of the time is the start of the
 // program.
-//   word_benchmark FILE...          prints the table
-//   word_benchmark --text FILE      prints the document's text
+//   word_benchmark FILE...
 #include "documents/documentText.h"
 #include "framework/documents/WordFileMBS.h"
 #include "framework/exceptions.h"
 #include "framework/files/BinaryStream.h"
 #include "framework/files/FolderItem.h"
+#include "support/bytesOf.h"
 #include "support/race.h"
 
 #include <array>
@@ -19,20 +19,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <fstream>
-#include <iterator>
+#include <filesystem>
 #include <string>
-#include <string_view>
 
 namespace {
 
 using namespace quilvane;
-
-std::string bytesOf(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), {} };
-}
 
 /// By the program's reader, as one document of many.
 std::size_t inReader(const std::string& path)
@@ -49,7 +41,8 @@ std::size_t wholeRun(const std::string& command)
     return 0;
 }
 
-void measure(const std::string& self, const std::string& path)
+/// `printer` is the path of document_text.
+void measure(const std::string& printer, const std::string& path)
 {
     constexpr int rounds = 15;
     constexpr int documentsOfARun = 20;
@@ -69,7 +62,7 @@ void measure(const std::string& self, const std::string& path)
     race(inProcess, rounds);
     const std::string file = " '" + path + "'";
     std::array whole{
-        Contender{ "own", [&] { return wholeRun("'" + self + "' --text" + file); } },
+        Contender{ "own", [&] { return wholeRun("'" + printer + "'" + file); } },
         Contender{
             "other", [&] { return wholeRun(isPackage ? "docx2txt" + file + " -" : "catdoc" + file); } },
     };
@@ -91,12 +84,9 @@ void measure(const std::string& self, const std::string& path)
 int main(int argc, char** argv)
 {
     try {
-        if (argc == 3 && argv[1] == std::string_view("--text")) {
-            std::fputs(documentText(bytesOf(argv[2])).value().c_str(), stdout);
-            return EXIT_SUCCESS;
-        }
+        const std::string printer = std::filesystem::path(argv[0]).replace_filename("document_text");
         for (int i = 1; i < argc; ++i)
-            measure(argv[0], argv[i]);
+            measure(printer, argv[i]);
         return EXIT_SUCCESS;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
