@@ -49,6 +49,8 @@ template <typename PieceAt, typename NextOf>
 std::string joined(std::uint32_t first, std::uint64_t size, std::size_t count, PieceAt pieceAt, NextOf nextOf)
 {
     std::string result;
+    if (size <= longestChain) // it is known; the pieces may hold less
+        result.reserve(std::min<std::uint64_t>(size, count * pieceAt(first).size()));
     size = std::min<std::uint64_t>(size, longestChain);
     std::uint32_t number = first;
     for (std::size_t taken = 0; taken < count && number < count && result.size() < size; ++taken) {
