@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The text of all pages of PDF files, read by the program's reader, compared with one run of pdftotext for
-// each file.
+// each file; the last line is for all files together.
 //   pdf_benchmark FILE...
 #include "framework/documents/DynaPDFMBS.h"
 #include "framework/files/FolderItem.h"
@@ -46,7 +46,13 @@ std::size_t wholeRun(const std::string& command)
     return 0;
 }
 
-void measure(const std::string& path)
+/// Seconds.
+struct Times {
+    double own = 0;
+    double other = 0;
+};
+
+Times measure(const std::string& path)
 {
     // For a short document the other program mostly needs time to start; the reader starts only once.
     constexpr double mostOfShort = 0.6;
@@ -58,10 +64,12 @@ void measure(const std::string& path)
         Contender{ "other", [&] { return wholeRun("pdftotext -raw '" + path + "' -"); } },
     };
     race(contenders, rounds);
-    const double ratio = contenders[0].fastestSeconds / contenders[1].fastestSeconds;
+    const Times times{ contenders[0].fastestSeconds, contenders[1].fastestSeconds };
+    const double ratio = times.own / times.other;
     const double most = pageCount(path) <= shortDocument ? mostOfShort : mostOfLong;
-    std::printf("%s: %.1f ms, %.2f of pdftotext's time (goal %.1f: %s)\n", path.c_str(),
-        contenders[0].fastestSeconds * 1e3, ratio, most, verdict(ratio <= most));
+    std::printf("%s: %.1f ms, %.2f of pdftotext's time (goal %.1f: %s)\n", path.c_str(), times.own * 1e3,
+        ratio, most, verdict(ratio <= most));
+    return times;
 }
 
 } // namespace
@@ -69,8 +77,13 @@ void measure(const std::string& path)
 int main(int argc, char** argv)
 {
     try {
-        for (int i = 1; i < argc; ++i)
-            measure(argv[i]);
+        Times all;
+        for (int i = 1; i < argc; ++i) {
+            const Times times = measure(argv[i]);
+            all.own += times.own;
+            all.other += times.other;
+        }
+        std::printf("all: %.1f ms, %.2f of pdftotext's time\n", all.own * 1e3, all.own / all.other);
         return EXIT_SUCCESS;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
