@@ -44,7 +44,8 @@ std::string withPlainCharacters(std::string_view text)
     std::string plain;
     plain.reserve(text.size());
     while (!text.empty()) {
-        const auto special = std::find_if(text.begin(), text.end(), [](char c) { return c < 0; });
+        const auto special = std::find_if(
+            text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) > 127; });
         const auto ascii = static_cast<std::size_t>(special - text.begin());
         plain.append(text, 0, ascii);
         text.remove_prefix(ascii);
