@@ -9,8 +9,6 @@ namespace quilvane {
 
 namespace {
 
-using Rows = std::vector<std::string>;
-
 std::vector<Window2*> resultWindows()
 {
     std::vector<Window2*> found;

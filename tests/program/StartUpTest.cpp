@@ -3,10 +3,8 @@
 #include "program/ProgramTest.h"
 
 #include "app/FileTypes2.h"
-#include "app/MainMenuBar.h"
 #include "app/pictures.h"
 #include "app/prefsModule.h"
-#include "framework/threads/Timer.h"
 
 #include <csignal>
 #include <filesystem>
@@ -14,24 +12,6 @@
 namespace quilvane {
 
 using StartUpTest = ProgramTest;
-
-TEST_F(StartUpTest, stateOfTheWindowAtTheStart)
-{
-    Window1& w = window();
-    EXPECT_FALSE(w.results.Visible());
-    EXPECT_TRUE(w.subFolderSearch.Value());
-    EXPECT_TRUE(w.Timer1.Enabled());
-}
-
-TEST_F(StartUpTest, runsFromStartToQuit)
-{
-    Timer quit("quit", 1);
-    quit.Action = [this] { application->Quit(); };
-    EXPECT_EQ(application->Run([&] { quit.setEnabled(true); }), 0);
-    EXPECT_EQ(TempFolder::contentOf(folder / "Quilvane/QuilvanePreferences"), "tab\n");
-    EXPECT_FALSE(std::filesystem::exists(folder / "Quilvane/Temp"));
-    EXPECT_FALSE(isOpen<Window1>());
-}
 
 TEST_F(StartUpTest, quittingDuringAnErrorOfTheStartEndsTheProgram)
 {
@@ -103,12 +83,6 @@ TEST_F(StartUpTest, closedMainWindowComesBackEmpty)
 
 TEST_F(StartUpTest, fileTypesAreFoundByName)
 {
-    const Ref<FileType> accessors[]
-        = { FileTypes2::Untitled(), FileTypes2::Pdf(), FileTypes2::Text(), FileTypes2::ApplicationMsword(),
-              FileTypes2::ApplicationVndMsExcel(), FileTypes2::ApplicationVndMsExcel1() };
-    ASSERT_EQ(FileTypes2::types().size(), std::size(accessors));
-    for (std::size_t i = 0; i < std::size(accessors); ++i)
-        EXPECT_EQ(&*accessors[i], &*FileTypes2::types()[i]);
     EXPECT_EQ(&*FileType::named("text/plain"), &*FileTypes2::Text());
     EXPECT_EQ(&*FileType::named("application/vnd.ms-excel"), &*FileTypes2::ApplicationVndMsExcel())
         << "the first of two that share the name";
@@ -121,19 +95,6 @@ TEST_F(StartUpTest, picturesAreLoadedOnce)
         { Quilvane_100, Quilvane_200, Quilvane_1001, Quilvane_1002, Quilvane_2001 })
         EXPECT_EQ(&*accessor(), &*accessor());
     EXPECT_FALSE(Picture::load("Quilvane_300"));
-}
-
-TEST_F(StartUpTest, menusFollowTheRows)
-{
-    for (const bool hasRow : { false, true }) {
-        if (hasRow)
-            addRows({ "a@b.co" });
-        EnableMenuItems();
-        EXPECT_EQ(FiltersApplyFilters().Enabled(), hasRow);
-        EXPECT_EQ(window().clearBtn.Enabled(), hasRow);
-        EXPECT_TRUE(window().searchBtn.Enabled());
-        EXPECT_FALSE(window().filterBtn.Enabled()) << "no business of the pass";
-    }
 }
 
 } // namespace quilvane
