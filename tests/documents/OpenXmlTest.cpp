@@ -87,11 +87,6 @@ TEST(OpenXml, ReadsTheTextOfABody)
     const auto code = [](const std::string& text) { return "<instrText>" + text + "</instrText>"; };
     expectTexts(textOfBody,
         {
-            { "runs join", "<p><r><t>a@</t></r><r><rPr><b/></rPr><t>x.org</t></r></p>", "a@x.org" },
-            { "paragraphs and cells stand apart",
-                paragraph("a") + "<tbl><tr><tc>" + paragraph("b") + "</tc><tc>" + paragraph("c")
-                    + "</tc></tr></tbl>",
-                "a\nb\nc" },
             { "tabs and breaks, but no tab stops",
                 "<p><pPr><tabs><tab/></tabs></pPr><r><t>a</t><tab/><t>b</t><br/><t>c</t><cr/><t>d</t><ptab/>"
                 "<t>e</t></r></p>",
@@ -252,9 +247,7 @@ TEST(WordFile, RecognisesTheKindByTheBytes)
     const std::string wordMark("\xEC\xA5\xC1\0\0\0\0\0\0\0\0", 11);
     expectTexts(documentText,
         {
-            { "plain text", "a@x.org", "(nil)" },
             { "any XML", "<?xml version='1.0'?><a>a@x.org</a>", "(nil)" },
-            { "RTF", "{\\rtf1 a@x.org}", "a@x.org" },
             { "HTML", "\xEF\xBB\xBF <!DOCTYPE html><p><a href='mailto:b@x.org'>a</a></p>", "a\nb@x.org" },
             { "the parts of a package in one file", flat, "a\nb@x.org" },
             { "Word 2003 XML", word2003, "a@x.org\nnote\n\nc@x.org" },

@@ -23,10 +23,7 @@ protected:
         window().importFolderBtn.Push();
     }
 
-    void drop(const std::vector<std::string>& paths)
-    {
-        window().Canvas1.Drop(DragItem({ paths.begin(), paths.end() }));
-    }
+    void drop(const Rows& paths) { window().Canvas1.Drop(DragItem({ paths.begin(), paths.end() })); }
 
     /// Calls `act` once, when a search runs the event loop before it reads a file below the chosen folder.
     void duringTheWalk(const std::function<void()>& act)
@@ -46,11 +43,18 @@ protected:
         return texts;
     }
 
+    void link(const std::string& target, const std::string& name)
+    {
+        std::filesystem::create_directory_symlink(tree / target, tree / name);
+    }
+
+    const TempFolder tree;
+
 private:
     Timer m_click{ "click", 0 };
 };
 
-TEST_F(BatchTest, theReadersOfASingleFileDependOnItsName)
+TEST_F(BatchTest, theReadersOfAFileDependOnItsName)
 {
     using enum FileReader;
     using Readers = std::vector<FileReader>;
@@ -74,19 +78,18 @@ TEST_F(BatchTest, theReadersOfASingleFileDependOnItsName)
         EXPECT_EQ(readersFor(searchFileReaders, name), picked) << name;
         EXPECT_EQ(readersFor(droppedFileReaders, name), dropped) << name;
     }
+    EXPECT_EQ(readersFor(walkReaders, ".doc"), Readers{}) << "the dot of .docx stands for one character";
+    EXPECT_EQ(readersFor(walkReaders, ".txtdocx"), (Readers{ Text, Word }));
 }
 
 TEST_F(BatchTest, searchFolderReadsTheWholeTree)
 {
-    const TempFolder tree;
     tree.write("one.txt", "a@y.org, A@Y.org");
     tree.write("sub/two.csv", "b@y.org");
     tree.write("sub/deep/er/three.txt", "c@y.org");
-    tree.makeFolder("empty.txt");
     searchFolder(tree.path());
-
     Window1& w = window();
-    Rows expected{ "a@y.org", "b@y.org", "c@y.org" };
+    const Rows expected{ "a@y.org", "b@y.org", "c@y.org" };
     EXPECT_EQ(sortedRows(), expected);
     EXPECT_EQ(w.ProgressText.Text(), found(4));
     EXPECT_EQ(w.results.Text(), "Total: 3 entries.");
@@ -108,7 +111,6 @@ TEST_F(BatchTest, searchFolderReadsTheWholeTree)
 
 TEST_F(BatchTest, theSecondHandlerWalksSubfoldersEvenWithoutTheTick)
 {
-    const TempFolder tree;
     for (const char* file : { "one.txt", "two.csv", "sub/three.txt" })
         tree.write(file, file + std::string("@y.org"));
     window().subFolderSearch.setValue(false);
@@ -120,13 +122,10 @@ TEST_F(BatchTest, theSecondHandlerWalksSubfoldersEvenWithoutTheTick)
 
 TEST_F(BatchTest, loopsLinksPipesAndDeepFolders)
 {
-    const TempFolder tree;
     tree.write("sub/one.txt", "a@y.org");
-    const std::filesystem::path root = tree.path();
-    std::filesystem::create_directory_symlink(root / "sub", root / "sub/loop");
-    std::filesystem::create_directory_symlink(
-        root / "sub", root / "alias"); // in the chosen folder: not walked
-    std::filesystem::create_symlink(root / "nowhere", root / "sub/dangling.txt");
+    link("sub", "sub/loop");
+    link("sub", "alias"); // in the chosen folder: not walked
+    link("nowhere", "sub/dangling.txt");
     ASSERT_EQ(mkfifo((tree / "sub/pipe.txt").c_str(), 0600), 0);
     ASSERT_EQ(mkfifo((tree / "pipe.csv").c_str(), 0600), 0);
     tree.write("sub/no\xff utf\n/no\xfe.txt", "b@y.org");
@@ -141,7 +140,6 @@ TEST_F(BatchTest, loopsLinksPipesAndDeepFolders)
 
 TEST_F(BatchTest, stopAndTheUntickedBoxSpareWhatIsToCome)
 {
-    const TempFolder tree;
     for (const std::string sub : { "one", "two" }) {
         for (const char* file : { "/a.txt", "/b.txt" })
             tree.write(sub + file, sub + "@y.org");
@@ -169,7 +167,6 @@ TEST_F(BatchTest, stopAndTheUntickedBoxSpareWhatIsToCome)
 
 TEST_F(BatchTest, aSecondRunDuringTheWalkRunsInsideOfTheFirst)
 {
-    const TempFolder tree;
     for (const char* file : { "a.txt", "sub/b.txt", "sub/c.txt" })
         tree.write(file, file + std::string("@y.org"));
     duringTheWalk([&] { searchFolder(tree.path()); });
@@ -180,7 +177,6 @@ TEST_F(BatchTest, aSecondRunDuringTheWalkRunsInsideOfTheFirst)
 
 TEST_F(BatchTest, quittingEndsTheRun)
 {
-    const TempFolder tree;
     tree.write("sub/a.txt", "a@y.org");
     Window1& w = window();
     duringTheWalk([&] { application->Quit(); });
@@ -191,23 +187,20 @@ TEST_F(BatchTest, quittingEndsTheRun)
 
 TEST_F(BatchTest, dropsOfFilesAndFolders)
 {
-    const TempFolder tree;
-    const std::string text = tree.write("one.txt", "a@y.org b@y.org");
-    const std::string rtf = tree.write("mytxt.rtf", "c@y.org"); // its name holds txt after a character
+    Window1& w = window();
     tree.write("f1/e.txt", "e@y.org");
     tree.write("f2/f.csv", "f@y.org");
-
     drop({ tree.write("a.png", "d@y.org") });
-    EXPECT_EQ(window().ProgressText.Text(), nothingFound);
-    EXPECT_FALSE(window().filterBtn.Enabled());
-    drop({ text });
-    EXPECT_EQ(window().ProgressText.Text(), found(2));
-    EXPECT_EQ(window().results.Text(), "Total: 2 entries.");
-    drop({ rtf, tree / "f1", tree / "f2" });
+    EXPECT_EQ(w.ProgressText.Text(), nothingFound);
+    EXPECT_FALSE(w.filterBtn.Enabled());
+    drop({ tree.write("one.txt", "a@y.org b@y.org") });
+    EXPECT_EQ(w.ProgressText.Text(), found(2));
+    EXPECT_EQ(w.results.Text(), "Total: 2 entries.");
+    drop({ tree.write("mytxt.rtf", "c@y.org"), tree / "f1", tree / "f2" });
     EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b@y.org", "c@y.org", "e@y.org", "f@y.org" }));
-    EXPECT_EQ(window().rCounter, 4) << "the second folder's run reads the first one's file again";
-    EXPECT_FALSE(window().Timer1.Enabled());
-    EXPECT_TRUE(window().searchStop.Enabled());
+    EXPECT_EQ(w.rCounter, 4) << "the second folder's run reads the first one's file again";
+    EXPECT_FALSE(w.Timer1.Enabled());
+    EXPECT_TRUE(w.searchStop.Enabled());
 }
 
 TEST_F(BatchTest, aListThatChangesBetweenTheItemsOfADropGetsTheirFindsAgain)
@@ -233,7 +226,6 @@ TEST_F(BatchTest, aListThatChangesBetweenTheItemsOfADropGetsTheirFindsAgain)
 
 TEST_F(BatchTest, theFindsOfAFailedSearchStayInTheList)
 {
-    const TempFolder tree;
     tree.write("one.txt", "a@y.org A@y.org logo@2x.png");
     tree.write("below/broken.csv", std::string(300'000, ' ') + "b@y.org " + std::string(300'000, ' '));
     const Scoped broken = failingReads("broken", 400'000);
@@ -271,30 +263,27 @@ TEST_F(BatchTest, theFindsOfAFailedSearchStayInTheList)
 TEST_F(BatchTest, foldersWithoutFilesAreEnteredOnce)
 {
     // Forty folders, each with two links to the next: a walk that follows all of them would never end.
-    const TempFolder tree;
-    const std::filesystem::path root = tree.path();
     for (int i = 0; i < 40; ++i) {
         const std::string name = "chain/" + std::to_string(i);
         tree.makeFolder(name);
-        tree.makeFolder("chain/" + std::to_string(i + 1));
-        for (const char* link : { "one", "two" })
-            std::filesystem::create_directory_symlink(
-                root / "chain" / std::to_string(i + 1), root / name / link);
+        for (const char* each : { "/one", "/two" })
+            link("chain/" + std::to_string(i + 1), name + each);
     }
+    tree.makeFolder("chain/40");
     // Every folder has links to all others, so there are very many ways through them.
     for (int i = 0; i < 12; ++i) {
+        const std::string name = "web/" + std::to_string(i);
+        tree.makeFolder(name);
         for (int j = 0; j < 12; ++j) {
-            tree.makeFolder("web/" + std::to_string(i));
             if (i != j)
-                std::filesystem::create_directory_symlink(
-                    root / "web" / std::to_string(j), root / "web" / std::to_string(i) / std::to_string(j));
+                link("web/" + std::to_string(j), name + '/' + std::to_string(j));
         }
     }
     // A folder in which no file is found if it is entered from the folder to which its link leads.
     tree.write("sub/with/a.txt", "a@y.org");
     tree.makeFolder("sub/with/empty");
-    std::filesystem::create_directory_symlink(root / "sub/with", root / "sub/with/empty/up");
-    std::filesystem::create_directory_symlink(root / "sub/with/empty", root / "sub/side");
+    link("sub/with", "sub/with/empty/up");
+    link("sub/with/empty", "sub/side");
     searchFolder(tree.path());
     EXPECT_EQ(rows(), Rows{ "a@y.org" });
     EXPECT_EQ(window().rCounter, 2) << "once by its folder, once by the link in the other one";
@@ -302,7 +291,6 @@ TEST_F(BatchTest, foldersWithoutFilesAreEnteredOnce)
 
 TEST_F(BatchTest, theFinishLinesHelpTellsWhichFilesWereNotRead)
 {
-    const TempFolder tree;
     tree.write("a.txt", "a@y.org");
     tree.write("a.txt.csv", "a@y.org"); // listed twice, and one file
     tree.write("b.pdf", "");

@@ -105,9 +105,8 @@ TEST_F(WebPagesTest, theFirstInsecureSchemeIsMadeSecure)
     for (const auto& [url, path] : cases) {
         server.page(path, "");
         asked.push_back(path);
-    }
-    for (const auto& [url, path] : cases)
         search(url);
+    }
     EXPECT_EQ(server.requests(), asked);
 }
 
