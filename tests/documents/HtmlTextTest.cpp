@@ -53,7 +53,7 @@ TEST(HtmlTextTest, textsOfPages)
                 "<p>to <a class=c HREF='MAILTO:x%40y.org?subject=%4'>us</a><p>end<a href='http:'>",
                 "to us\nend\nx@y.org?subject=%4" },
             { "the tail of an address as a link",
-                "john.<a href='mailto:doe@y.org'>doe@y.org</a>. <a href='mailto:doe@y.org'>he</a>",
+                "john.<a href='mailto:doe@y.org?cc=x'>doe@y.org</a>. <a href='mailto:doe@y.org'>he</a>",
                 "john.doe@y.org. he\ndoe@y.org" },
         });
     EXPECT_EQ(htmlBodyText("<meta charset=koi8-r><p>\xE0", "windows-1251"), "\xD0\xB0")
