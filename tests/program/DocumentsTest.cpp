@@ -82,14 +82,20 @@ TEST_F(DocumentsTest, wordDocuments)
     EXPECT_EQ(rows().size(), before);
 }
 
-TEST_F(DocumentsTest, aPdfInADroppedFolderFindsTheTextOfThePageThatWasLoadedLast)
+TEST_F(DocumentsTest, aPdfInADroppedFolderFindsThePageThatWasLoadedLast)
 {
-    window().itemArrayZ = Rows(2, folder.write("where.pdf", "other@y.org"));
-    window().searchText = "left@y.org";
-    window().Thread1.Run();
-    EXPECT_EQ(window().rCounter, 2);
-    ASSERT_EQ(window().resultArray.size(), 2U);
-    EXPECT_EQ(window().resultArray[1], "left@y.org");
+    Window1& w = window();
+    const Rows twice(2, folder.write("where.pdf", "other@y.org"));
+    w.itemArrayZ = twice;
+    w.searchText = "left@y.org";
+    w.Thread1.Run();
+    EXPECT_EQ(w.rCounter, 2);
+    ASSERT_EQ(w.resultArray.size(), 2U);
+    EXPECT_EQ(w.resultArray[1], "left@y.org");
+    w.Canvas1.Drop(DragItem({}));
+    w.itemArrayZ = twice;
+    w.Thread1.Run();
+    EXPECT_EQ(w.rCounter, 0) << "a drop begins anew";
 }
 
 } // namespace quilvane
