@@ -186,8 +186,12 @@ TEST(OpenXml, ReadsThePartsOfAPackage)
                         { "2.rtf", "{\\rtf1 b@x.org}" }, { "3.html", "<html><body>c@x.org</body></html>" },
                         { "4.txt", "d@x.org" } }),
                 "inner@x.org\n\nb@x.org\nc@x.org\nd@x.org" },
-            { "lost relationships",
-                ZipBuilder().add("word/header1.xml", element("hdr", paragraph("a"))).archive(), "a" },
+            { "lost relationships, and no glossary",
+                ZipBuilder()
+                    .add("word/header1.xml", element("hdr", paragraph("a")))
+                    .add("word/glossary.xml", element("glossaryDocument", paragraph("glossary")))
+                    .archive(),
+                "a" },
             { "another program's package", package("<workbook/>"), "(nil)" },
             { "an archive of other files", ZipBuilder().add("a.txt", "a@x.org").archive(), "(nil)" },
         });
