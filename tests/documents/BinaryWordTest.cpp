@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "documents/word/binaryWord.h"
 #include "documents/documentText.h"
+#include "documents/expectTexts.h"
 #include "documents/word/rtf.h"
 #include "documents/word/textRuns.h"
 #include "support/TempFolder.h"
@@ -20,12 +21,6 @@ using Document = WordFileBuilder;
 std::string sample(const std::string& name)
 {
     return TempFolder::contentOf(QUILVANE_SAMPLES "/" + name);
-}
-
-/// The text without blanks and line ends at its end.
-std::string trimmed(const std::optional<std::string>& text)
-{
-    return text ? text->substr(0, text->find_last_not_of(" \t\n") + 1) : "(nothing)";
 }
 
 /// Whether the text holds the address, with no letter or digit next to it.
@@ -91,29 +86,24 @@ TEST(BinaryWord, ReadsTheTextOfThePieces)
             Row{ "Word 95, Japanese, 16-bit", { { { wide("a@x.org"), true } }, 104, 0x5000, 0x0411 },
                 "a@x.org" },
             Row{ "Word 6, Japanese, 8-bit", { { { "\x83@ a" } }, 101, 0, 0x0411 }, "ァ a" },
-            Row{ "encrypted", { { { "a@b.org" } }, 193, 0x0100 }, "(nothing)" },
-            Row{ "encrypted, Word 95", { { { "a@b.org" } }, 104, 0x0100 }, "(nothing)" },
+            Row{ "encrypted", { { { "a@b.org" } }, 193, 0x0100 }, "(nil)" },
+            Row{ "encrypted, Word 95", { { { "a@b.org" } }, 104, 0x0100 }, "(nil)" },
         })
-        EXPECT_EQ(trimmed(textOfBinaryWord(row.document.bytes())), row.text) << row.name;
+        expectTexts(textOfBinaryWord, { { row.name, row.document.bytes(), row.text } });
 }
 
 TEST(BinaryWord, ReadsWord2)
 {
-    struct Row {
-        const char* name;
-        std::string bytes;
-        std::string text;
-    };
-    for (const Row& row : {
-             Row{ "in one piece", word2File({ "a@x.org\r\x13 HYPERLINK mailto:b@x.org \x14", "c\x15" }),
-                 "a@x.org\nc\nb@x.org" },
-             Row{ "fast-saved", word2File({ "a@", "x.", "org" }, 4), "a@x.org" },
-             Row{ "Russian", word2File({ "\xCF" }, 0, 0x419), "П" },
-             Row{ "encrypted", word2File({ "a@x.org" }, 0x100), "(nothing)" },
-             Row{ "cut off", word2File({ "a@x.org", std::string(600, '\r') }).substr(0, 400), "a@x.org" },
-             Row{ "without its table", word2File({ "kept@", "x.org" }, 4).substr(0, 394), "x.orgkept@" },
-         })
-        EXPECT_EQ(trimmed(documentText(row.bytes)), row.text) << row.name;
+    expectTexts(documentText,
+        {
+            { "in one piece", word2File({ "a@x.org\r\x13 HYPERLINK mailto:b@x.org \x14", "c\x15" }),
+                "a@x.org\nc\nb@x.org" },
+            { "fast-saved", word2File({ "a@", "x.", "org" }, 4), "a@x.org" },
+            { "Russian", word2File({ "\xCF" }, 0, 0x419), "П" },
+            { "encrypted", word2File({ "a@x.org" }, 0x100), "(nil)" },
+            { "cut off", word2File({ "a@x.org", std::string(600, '\r') }).substr(0, 400), "a@x.org" },
+            { "without its table", word2File({ "kept@", "x.org" }, 4).substr(0, 394), "x.orgkept@" },
+        });
 }
 
 TEST(BinaryWord, OtherFilesGiveNothing)
@@ -199,48 +189,45 @@ TEST(Rtf, TextOfSnippets)
     const auto field = [](const std::string& code, const std::string& result) {
         return R"({\field{\*\fldinst )" + code + R"(}{\fldrslt )" + result + "}}";
     };
-    struct Row {
-        const char* name;
-        std::string body;
-        std::string text;
-    };
-    for (const Row& row :
+    expectTexts(
+        [](std::string_view body) {
+            return textOfRtf("\xEF\xBB\xBF {\\rtf1\\ansi " + std::string(body) + "}");
+        },
         {
-            Row{ "runs", R"(a{\b @b}.\i o\i0 rg)", "a@b.org" },
-            Row{ "raw line ends", "a\r\n@b\n.org", "a@b.org" },
-            Row{ "escapes", R"(\{\\\}\~x\_y\-z)", R"({\} x-yz)" },
-            Row{ "breaks", "a\\par b\\line c\\tab d\\\ne\\cell f\\row g", "a\nb\nc\td\ne\tf\ng" },
-            Row{ "code page", R"(\ansicpg1251 \'cf\'f0)", "Пр" },
-            Row{ "font's character set",
+            { "runs", R"(a{\b @b}.\i o\i0 rg)", "a@b.org" },
+            { "raw line ends", "a\r\n@b\n.org", "a@b.org" },
+            { "escapes", R"(\{\\\}\~x\_y\-z)", R"({\} x-yz)" },
+            { "breaks", "a\\par b\\line c\\tab d\\\ne\\cell f\\row g", "a\nb\nc\td\ne\tf\ng" },
+            { "code page", R"(\ansicpg1251 \'cf\'f0)", "Пр" },
+            { "font's character set",
                 R"({\fonttbl{\f1\fcharset204 Cyr;}{\f2\fcharset128 J;}}{\f1 \'cf}{\f2 \'83@}\'e9)", "Пァé" },
-            Row{ "default font", R"(\deff1{\fonttbl{\f1\fcharset238 x;}}\'b3{\f0 \plain\'b3})", "łł" },
-            Row{ "Unicode and what stands in for it",
+            { "default font", R"(\deff1{\fonttbl{\f1\fcharset238 x;}}\'b3{\f0 \plain\'b3})", "łł" },
+            { "Unicode and what stands in for it",
                 R"(\u8364 ?\uc2\u233\'c3\'a9{\uc0\u233}x\u-10179ab\u-8704ab)", "€ééx😀" },
-            Row{ "the fallback ends with its group", R"({\u8364}@)", "€@" },
-            Row{ "mail link", R"(a)" + field(R"({HYPERLINK "mailto:m@x.org" \\t})", "link") + R"( b\par c)",
+            { "the fallback ends with its group", R"({\u8364}@)", "€@" },
+            { "mail link", R"(a)" + field(R"({HYPERLINK "mailto:m@x.org" \\t})", "link") + R"( b\par c)",
                 "alink b\nm@x.org\nc" },
-            Row{ "the tail of an address as a link",
+            { "the tail of an address as a link",
                 R"(john.)" + field(R"(HYPERLINK "mailto:doe@x.org")", "doe@x.org") + R"( b\par c)",
                 "john.doe@x.org b\n\n\n\n\n\n\n\n\n\n\nc" },
-            Row{ "web link", field(R"(HYPERLINK "http://x.org/?a@b.org")", "link"), "link" },
-            Row{ "note within a word", R"(a@b{\footnote n@x.org\par two}.org\par c)",
+            { "web link", field(R"(HYPERLINK "http://x.org/?a@b.org")", "link"), "link" },
+            { "note within a word", R"(a@b{\footnote n@x.org\par two}.org\par c)",
                 "a@b.org\nn@x.org\ntwo\nc" },
-            Row{ "note within a note", R"(a{\footnote b{\*\annotation c}d})", "a\nc\nbd" },
-            Row{ "comment", R"(a{\*\atnid B}{\*\annotation{\*\atnref 1}c})", "a\nc" },
-            Row{ "text box", R"(a{\shp{\*\shpinst{\sp{\sn n}{\sv v}}{\shptxt b\par}}{\shprslt b}})", "a\nb" },
-            Row{ "header", R"({\header h@x.org\par}a)", "a\nh@x.org" },
-            Row{ "what nobody sees",
+            { "note within a note", R"(a{\footnote b{\*\annotation c}d})", "a\nc\nbd" },
+            { "comment", R"(a{\*\atnid B}{\*\annotation{\*\atnref 1}c})", "a\nc" },
+            { "text box", R"(a{\shp{\*\shpinst{\sp{\sn n}{\sv v}}{\shptxt b\par}}{\shprslt b}})", "a\nb" },
+            { "header", R"({\header h@x.org\par}a)", "a\nh@x.org" },
+            { "what nobody sees",
                 R"({\info{\author a}}{\colortbl;\red1;}{\*\unknown x{\b y}}{\pict 0102}{\stylesheet{N;}}b{\deleted c}d)",
                 "bd" },
-            Row{ "deleted, and no longer", R"(a\deleted b\u8364 ?\deleted0 c\deleted d\plain e)", "ace" },
-            Row{ "binary data", "a{\\pict\\bin5 }}{\\{}b", "ab" },
-            Row{ "binary data that is not there", "a\\bin99999999999 b\\bin99 c", "ab" },
-            Row{ "after the end", "a}b", "a" },
-            Row{ "no end", R"(a{\b b{\footnote c)", "ab\nc" },
-            Row{ "broken", R"(\'\'zq\u)", "zq" },
-            Row{ "deep", std::string(200'000, '{') + "a" + std::string(200'000, '}') + "b", "ab" },
-        })
-        EXPECT_EQ(trimmed(textOfRtf("\xEF\xBB\xBF {\\rtf1\\ansi " + row.body + "}")), row.text) << row.name;
+            { "deleted, and no longer", R"(a\deleted b\u8364 ?\deleted0 c\deleted d\plain e)", "ace" },
+            { "binary data", "a{\\pict\\bin5 }}{\\{}b", "ab" },
+            { "binary data that is not there", "a\\bin99999999999 b\\bin99 c", "ab" },
+            { "after the end", "a}b", "a" },
+            { "no end", R"(a{\b b{\footnote c)", "ab\nc" },
+            { "broken", R"(\'\'zq\u)", "zq" },
+            { "deep", std::string(200'000, '{') + "a" + std::string(200'000, '}') + "b", "ab" },
+        });
 }
 
 TEST(TextRuns, AreOfBothWidths)

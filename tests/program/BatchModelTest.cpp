@@ -17,7 +17,6 @@ namespace quilvane {
 namespace {
 
 namespace fs = std::filesystem;
-using Rows = std::vector<std::string>;
 
 std::string lower(std::string text)
 {
@@ -55,20 +54,15 @@ struct Model {
 
     void searchFolder(const std::string& folder)
     {
-        staged.clear();
-        files.clear();
-        folders.clear();
         list(folder, { "txt", "csv", "doc" }, /*isLockFileListed=*/false);
         readListed();
         walkFolders();
         flush();
+        endRun();
     }
 
     void drop(const Rows& items)
     {
-        staged.clear();
-        files.clear();
-        folders.clear();
         lastText.clear();
         count = 0;
         for (const std::string& item : items) {
@@ -82,9 +76,17 @@ struct Model {
             walkFolders();
             flush();
         }
+        endRun();
     }
 
 private:
+    void endRun()
+    {
+        staged.clear();
+        files.clear();
+        folders.clear();
+    }
+
     void list(const std::string& folder, const std::vector<const char*>& kinds, bool isLockFileListed)
     {
         for (const fs::directory_entry& child : fs::directory_iterator(folder)) {

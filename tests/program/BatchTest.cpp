@@ -3,27 +3,17 @@
 #include "program/ProgramTest.h"
 
 #include "batch/readerRules.h"
-#include "framework/controls/RowStore.h"
+#include "filter/filterWIn.h"
+#include "framework/threads/Timer.h"
 #include "support/FailingReads.h"
 
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <random>
+#include <functional>
 
 namespace quilvane {
-
-namespace {
-
-using Rows = std::vector<std::string>;
-
-std::string found(int count)
-{
-    return "Finished searching. " + std::to_string(count) + " emails detected. Duplicates removed.";
-}
-
-} // namespace
 
 class BatchTest : public ProgramTest {
 protected:
@@ -33,9 +23,16 @@ protected:
         window().importFolderBtn.Push();
     }
 
-    void drop(const std::vector<std::string>& paths)
+    void drop(const Rows& paths) { window().Canvas1.Drop(DragItem({ paths.begin(), paths.end() })); }
+
+    /// Calls `act` once, when a search runs the event loop before it reads a file below the chosen folder.
+    void duringTheWalk(const std::function<void()>& act)
     {
-        window().Canvas1.Drop(DragItem({ paths.begin(), paths.end() }));
+        m_click.Action = [this, act] {
+            m_click.setEnabled(false);
+            act();
+        };
+        m_click.setEnabled(true);
     }
 
     /// The rows in alphabetical order, since folders are read in the order of the file system.
@@ -45,44 +42,17 @@ protected:
         std::sort(texts.begin(), texts.end());
         return texts;
     }
-};
 
-TEST_F(BatchTest, whichFilesAreReadDependsOnTheirFolder)
-{
-    struct Case {
-        const char* file;
-        int matchesChosen; // in the chosen folder: the matches counted, that is how often the file was read
-        int matchesDropped; // in a folder that was dropped
-        int matchesBelow; // in a folder below
-    };
-    const Case cases[] = {
-        { "a.txt", 1, 1, 1 },
-        { "A.CSV", 1, 1, 1 },
-        { "mytxt", 0, 0, 1 }, // only below, a dot stands for any character
-        { "notes.txt.bak", 0, 0, 0 }, // listed, but the last extension is another
-        { "a.csv.txt", 2, 2, 2 }, // listed twice
-        { "~$lock.txt", 0, 1, 1 }, // counts as a lock file in the chosen folder only
-        { "~$lock.docx", 0, 0, 0 }, // if it were read as a document, it would give the sample address
-        { "a.tsv", 0, 0, 0 },
-        { "a.png", 0, 0, 0 },
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.file);
-        const TempFolder tree;
-        tree.write(c.file, "x@y.org");
-        window().rCounter = 0;
-        searchFolder(tree.path());
-        EXPECT_EQ(window().rCounter, c.matchesChosen) << "chosen";
-        drop({ tree.path() });
-        EXPECT_EQ(window().rCounter, c.matchesDropped) << "dropped";
-
-        const TempFolder above;
-        above.write(std::string("below/") + c.file, "x@y.org");
-        window().rCounter = 0;
-        searchFolder(above.path());
-        EXPECT_EQ(window().rCounter, c.matchesBelow) << "below";
+    void link(const std::string& target, const std::string& name)
+    {
+        std::filesystem::create_directory_symlink(tree / target, tree / name);
     }
-}
+
+    const TempFolder tree;
+
+private:
+    Timer m_click{ "click", 0 };
+};
 
 TEST_F(BatchTest, theReadersOfAFileDependOnItsName)
 {
@@ -108,24 +78,18 @@ TEST_F(BatchTest, theReadersOfAFileDependOnItsName)
         EXPECT_EQ(readersFor(searchFileReaders, name), picked) << name;
         EXPECT_EQ(readersFor(droppedFileReaders, name), dropped) << name;
     }
-    EXPECT_EQ(readersFor(workerReaders, ".pdf"), Readers{ PDF });
-    EXPECT_EQ(readersFor(walkReaders, ".pdf"), Readers{});
-    EXPECT_EQ(readersFor(workerReaders, ".doc"), Readers{ Word });
     EXPECT_EQ(readersFor(walkReaders, ".doc"), Readers{}) << "the dot of .docx stands for one character";
     EXPECT_EQ(readersFor(walkReaders, ".txtdocx"), (Readers{ Text, Word }));
 }
 
 TEST_F(BatchTest, searchFolderReadsTheWholeTree)
 {
-    const TempFolder tree;
     tree.write("one.txt", "a@y.org, A@Y.org");
     tree.write("sub/two.csv", "b@y.org");
     tree.write("sub/deep/er/three.txt", "c@y.org");
-    tree.makeFolder("empty.txt");
     searchFolder(tree.path());
-
     Window1& w = window();
-    Rows expected{ "a@y.org", "b@y.org", "c@y.org" };
+    const Rows expected{ "a@y.org", "b@y.org", "c@y.org" };
     EXPECT_EQ(sortedRows(), expected);
     EXPECT_EQ(w.ProgressText.Text(), found(4));
     EXPECT_EQ(w.results.Text(), "Total: 3 entries.");
@@ -145,30 +109,23 @@ TEST_F(BatchTest, searchFolderReadsTheWholeTree)
     EXPECT_EQ(w.ProgressText.Text(), found(8)) << "a cancelled dialog ends in the same words";
 }
 
-TEST_F(BatchTest, subfoldersOnlyWhileTheBoxIsTicked)
+TEST_F(BatchTest, theSecondHandlerWalksSubfoldersEvenWithoutTheTick)
 {
-    const TempFolder tree;
-    tree.write("one.txt", "a@y.org");
-    tree.write("sub/two.txt", "b@y.org");
+    for (const char* file : { "one.txt", "two.csv", "sub/three.txt" })
+        tree.write(file, file + std::string("@y.org"));
     window().subFolderSearch.setValue(false);
-    searchFolder(tree.path());
-    drop({ tree.path() });
-    EXPECT_EQ(rows(), Rows{ "a@y.org" });
     desktop.willSelect(tree.path());
-    window().PushButton1.Push(); // walks subfolders even without the tick, and reads no .csv
-    EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b@y.org" }));
+    window().PushButton1.Push();
+    EXPECT_EQ(sortedRows(), (Rows{ "one.txt@y.org", "three.txt@y.org" })) << "it reads no .csv";
     EXPECT_FALSE(window().ProgressText.Visible()) << "this entry leaves it as the walk left it";
 }
 
 TEST_F(BatchTest, loopsLinksPipesAndDeepFolders)
 {
-    const TempFolder tree;
     tree.write("sub/one.txt", "a@y.org");
-    const std::filesystem::path root = tree.path();
-    std::filesystem::create_directory_symlink(root / "sub", root / "sub/loop");
-    std::filesystem::create_directory_symlink(
-        root / "sub", root / "alias"); // in the chosen folder: not walked
-    std::filesystem::create_symlink(root / "nowhere", root / "sub/dangling.txt");
+    link("sub", "sub/loop");
+    link("sub", "alias"); // in the chosen folder: not walked
+    link("nowhere", "sub/dangling.txt");
     ASSERT_EQ(mkfifo((tree / "sub/pipe.txt").c_str(), 0600), 0);
     ASSERT_EQ(mkfifo((tree / "pipe.csv").c_str(), 0600), 0);
     tree.write("sub/no\xff utf\n/no\xfe.txt", "b@y.org");
@@ -181,81 +138,48 @@ TEST_F(BatchTest, loopsLinksPipesAndDeepFolders)
     EXPECT_EQ(window().rCounter, 3) << "a link was followed, and files were read again";
 }
 
-TEST_F(BatchTest, stopIsSeenBetweenTheFolders)
+TEST_F(BatchTest, stopAndTheUntickedBoxSpareWhatIsToCome)
 {
-    const TempFolder tree;
-    for (const char* sub : { "one", "two" }) {
+    for (const std::string sub : { "one", "two" }) {
         for (const char* file : { "/a.txt", "/b.txt" })
-            tree.write(sub + std::string(file), sub + std::string("@y.org"));
+            tree.write(sub + file, sub + "@y.org");
     }
-    // Like a click while the first folder is walked.
-    Timer click("click", 0);
-    click.Action = [&] {
-        click.setEnabled(false);
-        window().searchStop.setValue(true);
-    };
-    click.setEnabled(true);
-    desktop.willSelect(tree.path());
-    desktop.willShow("Search was stopped.");
-    window().importFolderBtn.Push();
-    EXPECT_EQ(rows().size(), 1U) << "the folder in hand is read to its end, the other one not at all";
-    EXPECT_EQ(window().rCounter, 2);
-    EXPECT_FALSE(window().searchStop.Value());
-    EXPECT_FALSE(window().stopSwitch);
-}
-
-TEST_F(BatchTest, theBoxUntickedDuringTheWalkSparesTheFoldersToCome)
-{
-    const TempFolder tree;
-    for (const char* file : { "one/a.txt", "one/b.txt", "two/a.txt", "two/b.txt" })
-        tree.write(file, "a@y.org");
-    Timer click("click", 0);
-    click.Action = [&] {
-        click.setEnabled(false);
-        window().subFolderSearch.setValue(false);
-    };
-    click.setEnabled(true);
+    Window1& w = window();
+    duringTheWalk([&] {
+        w.searchStop.setValue(true);
+        desktop.willShow("Search was stopped.");
+    });
     searchFolder(tree.path());
-    EXPECT_EQ(window().rCounter, 2);
-}
+    EXPECT_EQ(rows().size(), 1U) << "the folder in hand is read to its end, the other one not at all";
+    EXPECT_EQ(w.rCounter, 2);
+    EXPECT_FALSE(w.searchStop.Value());
+    EXPECT_FALSE(w.stopSwitch);
 
-TEST_F(BatchTest, stopWithoutSubfoldersIsSilent)
-{
-    const TempFolder tree;
-    tree.write("a.txt", "a@y.org");
-    window().itemArrayZ = { tree / "a.txt" };
-    window().searchStop.setValue(true);
-    window().Thread1.Run();
-    EXPECT_EQ(window().rCounter, 0) << "the worker sees the stop before its first file";
-    EXPECT_TRUE(window().searchStop.Value());
+    duringTheWalk([&] { w.subFolderSearch.setValue(false); });
+    searchFolder(tree.path());
+    EXPECT_EQ(w.rCounter, 4) << "again one folder only";
+
+    w.itemArrayZ = { tree / "one/a.txt" };
+    w.searchStop.setValue(true);
+    w.Thread1.Run();
+    EXPECT_EQ(w.rCounter, 4) << "the worker sees the stop before its first file, and says nothing";
 }
 
 TEST_F(BatchTest, aSecondRunDuringTheWalkRunsInsideOfTheFirst)
 {
-    const TempFolder tree;
-    tree.write("a.txt", "a@y.org");
-    for (const char* file : { "sub/b.txt", "sub/c.txt" })
+    for (const char* file : { "a.txt", "sub/b.txt", "sub/c.txt" })
         tree.write(file, file + std::string("@y.org"));
-    Timer again("again", 0);
-    again.Action = [&] {
-        again.setEnabled(false);
-        searchFolder(tree.path());
-    };
-    again.setEnabled(true);
+    duringTheWalk([&] { searchFolder(tree.path()); });
     searchFolder(tree.path());
-    EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b.txt@y.org", "c.txt@y.org" }));
+    EXPECT_EQ(sortedRows(), (Rows{ "a.txt@y.org", "b.txt@y.org", "c.txt@y.org" }));
     EXPECT_EQ(window().rCounter, 6) << "each run has read all three";
 }
 
 TEST_F(BatchTest, quittingEndsTheRun)
 {
-    const TempFolder tree;
-    for (const char* file : { "sub/a.txt", "sub/b.txt", "sub/c.txt" })
-        tree.write(file, "a@y.org");
-    Timer quit("quit", 0);
-    quit.Action = [&] { application->Quit(); };
-    quit.setEnabled(true);
+    tree.write("sub/a.txt", "a@y.org");
     Window1& w = window();
+    duringTheWalk([&] { application->Quit(); });
     searchFolder(tree.path());
     EXPECT_EQ(w.rCounter, 0) << "overtaken before its first file";
     EXPECT_FALSE(isOpen<Window1>()) << "and nothing brings a window back";
@@ -263,36 +187,52 @@ TEST_F(BatchTest, quittingEndsTheRun)
 
 TEST_F(BatchTest, dropsOfFilesAndFolders)
 {
-    const TempFolder tree;
-    const std::string text = tree.write("one.txt", "a@y.org b@y.org");
-    const std::string rtf = tree.write("mytxt.rtf", "c@y.org"); // its name holds txt after a character
-    const std::string picture = tree.write("a.png", "d@y.org");
-    const std::string folderOne = tree.makeFolder("f1");
+    Window1& w = window();
     tree.write("f1/e.txt", "e@y.org");
     tree.write("f2/f.csv", "f@y.org");
-
-    drop({ picture });
-    EXPECT_EQ(window().ProgressText.Text(), nothingFound);
-    EXPECT_FALSE(window().filterBtn.Enabled());
-    drop({ text });
-    EXPECT_EQ(window().ProgressText.Text(), found(2));
-    EXPECT_EQ(window().results.Text(), "Total: 2 entries.");
-    drop({ rtf, folderOne, tree / "f2" });
+    drop({ tree.write("a.png", "d@y.org") });
+    EXPECT_EQ(w.ProgressText.Text(), nothingFound);
+    EXPECT_FALSE(w.filterBtn.Enabled());
+    drop({ tree.write("one.txt", "a@y.org b@y.org") });
+    EXPECT_EQ(w.ProgressText.Text(), found(2));
+    EXPECT_EQ(w.results.Text(), "Total: 2 entries.");
+    drop({ tree.write("mytxt.rtf", "c@y.org"), tree / "f1", tree / "f2" });
     EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b@y.org", "c@y.org", "e@y.org", "f@y.org" }));
-    EXPECT_EQ(window().rCounter, 4) << "the second folder's run reads the first one's file again";
-    EXPECT_FALSE(window().Timer1.Enabled());
-    EXPECT_TRUE(window().searchStop.Enabled());
+    EXPECT_EQ(w.rCounter, 4) << "the second folder's run reads the first one's file again";
+    EXPECT_FALSE(w.Timer1.Enabled());
+    EXPECT_TRUE(w.searchStop.Enabled());
+}
+
+TEST_F(BatchTest, aListThatChangesBetweenTheItemsOfADropGetsTheirFindsAgain)
+{
+    Window1& w = window();
+    const auto endItem = [&](const Rows& found) {
+        for (const std::string& address : found)
+            w.resultArray.append(address);
+        w.flushStagedRows();
+        w.checkDuplicates();
+        return rows();
+    };
+    EXPECT_EQ(endItem({ "a@y.org", "A@y.org", "b@y.org", "logo@2x.png" }), (Rows{ "a@y.org", "b@y.org" }));
+    EXPECT_EQ(endItem({ "B@y.org", "c@y.com" }), (Rows{ "a@y.org", "b@y.org", "c@y.com" }));
+    w.Listbox1.DeleteAllRows();
+    EXPECT_EQ(endItem({ "d@y.org" }), (Rows{ "a@y.org", "b@y.org", "c@y.com", "d@y.org" }));
+    filterWIn& filter = implicit<filterWIn>();
+    filter.check1Field.setText("y.org");
+    filter.checkOrg.setValue(true);
+    filter.keepBtn.Push();
+    EXPECT_EQ(endItem({}), (Rows{ "d@y.org", "b@y.org", "a@y.org", "c@y.com" }));
 }
 
 TEST_F(BatchTest, theFindsOfAFailedSearchStayInTheList)
 {
-    const TempFolder tree;
     tree.write("one.txt", "a@y.org A@y.org logo@2x.png");
     tree.write("below/broken.csv", std::string(300'000, ' ') + "b@y.org " + std::string(300'000, ' '));
     const Scoped broken = failingReads("broken", 400'000);
-    const std::vector<std::string> reason{ "broken.csv", "Input/output error" };
     const Rows expected{ "a@y.org" };
-    const auto willReport = [&](const char* words) { desktop.willReport({ reason[0], reason[1], words }); };
+    const auto willReport = [&](const char* words) {
+        desktop.willReport({ "broken.csv", "Input/output error", words });
+    };
 
     desktop.willSelect(tree.path());
     willReport("The search of the folder has ended here. What it had found is in the list: 1 new address.");
@@ -323,38 +263,35 @@ TEST_F(BatchTest, theFindsOfAFailedSearchStayInTheList)
 TEST_F(BatchTest, foldersWithoutFilesAreEnteredOnce)
 {
     // Forty folders, each with two links to the next: a walk that follows all of them would never end.
-    const TempFolder tree;
-    const std::filesystem::path root = tree.path();
     for (int i = 0; i < 40; ++i) {
         const std::string name = "chain/" + std::to_string(i);
         tree.makeFolder(name);
-        tree.makeFolder("chain/" + std::to_string(i + 1));
-        for (const char* link : { "one", "two" })
-            std::filesystem::create_directory_symlink(
-                root / "chain" / std::to_string(i + 1), root / name / link);
+        for (const char* each : { "/one", "/two" })
+            link("chain/" + std::to_string(i + 1), name + each);
     }
+    tree.makeFolder("chain/40");
     // Every folder has links to all others, so there are very many ways through them.
     for (int i = 0; i < 12; ++i) {
+        const std::string name = "web/" + std::to_string(i);
+        tree.makeFolder(name);
         for (int j = 0; j < 12; ++j) {
-            tree.makeFolder("web/" + std::to_string(i));
             if (i != j)
-                std::filesystem::create_directory_symlink(
-                    root / "web" / std::to_string(j), root / "web" / std::to_string(i) / std::to_string(j));
+                link("web/" + std::to_string(j), name + '/' + std::to_string(j));
         }
     }
     // A folder in which no file is found if it is entered from the folder to which its link leads.
     tree.write("sub/with/a.txt", "a@y.org");
     tree.makeFolder("sub/with/empty");
-    std::filesystem::create_directory_symlink(root / "sub/with", root / "sub/with/empty/up");
-    std::filesystem::create_directory_symlink(root / "sub/with/empty", root / "sub/side");
+    link("sub/with", "sub/with/empty/up");
+    link("sub/with/empty", "sub/side");
+    link("sub/with", "sub/again");
     searchFolder(tree.path());
     EXPECT_EQ(rows(), Rows{ "a@y.org" });
-    EXPECT_EQ(window().rCounter, 2) << "once by its folder, once by the link in the other one";
+    EXPECT_EQ(window().rCounter, 3) << "by its folder, by the link to it, by the link in the other one";
 }
 
 TEST_F(BatchTest, theFinishLinesHelpTellsWhichFilesWereNotRead)
 {
-    const TempFolder tree;
     tree.write("a.txt", "a@y.org");
     tree.write("a.txt.csv", "a@y.org"); // listed twice, and one file
     tree.write("b.pdf", "");
@@ -373,86 +310,6 @@ TEST_F(BatchTest, theFinishLinesHelpTellsWhichFilesWereNotRead)
     drop({ tree / "c.png" });
     EXPECT_NE(window().account.text().find("Of 1 file 0 were read."), std::string::npos)
         << window().account.text();
-}
-
-/// Compares the list with a simple model, in which every row is compared with every other one.
-TEST_F(BatchTest, anyOrderOfOperationsLeavesTheRowsOfTheModel)
-{
-    std::mt19937 random(1);
-    const auto below = [&random](std::size_t count) { return random() % count; };
-    const auto anyAddress = [&] {
-        static const char* const names[] = { "a", "A", "b", "B", "c", "xpng" };
-        return std::string(names[below(6)]) + std::to_string(below(30)) + "@Y.org";
-    };
-    const auto equal = [](const std::string& a, const std::string& b) {
-        return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-            [](char x, char y) { return std::tolower(x) == std::tolower(y); });
-    };
-    Rows model;
-    Rows staged;
-    const auto check = [&] {
-        Rows left;
-        for (const std::string& row : model) {
-            const bool isKnown = std::any_of(
-                left.begin(), left.end(), [&](const std::string& other) { return equal(row, other); });
-            if (!isKnown && row.find("png") == std::string::npos)
-                left.push_back(row);
-        }
-        model = left;
-    };
-    Window1& w = window();
-    for (int step = 0; step < 3000; ++step) {
-        switch (below(7)) {
-        case 0:
-        case 1:
-            for (std::size_t count = below(20); count > 0; --count) {
-                model.push_back(anyAddress());
-                w.Listbox1.AddRow(model.back());
-            }
-            break;
-        case 2:
-            for (std::size_t count = below(20); count > 0; --count) {
-                staged.push_back(anyAddress());
-                w.resultArray.append(staged.back());
-            }
-            break;
-        case 3: // like the end of a dropped item
-            model.insert(model.end(), staged.begin(), staged.end());
-            w.flushStagedRows();
-            w.checkDuplicates();
-            check();
-            break;
-        case 4:
-            w.checkDuplicates();
-            check();
-            break;
-        case 5: { // like Keep and Remove
-            if (model.empty() || below(3) > 0)
-                break;
-            Rows arranged;
-            for (std::size_t row = model.size(); row-- > 0;) {
-                for (std::size_t times = below(3); times > 0; --times)
-                    arranged.push_back(model[row]);
-            }
-            RowStore rearranged;
-            for (const std::string& row : arranged)
-                rearranged.append(row);
-            w.Listbox1.ReplaceRows(std::move(rearranged));
-            model = arranged;
-            break;
-        }
-        case 6:
-            if (below(4) == 0) {
-                w.clearBtn_Action();
-                model.clear();
-            } else if (below(4) == 0) {
-                w.resultArray.clear();
-                staged.clear();
-            }
-            break;
-        }
-        ASSERT_EQ(rows(), model) << step;
-    }
 }
 
 } // namespace quilvane

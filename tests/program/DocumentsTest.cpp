@@ -9,6 +9,7 @@ namespace quilvane {
 namespace {
 
 const std::string samples = QUILVANE_SAMPLES;
+
 /// The engine with a public event.
 class LoudEngine : public MyDynaPDFMBS {
 public:
@@ -22,7 +23,7 @@ using DocumentsTest = ProgramTest;
 TEST_F(DocumentsTest, onlyTheLastPageOfAPdfCounts)
 {
     searchFile(samples + "/flyer.pdf");
-    const std::vector<std::string> first = rows();
+    const Rows first = rows();
     EXPECT_FALSE(first.empty());
     EXPECT_EQ(window().pdf->GetPageCount(), 3);
     EXPECT_EQ(window().Slider1.Value(), 2);
@@ -49,7 +50,7 @@ TEST_F(DocumentsTest, aPdfThatCannotBeReadShowsAllItsMessages)
     window().importBtn1.Push();
     EXPECT_EQ(window().ProgressText.Text(), nothingFound);
     EXPECT_EQ(window().Slider1.Value(), 0);
-    EXPECT_EQ(rows(), std::vector<std::string>{ "a@b.co" });
+    EXPECT_EQ(rows(), Rows{ "a@b.co" });
 }
 
 TEST_F(DocumentsTest, warningsCanBeIgnoredButErrorsCannot)
@@ -81,42 +82,20 @@ TEST_F(DocumentsTest, wordDocuments)
     EXPECT_EQ(rows().size(), before);
 }
 
-TEST_F(DocumentsTest, unreadableWordFilesOfAFolderGiveTheSampleAddress)
+TEST_F(DocumentsTest, aPdfInADroppedFolderFindsThePageThatWasLoadedLast)
 {
-    const TempFolder tree;
-    tree.write("bad.docx", "x@y.org in a text that is no document");
-    tree.write("~$bad.docx", "a lock file");
-    desktop.willSelect(tree.path());
-    window().importFolderBtn.Push();
-    EXPECT_EQ(rows(), std::vector<std::string>{ "sample@example.com" });
-    EXPECT_EQ(window().rCounter, 1);
-}
-
-TEST_F(DocumentsTest, aPdfInADroppedFolderFindsTheTextOfThePreviousFileAgain)
-{
-    const TempFolder tree;
-    const std::string pdf = tree.write("where.pdf", "other@y.org");
-    const auto matchesAgain = [&] {
-        window().itemArrayZ = { pdf };
-        const std::int64_t before = window().rCounter;
-        window().resultArray.clear();
-        window().Thread1.Run();
-        return std::pair(window().rCounter - before, window().resultArray.size());
-    };
-    using Matches = std::pair<std::int64_t, std::size_t>;
-    window().searchText = "left@y.org";
-    EXPECT_EQ(matchesAgain(), Matches(1, 1)) << "a page of doPDF's";
-    EXPECT_EQ(window().resultArray[0], "left@y.org");
-    EXPECT_EQ(matchesAgain(), Matches(1, 1)) << "and once more";
-
-    window().doTextThread(GetFolderItem(tree.write("two.txt", "a@y.org a@y.org b@y.org")));
-    EXPECT_EQ(matchesAgain(), Matches(3, 3));
-    window().doTextThread(GetFolderItem(tree.makeFolder("folder.txt")));
-    EXPECT_EQ(matchesAgain(), Matches(0, 0)) << "a text file that can't be opened leaves nothing";
-    window().doWordFolderThread(GetFolderItem(tree.write("bad.docx", "no document")));
-    EXPECT_EQ(matchesAgain(), Matches(1, 1));
-    window().Canvas1.Drop(DragItem({}));
-    EXPECT_EQ(matchesAgain(), Matches(0, 0)) << "a drop begins anew";
+    Window1& w = window();
+    const Rows twice(2, folder.write("where.pdf", "other@y.org"));
+    w.itemArrayZ = twice;
+    w.searchText = "left@y.org";
+    w.Thread1.Run();
+    EXPECT_EQ(w.rCounter, 2);
+    ASSERT_EQ(w.resultArray.size(), 2U);
+    EXPECT_EQ(w.resultArray[1], "left@y.org");
+    w.Canvas1.Drop(DragItem({}));
+    w.itemArrayZ = twice;
+    w.Thread1.Run();
+    EXPECT_EQ(w.rCounter, 0) << "a drop begins anew";
 }
 
 } // namespace quilvane

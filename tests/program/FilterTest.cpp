@@ -11,7 +11,6 @@ namespace quilvane {
 
 namespace {
 
-using Rows = std::vector<std::string>;
 using F = filterWIn;
 using Boxes = std::vector<CheckBox filterWIn::*>;
 
@@ -26,6 +25,8 @@ protected:
     {
         window().Listbox1.DeleteAllRows();
         addRows(rowsBefore);
+        window().filterBtn.setEnabled(true);
+        window().ProgressText.setText("before");
         F& dialog = implicit<F>();
         for (TextField F::*field :
             { &F::check1Field, &F::check2Field, &F::check3Field, &F::check4Field, &F::check5Field })
@@ -35,6 +36,18 @@ protected:
             (dialog.*box).setValue(std::find(boxes.begin(), boxes.end(), box) != boxes.end());
         (dialog.*button).Push();
         return rows();
+    }
+
+    /// Expects the dialog closed and the main window as Keep and Remove leave it over so many rows.
+    void expectEnd(std::size_t rowCount)
+    {
+        const Window1& w = window();
+        EXPECT_FALSE(isOpen<F>());
+        EXPECT_EQ(w.results.Text(), std::to_string(rowCount) + " Entries");
+        EXPECT_EQ(w.ProgressText.Text(), "");
+        for (const PushButton* button : { &w.filterBtn, &w.searchBtn, &w.exportBtn, &w.exportTabDelimited })
+            EXPECT_EQ(button->Enabled(), rowCount > 0) << button->Name();
+        EXPECT_TRUE(w.clearBtn.Enabled()) << "left as it was";
     }
 };
 
@@ -75,51 +88,13 @@ TEST_F(FilterTest, keepAndRemoveByTheirOwnRules)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(press(&F::keepBtn, c.rows, c.boxes, c.text), c.kept);
+        expectEnd(c.kept.size());
         EXPECT_EQ(press(&F::removeBtn, c.rows, c.boxes, c.text), c.left);
+        expectEnd(c.left.size());
     }
     EXPECT_EQ(press(&F::keepBtn, { "no domain.gov" }, { &F::checkGov }), Rows{ "no domain.gov" });
     desktop.willReport({ "part of a row", "The list is as it was." });
     EXPECT_EQ(press(&F::keepBtn, { "no domain" }, { &F::checkCom }), Rows{ "no domain" });
-}
-
-TEST_F(FilterTest, keepInTheProgram)
-{
-    addRows({ "a@x.com", "b@x.org", "c@x.com" });
-    window().filterBtn.setEnabled(true);
-    window().filterBtn.Push();
-    filterWIn& dialog = implicit<filterWIn>();
-    dialog.checkCom.setValue(true);
-    dialog.check2.setValue(true); // has no text, so it is unticked again
-    dialog.keepBtn.Push();
-    EXPECT_EQ(rows(), (Rows{ "c@x.com", "a@x.com" }));
-    EXPECT_EQ(window().results.Text(), "2 Entries");
-    EXPECT_TRUE(window().exportBtn.Enabled());
-    EXPECT_FALSE(isOpen<filterWIn>());
-
-    FiltersApplyFilters().Choose();
-    EXPECT_TRUE(implicit<filterWIn>().checkCom.Value()) << "remembered";
-    implicit<filterWIn>().checkCom.setValue(false);
-    implicit<filterWIn>().keepBtn.Push();
-    EXPECT_TRUE(rows().empty());
-    EXPECT_EQ(window().results.Text(), "0 Entries");
-    for (const PushButton* off :
-        { &window().filterBtn, &window().searchBtn, &window().exportBtn, &window().exportTabDelimited })
-        EXPECT_FALSE(off->Enabled()) << off->Name();
-    EXPECT_TRUE(window().clearBtn.Enabled()) << "left as it was";
-}
-
-TEST_F(FilterTest, removeInTheProgram)
-{
-    const Rows all{ "a@x.com", "b@x.org", "c@x.com" };
-    addRows(all);
-    window().ProgressText.setText("before");
-    implicit<filterWIn>().removeBtn.Push();
-    EXPECT_EQ(rows(), all);
-    EXPECT_EQ(window().results.Text(), "3 Entries");
-    EXPECT_EQ(window().ProgressText.Text(), "");
-    implicit<filterWIn>().checkOrg.setValue(true);
-    implicit<filterWIn>().removeBtn.Push();
-    EXPECT_EQ(rows(), (Rows{ "a@x.com", "c@x.com" }));
 }
 
 TEST_F(FilterTest, badPatternsAreReportedAndEarlierFiltersHaveTheirEffect)
@@ -152,7 +127,10 @@ TEST_F(FilterTest, badPatternsAreReportedAndEarlierFiltersHaveTheirEffect)
 
 TEST_F(FilterTest, dialogRemembersByKeystroke)
 {
-    filterWIn* dialog = &implicit<filterWIn>();
+    addRows({ "a@x.org" });
+    window().filterBtn.setEnabled(true);
+    window().filterBtn.Push();
+    F* dialog = &implicit<F>();
     for (const CheckBox* box : { &dialog->checkOrg, &dialog->check2, &dialog->check3 })
         EXPECT_FALSE(box->Value());
     dialog->checkOrg.setValue(true);
@@ -163,13 +141,17 @@ TEST_F(FilterTest, dialogRemembersByKeystroke)
     dialog->check3Field.setText("");
     EXPECT_TRUE(dialog->check3.Value()) << "emptying is a change, too";
     dialog->cancelBtn.Push();
+    EXPECT_FALSE(isOpen<F>());
 
-    dialog = &implicit<filterWIn>();
+    FiltersApplyFilters().Choose();
+    dialog = &implicit<F>();
     EXPECT_TRUE(dialog->checkOrg.Value());
     EXPECT_EQ(dialog->check2Field.Text(), "own.example");
     EXPECT_TRUE(dialog->check2.Value()) << "ticks are told by the texts";
     EXPECT_FALSE(dialog->check3.Value());
-    EXPECT_EQ(&implicit<filterWIn>(), dialog);
+    dialog->check3.setValue(true);
+    dialog->keepBtn.Push();
+    EXPECT_EQ(rows(), Rows{ "a@x.org" }) << "a box without a text is unticked and filters nothing";
 }
 
 } // namespace quilvane

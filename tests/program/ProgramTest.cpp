@@ -16,15 +16,15 @@ ProgramTest::~ProgramTest()
     settle();
 }
 
-std::vector<std::string> ProgramTest::rowsOf(const Listbox& list)
+Rows ProgramTest::rowsOf(const Listbox& list)
 {
-    std::vector<std::string> texts;
+    Rows texts;
     for (std::size_t row = 0; row < list.ListCount(); ++row)
         texts.push_back(list.Cell(row, 0));
     return texts;
 }
 
-void ProgramTest::addRows(const std::vector<std::string>& addresses)
+void ProgramTest::addRows(const Rows& addresses)
 {
     for (const std::string& address : addresses)
         window().Listbox1.AddRow(address);

@@ -12,10 +12,20 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace quilvane {
 
+using Rows = std::vector<std::string>;
+
 inline const std::string nothingFound = "Finished searching. No email addresses detected.";
+
+inline std::string found(int count)
+{
+    return "Finished searching. " + std::to_string(count)
+        + (count == 1 ? " email detected. Duplicates removed." : " emails detected. Duplicates removed.");
+}
 
 /// The whole program without its event loop, with its own data folder, a main window and a scripted desktop.
 class ProgramTest : public testing::Test {
@@ -24,9 +34,9 @@ protected:
     ~ProgramTest() override;
 
     Window1& window() { return implicit<Window1>(); }
-    static std::vector<std::string> rowsOf(const Listbox& list);
-    std::vector<std::string> rows() { return rowsOf(window().Listbox1); }
-    void addRows(const std::vector<std::string>& addresses);
+    static Rows rowsOf(const Listbox& list);
+    Rows rows() { return rowsOf(window().Listbox1); }
+    void addRows(const Rows& addresses);
     /// Presses Search File and picks `path`.
     void searchFile(const std::string& path);
     static void settle() { Application::DoEvents(200); }

@@ -2,18 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
+#include "app/MainMenuBar.h"
+
 namespace quilvane {
-
-namespace {
-
-std::string found(const std::string& count)
-{
-    return "Finished searching. " + count + " detected. Duplicates removed.";
-}
-
-using Rows = std::vector<std::string>;
-
-} // namespace
 
 using SearchFileTest = ProgramTest;
 
@@ -24,55 +15,45 @@ TEST_F(SearchFileTest, endStates)
         const char* file;
         const char* content;
         Rows before;
-        std::string progress;
-        std::string results;
-        bool filterBtn;
         Rows after;
         int matches;
+        std::string progress;
+        std::string results;
     };
     const Case cases[] = {
-        { "text with matches", "a.txt", "x@y.org, a.b@c.de.", {}, found("2 emails"), "Total: 2 entries.",
-            true, { "x@y.org", "a.b@c.de" }, 2 },
-        { "one match", "a.txt", "<x@y.org>", {}, found("1 email"), "Total: 1 entry.", true, { "x@y.org" },
-            1 },
-        { "delimited with matches, one of them twice", "a.CSV", "\"Q@y.org\"\n\"q@Y.org\"\n", {},
-            found("2 emails"), "Total: 1 entry.", true, { "Q@y.org" }, 2 },
-        { "text without matches, empty list", "a.txt", "nothing", {}, nothingFound, "old text", false, {},
-            0 },
-        { "text without matches, rows from before", "a.txt", "", { "old@row.org" }, nothingFound,
-            "Total: 1 entry.", true, { "old@row.org" }, 0 },
-        { "no known kind is not read", "a.tsv", "x@y.org", {}, nothingFound, "old text", false, {}, 0 },
-        { "delimited without matches, empty list: told in the total's place", "a.csv", "", {}, "",
-            nothingFound, false, {}, 0 },
-        { "delimited without matches, rows from before", "a.csv", "", { "old@row.org" }, "",
-            "Total: 1 entry.", true, { "old@row.org" }, 0 },
-        { "a second file without a new address", "a.csv", "OLD@row.org", { "old@row.org" }, found("1 email"),
-            "Total: 1 entry.", true, { "old@row.org" }, 1 },
+        { "text with matches", "a.txt", "x@y.org, a.b@c.de.", {}, { "x@y.org", "a.b@c.de" }, 2, found(2),
+            "Total: 2 entries." },
+        { "one match", "a.txt", "<x@y.org>", {}, { "x@y.org" }, 1, found(1), "Total: 1 entry." },
+        { "delimited, one match twice", "a.CSV", "\"Q@y.org\"\n\"q@Y.org\"\n", {}, { "Q@y.org" }, 2, found(2),
+            "Total: 1 entry." },
+        { "text without matches, empty list", "a.txt", "nothing", {}, {}, 0, nothingFound, "old text" },
+        { "text without matches", "a.txt", "", { "a@b.co" }, { "a@b.co" }, 0, nothingFound,
+            "Total: 1 entry." },
+        { "no known kind is not read", "a.tsv", "x@y.org", {}, {}, 0, nothingFound, "old text" },
+        { "delimited without matches, empty list: told in the total's place", "a.csv", "", {}, {}, 0, "",
+            nothingFound },
+        { "delimited without matches", "a.csv", "", { "a@b.co" }, { "a@b.co" }, 0, "", "Total: 1 entry." },
+        { "nothing new", "a.csv", "A@b.co", { "a@b.co" }, { "a@b.co" }, 1, found(1), "Total: 1 entry." },
         { "names of pictures are counted and go", "a.txt", "logo@2x.png pngs@y.org apng@y.org", {},
-            found("3 emails"), "Total: 1 entry.", true, { "pngs@y.org" }, 3 },
-        { "nothing but names of pictures", "a.txt", "logo@2x.png", {}, found("1 email"), "old text", true, {},
-            1 },
+            { "pngs@y.org" }, 3, found(3), "Total: 1 entry." },
+        { "nothing but names of pictures", "a.txt", "logo@2x.png", {}, {}, 1, found(1), "old text" },
     };
+    Window1& w = window();
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        Window1& w = window();
         w.clearBtn_Action();
         addRows(c.before);
         w.results.setText("old text");
-        folder.write(c.file, c.content);
-
-        searchFile(folder / c.file);
-
+        searchFile(folder.write(c.file, c.content));
+        EXPECT_EQ(rows(), c.after);
+        EXPECT_EQ(w.rCounter, c.matches);
         EXPECT_EQ(w.ProgressText.Text(), c.progress);
         EXPECT_EQ(w.results.Text(), c.results);
         EXPECT_TRUE(w.results.Visible());
-        EXPECT_EQ(w.filterBtn.Enabled(), c.filterBtn);
-        EXPECT_EQ(rows(), c.after);
-        EXPECT_EQ(w.rCounter, c.matches);
-        const bool hasRows = !c.after.empty();
-        EXPECT_EQ(w.clearBtn.Enabled(), hasRows);
-        EXPECT_EQ(w.exportBtn.Enabled(), hasRows);
-        EXPECT_EQ(w.exportTabDelimited.Enabled(), hasRows);
+        EXPECT_EQ(w.filterBtn.Enabled(), c.matches > 0 || !c.after.empty());
+        for (const PushButton* button : { &w.clearBtn, &w.exportBtn, &w.exportTabDelimited })
+            EXPECT_EQ(button->Enabled(), !c.after.empty()) << button->Name();
+        EXPECT_EQ(FiltersApplyFilters().Enabled(), !c.after.empty());
         EXPECT_TRUE(w.searchBtn.Enabled());
         EXPECT_FALSE(w.Timer1.Enabled());
         EXPECT_EQ(w.TextField1.Text(), "");
@@ -82,21 +63,18 @@ TEST_F(SearchFileTest, endStates)
 TEST_F(SearchFileTest, cancelledDialogStillEndsTheRun)
 {
     Window1& w = window();
-    w.ProgressText.setText("before");
-    w.results.setText("old text");
-    desktop.willCancelOpen();
-    w.importBtn1.Push();
-    EXPECT_EQ(w.ProgressText.Text(), "");
-    EXPECT_EQ(w.results.Text(), "old text");
-    EXPECT_TRUE(w.results.Visible());
-    EXPECT_FALSE(w.filterBtn.Enabled());
-    EXPECT_FALSE(w.Timer1.Enabled());
-
-    addRows({ "a@b.co" });
-    desktop.willCancelOpen();
-    w.importBtn1.Push();
-    EXPECT_EQ(w.results.Text(), "Total: 1 entry.");
-    EXPECT_TRUE(w.filterBtn.Enabled());
+    for (const Rows& before : { Rows{}, Rows{ "a@b.co" } }) {
+        addRows(before);
+        w.ProgressText.setText("before");
+        w.results.setText("old text");
+        desktop.willCancelOpen();
+        w.importBtn1.Push();
+        EXPECT_EQ(w.ProgressText.Text(), "");
+        EXPECT_EQ(w.results.Text(), before.empty() ? "old text" : "Total: 1 entry.");
+        EXPECT_TRUE(w.results.Visible());
+        EXPECT_EQ(w.filterBtn.Enabled(), !before.empty());
+        EXPECT_FALSE(w.Timer1.Enabled());
+    }
 }
 
 TEST_F(SearchFileTest, failuresAreReportedAndLoseNothing)
@@ -112,22 +90,20 @@ TEST_F(SearchFileTest, failuresAreReportedAndLoseNothing)
 
 TEST_F(SearchFileTest, clearList)
 {
-    folder.write("a.txt", "x@y.org");
-    searchFile(folder / "a.txt");
-    window().clearBtn.Push();
+    Window1& w = window();
+    searchFile(folder.write("a.txt", "x@y.org"));
+    w.clearBtn.Push();
     EXPECT_TRUE(rows().empty());
-    EXPECT_EQ(window().results.Text(), "Total: 0 entries");
-    EXPECT_TRUE(window().results.Visible());
-    EXPECT_EQ(window().ProgressText.Text(), "");
-    EXPECT_TRUE(window().searchBtn.Enabled());
-    for (const PushButton* off : { &window().clearBtn, &window().filterBtn, &window().exportBtn })
+    EXPECT_EQ(w.results.Text(), "Total: 0 entries");
+    EXPECT_EQ(w.ProgressText.Text(), "");
+    EXPECT_TRUE(w.searchBtn.Enabled());
+    for (const PushButton* off : { &w.clearBtn, &w.filterBtn, &w.exportBtn })
         EXPECT_FALSE(off->Enabled()) << off->Name();
 }
 
 TEST_F(SearchFileTest, doCSVFolderCountsNothingAndTotalsBeforeTheRemoval)
 {
-    folder.write("a.csv", "x@y.org X@y.org");
-    window().doCSVFolder(GetFolderItem(folder / "a.csv"));
+    window().doCSVFolder(GetFolderItem(folder.write("a.csv", "x@y.org X@y.org")));
     EXPECT_EQ(window().rCounter, 0);
     EXPECT_EQ(window().results.Text(), "Total: 2 entries.");
     EXPECT_EQ(rows(), Rows{ "x@y.org" });

@@ -2,36 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program/ProgramTest.h"
 
-#include "app/FileTypes2.h"
-#include "app/MainMenuBar.h"
 #include "app/pictures.h"
 #include "app/prefsModule.h"
-#include "framework/threads/Timer.h"
 
 #include <csignal>
 #include <filesystem>
 
 namespace quilvane {
 
-using StartUpTest = ProgramTest;
-
-TEST_F(StartUpTest, stateOfTheWindowAtTheStart)
-{
-    Window1& w = window();
-    EXPECT_FALSE(w.results.Visible());
-    EXPECT_TRUE(w.subFolderSearch.Value());
-    EXPECT_TRUE(w.Timer1.Enabled());
-}
-
-TEST_F(StartUpTest, runsFromStartToQuit)
-{
-    Timer quit("quit", 1);
-    quit.Action = [this] { application->Quit(); };
-    EXPECT_EQ(application->Run([&] { quit.setEnabled(true); }), 0);
-    EXPECT_EQ(TempFolder::contentOf(folder / "Quilvane/QuilvanePreferences"), "tab\n");
-    EXPECT_FALSE(std::filesystem::exists(folder / "Quilvane/Temp"));
-    EXPECT_FALSE(isOpen<Window1>());
-}
+class StartUpTest : public ProgramTest {
+protected:
+    const std::string preferences = folder / "Quilvane/QuilvanePreferences";
+};
 
 TEST_F(StartUpTest, quittingDuringAnErrorOfTheStartEndsTheProgram)
 {
@@ -44,13 +26,13 @@ TEST_F(StartUpTest, quittingDuringAnErrorOfTheStartEndsTheProgram)
             settle();
         }
     } desktopOfTheSession;
-    std::filesystem::create_directories(folder / "Quilvane/QuilvanePreferences");
-    desktopOfTheSession.willReport(
-        { "QuilvanePreferences" }); // once: nobody would answer the windows' own reports
+    std::filesystem::create_directories(preferences);
+    // Once: nobody would answer the windows' own reports.
+    desktopOfTheSession.willReport({ "QuilvanePreferences" });
     window();
     EXPECT_EQ(application->Run([] {}), 0);
     EXPECT_FALSE(isOpen<Window1>());
-    std::filesystem::remove(folder / "Quilvane/QuilvanePreferences");
+    std::filesystem::remove(preferences);
 }
 
 TEST_F(StartUpTest, preferencesFileHoldsOneUncheckedLine)
@@ -75,18 +57,18 @@ TEST_F(StartUpTest, preferencesFileHoldsOneUncheckedLine)
         getPrefs();
         EXPECT_EQ(application->delimiter, c.delimiter);
         savePrefs();
-        EXPECT_EQ(TempFolder::contentOf(folder / "Quilvane/QuilvanePreferences"), c.after);
+        EXPECT_EQ(TempFolder::contentOf(preferences), c.after);
     }
 }
 
 TEST_F(StartUpTest, preferencesFileThatCannotBeWrittenIsReportedWhenTheWindowCloses)
 {
-    std::filesystem::create_directories(folder / "Quilvane/QuilvanePreferences");
+    std::filesystem::create_directories(preferences);
     getPrefs();
     EXPECT_EQ(application->delimiter, "tab");
     desktop.willReport({ "QuilvanePreferences" });
     window().Close();
-    std::filesystem::remove(folder / "Quilvane/QuilvanePreferences");
+    std::filesystem::remove(preferences);
 }
 
 TEST_F(StartUpTest, closedMainWindowComesBackEmpty)
@@ -95,45 +77,17 @@ TEST_F(StartUpTest, closedMainWindowComesBackEmpty)
     application->delimiter = "kept";
     window().Close();
     EXPECT_FALSE(isOpen<Window1>());
-    EXPECT_EQ(TempFolder::contentOf(folder / "Quilvane/QuilvanePreferences"), "kept\n");
+    EXPECT_EQ(TempFolder::contentOf(preferences), "kept\n");
     settle();
     ASSERT_TRUE(isOpen<Window1>()) << "the menu update after the last window makes the next one";
     EXPECT_TRUE(rows().empty());
 }
 
-TEST_F(StartUpTest, fileTypesAreFoundByName)
-{
-    const Ref<FileType> accessors[]
-        = { FileTypes2::Untitled(), FileTypes2::Pdf(), FileTypes2::Text(), FileTypes2::ApplicationMsword(),
-              FileTypes2::ApplicationVndMsExcel(), FileTypes2::ApplicationVndMsExcel1() };
-    ASSERT_EQ(FileTypes2::types().size(), std::size(accessors));
-    for (std::size_t i = 0; i < std::size(accessors); ++i)
-        EXPECT_EQ(&*accessors[i], &*FileTypes2::types()[i]);
-    EXPECT_EQ(&*FileType::named("text/plain"), &*FileTypes2::Text());
-    EXPECT_EQ(&*FileType::named("application/vnd.ms-excel"), &*FileTypes2::ApplicationVndMsExcel())
-        << "the first of two that share the name";
-    EXPECT_FALSE(FileType::named("text/csv"));
-}
-
-TEST_F(StartUpTest, picturesAreLoadedOnce)
+TEST_F(StartUpTest, allPicturesAreThereAndLoadedOnce)
 {
     for (Ref<Picture> (*accessor)() :
         { Quilvane_100, Quilvane_200, Quilvane_1001, Quilvane_1002, Quilvane_2001 })
         EXPECT_EQ(&*accessor(), &*accessor());
-    EXPECT_FALSE(Picture::load("Quilvane_300"));
-}
-
-TEST_F(StartUpTest, menusFollowTheRows)
-{
-    for (const bool hasRow : { false, true }) {
-        if (hasRow)
-            addRows({ "a@b.co" });
-        EnableMenuItems();
-        EXPECT_EQ(FiltersApplyFilters().Enabled(), hasRow);
-        EXPECT_EQ(window().clearBtn.Enabled(), hasRow);
-        EXPECT_TRUE(window().searchBtn.Enabled());
-        EXPECT_FALSE(window().filterBtn.Enabled()) << "no business of the pass";
-    }
 }
 
 } // namespace quilvane

@@ -16,6 +16,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quilvane {
@@ -24,57 +25,6 @@ namespace {
 
 using Kernel = AddressScanner::Kernel;
 using Texts = std::vector<std::string>;
-
-const std::string l31(31, 'l');
-const std::string l32(32, 'l');
-const std::string l33(33, 'l');
-
-struct Case {
-    std::string text;
-    Texts matches;
-};
-
-const std::vector<Case> cases{
-    { "@", {} },
-    { "Write to Ann.Lee+x@Mail.Example.ORG.", { "Ann.Lee+x@Mail.Example.ORG" } },
-    { "a@b.com,b@c.de\tc@d.fr", { "a@b.com", "b@c.de", "c@d.fr" } },
-    { "a@localhost b@c.d e@f.g.h", {} },
-    // The last label and what follows it.
-    { "a@b.com_", {} },
-    { "a@b.com1", {} },
-    { "a@b.com-", { "a@b.com" } },
-    { "a@b.com\xc3\xa4", { "a@b.com" } },
-    { "a@b.co.c", { "a@b.co" } },
-    { "a@b.co1.de_", {} },
-    { "a@b.co..", { "a@b.co" } },
-    // The domain before the last dot.
-    { "a@.co", {} },
-    { "a@-.co", { "a@-.co" } },
-    { "a@_.co", {} },
-    // The beginning of the local part.
-    { "x...@y.org", { "x...@y.org" } },
-    { "_@y.org", { "_@y.org" } },
-    { "\xc3\xa4.x@y.org", { "x@y.org" } },
-    // Right after a match a local part may begin with any of its bytes, but not with an '@'.
-    { "a@b.com-x@y.org", { "a@b.com", "-x@y.org" } },
-    { "a@b.com%+@y.org+@z.de", { "a@b.com", "%+@y.org", "+@z.de" } },
-    { "a@b.com@y.org", { "a@b.com" } },
-    { "a@b.com @y.org -x@y.org", { "a@b.com", "x@y.org" } },
-    { "a@b@c.de", { "b@c.de" } },
-    // Runs as long as the bytes that the AVX2 kernel examines at once, and one byte shorter and longer.
-    { l32 + "@b.com", { l32 + "@b.com" } },
-    { "." + l33 + "@b.com", { l33 + "@b.com" } },
-    { "a@b.com-" + l33 + "@y.org", { "a@b.com", "-" + l33 + "@y.org" } },
-    { "a@b." + l31, { "a@b." + l31 } },
-    { "a@" + l33 + ".de_", {} },
-    { "a@b.de." + l33 + "1", { "a@b.de" } },
-};
-
-/// The text between bytes that no address holds, so that no '@' is near an edge.
-std::string padded(const std::string& text)
-{
-    return std::string(70, '\n') + text + std::string(70, ' ');
-}
 
 Texts scanned(std::string_view text, Kernel kernel)
 {
@@ -140,31 +90,33 @@ private:
 
 } // namespace
 
+// The pattern itself, told by hand; all else is compared with PCRE2 below.
 TEST(AddressScanner, findsTheAddressesOfEachCase)
 {
-    const PatternOracle oracle(PatternOracle::addressPattern);
-    for (const Case& c : cases) {
-        const auto expected = oracle.findAll(c.text);
-        EXPECT_EQ(Texts(expected.begin(), expected.end()), c.matches) << "The case is wrong.";
-        for (const Kernel kernel : supportedKernels()) {
-            SCOPED_TRACE(testing::PrintToString(c.text) + (kernel == Kernel::Scalar ? " scalar" : " avx2"));
-            EXPECT_EQ(scanned(c.text, kernel), c.matches);
-            const std::string text = padded(c.text);
-            EXPECT_EQ(scanned(text, kernel), c.matches);
-            for (std::size_t pieceSize = 1; pieceSize <= text.size() + 1; ++pieceSize)
-                EXPECT_EQ(scanInPieces(text, pieceSize, kernel), c.matches) << pieceSize;
-        }
+    std::string chain = "a@b.com";
+    Texts links{ chain };
+    for (int i = 0; i < 500; ++i) { // more than the scanner gives at a time
+        links.push_back("-a@b.com");
+        chain += links.back();
     }
-}
-
-TEST(AddressScanner, givesNothingAfterTheEnd)
-{
-    for (const Kernel kernel : supportedKernels()) {
-        AddressScanner scanner("a@b.com ", kernel);
-        EXPECT_EQ(scanner.next().front(), "a@b.com");
-        EXPECT_TRUE(scanner.next().empty());
-        EXPECT_TRUE(scanner.next().empty());
-        EXPECT_TRUE(AddressScanner({}, kernel).next().empty());
+    const std::pair<std::string_view, Texts> cases[] = {
+        { {}, {} },
+        { chain, links },
+        { "@", {} },
+        { "Write to Ann.Lee+x@Mail.Example.ORG.", { "Ann.Lee+x@Mail.Example.ORG" } },
+        { "a@b.com,b@c.de\tc@d.fr", { "a@b.com", "b@c.de", "c@d.fr" } },
+        { "a@localhost b@c.d e@f.g.h", {} },
+        { "a@b.com_ a@b.com1 a@.co", {} },
+        { "a@b.com- a@b.co.c a@-.co", { "a@b.com", "a@b.co", "a@-.co" } },
+        { "a@b.com\xc3\xa4.x@y.org", { "a@b.com", "x@y.org" } },
+        { "x...@y.org _@y.org", { "x...@y.org", "_@y.org" } },
+        // Right after a match a local part may begin with any of its bytes, but not with an '@'.
+        { "a@b.com-x@y.org%+@y.org", { "a@b.com", "-x@y.org", "%+@y.org" } },
+        { "a@b.com@y.org a@b@c.de", { "a@b.com", "b@c.de" } },
+    };
+    for (const auto& [text, matches] : cases) {
+        for (const Kernel kernel : supportedKernels())
+            EXPECT_EQ(scanned(text, kernel), matches) << text;
     }
 }
 
