@@ -4,6 +4,7 @@
 
 #include "documents/reader/messages.h"
 #include "framework/processes.h"
+#include "support/WordFileBuilder.h"
 
 #include <cstdint>
 #include <string>
@@ -14,29 +15,18 @@ namespace quilvane {
 
 namespace {
 
-/// The frames that a reader could send, as a file for lyingReader.
-class Frames {
-public:
-    template <typename Message>
-    Frames& add(const Message& message)
-    {
-        return addRaw(encode(message));
-    }
+/// A frame of the reader's as it is sent.
+std::string frame(const std::string& content, std::size_t announcedSize)
+{
+    return littleEndian(announcedSize, 4) + content;
+}
 
-    Frames& addRaw(const std::string& frame, std::size_t announced)
-    {
-        for (unsigned shift = 0; shift < 32; shift += 8)
-            m_bytes += static_cast<char>(announced >> shift & 0xFFu);
-        m_bytes += frame;
-        return *this;
-    }
-    Frames& addRaw(const std::string& frame) { return addRaw(frame, frame.size()); }
-
-    const std::string& bytes() const { return m_bytes; }
-
-private:
-    std::string m_bytes;
-};
+template <typename Message>
+std::string frame(const Message& message)
+{
+    const std::string content = encode(message);
+    return frame(content, content.size());
+}
 
 class PdfFromLyingReader : public Pdf {
     Scoped m_liar = otherReader(QUILVANE_LYING_READER);
@@ -45,22 +35,18 @@ class PdfFromLyingReader : public Pdf {
 /// A document of these pages: 'p' for one that shows its number, '-' for one that can't be read.
 std::string pages(const std::string& kinds)
 {
-    Frames frames;
-    frames.add(PdfOpening{ .pageCount = static_cast<std::uint32_t>(kinds.size()) });
+    std::string frames = frame(PdfOpening{ .pageCount = static_cast<std::uint32_t>(kinds.size()) });
     for (std::size_t i = 0; i < kinds.size(); ++i)
-        frames.add(PdfPage{ kinds[i] == 'p', std::to_string(i + 1) });
-    return frames.add(PdfEnd{}).bytes();
+        frames += frame(PdfPage{ kinds[i] == 'p', std::to_string(i + 1) });
+    return frames + frame(PdfEnd{});
 }
 
 TEST_F(PdfFromLyingReader, ReportsOnlyAFewBadPages)
 {
     using Code = DynaPDFMBS::ErrorCode;
     const auto badPages = [](std::size_t count) { return std::vector<int>(count, Code::noSuchPage); };
-    const auto thenLeftOut = [&](std::size_t count) {
-        std::vector<int> codes = badPages(count);
-        codes.push_back(Code::pagesLeftOut);
-        return codes;
-    };
+    std::vector<int> thenLeftOut = badPages(3);
+    thenLeftOut.push_back(Code::pagesLeftOut);
     const std::string many(99'000, '-');
     struct Case {
         std::string_view name;
@@ -72,8 +58,8 @@ TEST_F(PdfFromLyingReader, ReportsOnlyAFewBadPages)
     for (const auto& [name, kinds, pageCount, errors, lastText] : {
              Case{ "two in a row", "p--p", 4, badPages(2), "4" },
              { "the last one is good", many + "p", 99'001, badPages(3), "99001" },
-             { "none is good", many, 3, thenLeftOut(3), "" },
-             { "a good one between", "----p" + many, 5, thenLeftOut(3), "5" },
+             { "none is good", many, 3, thenLeftOut, "" },
+             { "a good one between", "----p" + many, 5, thenLeftOut, "5" },
              { "every other one", "-p-p-p-p-p-p-p-p-p-p-p-p", 24, badPages(8), "24" },
              { "the last three", "pp---", 5, badPages(3), "2" },
          }) {
@@ -100,40 +86,34 @@ TEST_F(PdfFromLyingReader, ReportsOnlyAFewBadPages)
 
 TEST_F(PdfFromLyingReader, RefusesInvalidFrames)
 {
-    const std::string page = encode(PdfPage{ true, "text" });
-    const PdfOpening ofOne{ .pageCount = 1 };
+    const std::string ofOne = frame(PdfOpening{ .pageCount = 1 });
+    const std::string page = frame(PdfPage{ true, "text" });
+    const std::string end = frame(PdfEnd{});
     struct Case {
         std::string_view name;
-        Frames frames;
+        std::string frames;
         bool opens = true;
     };
-    for (const auto& [name, frames, opens] :
-        {
-            Case{ "nothing", {}, false },
-            { "no opening", Frames().addRaw("?"), false },
-            { "a long opening", Frames().addRaw("", largestPdfHead + 1), false },
-            { "too many pages", Frames().addRaw(encode(PdfOpening{ .pageCount = mostPdfPages + 1 })), false },
-            { "no end", Frames().add(ofOne).addRaw(page) },
-            { "a page too many", Frames().add(ofOne).addRaw(page).addRaw(page).add(PdfEnd{}) },
-            { "a page of any length", Frames().add(ofOne).addRaw("", UINT32_MAX) },
-            { "a cut page", Frames().add(ofOne).addRaw(page, page.size() + 1) },
-            { "a long reason",
-                Frames().add(ofOne).add(PdfPage{ false, std::string(longestPdfMessage + 1, 'x') }) },
-            { "no frame", Frames().add(ofOne).addRaw("") },
-            { "many warnings",
-                Frames().add(ofOne).addRaw(page).add(
-                    PdfEnd{ std::vector<std::string>(mostPdfMessages + 1) }) },
-        }) {
+    for (const auto& [name, frames, opens] : {
+             Case{ "nothing", "", false },
+             { "no opening", frame("?", 1), false },
+             { "a long opening", frame("", largestPdfHead + 1), false },
+             { "too many pages", frame(PdfOpening{ .pageCount = mostPdfPages + 1 }), false },
+             { "no end", ofOne + page },
+             { "a page too many", ofOne + page + page + end },
+             { "a page of any length", ofOne + frame("", UINT32_MAX) },
+             { "a cut page", (ofOne + page).substr(0, ofOne.size() + page.size() - 1) },
+             { "a long reason", ofOne + frame(PdfPage{ false, std::string(longestPdfMessage + 1, 'x') }) },
+             { "no frame", ofOne + frame("", 0) },
+             { "many warnings",
+                 ofOne + page + frame(PdfEnd{ std::vector<std::string>(mostPdfMessages + 1) }) },
+         }) {
         RecordingEngine careful;
-        careful.CreateNewPDF();
-        EXPECT_EQ(
-            careful.OpenImportFile(*GetFolderItem(folder.write("a.pdf", frames.bytes()))), opens ? 0 : -1)
-            << name;
-        EXPECT_EQ(careful.ImportPDFFile(1), -1) << name;
+        EXPECT_EQ(careful.open(folder.write("a.pdf", frames)), opens ? 0 : -1) << name;
         EXPECT_EQ(careful.GetPageCount(), 0) << name;
         EXPECT_EQ(careful.errors, std::vector<int>{ DynaPDFMBS::engineLost }) << name;
     }
-    ASSERT_EQ(engine.open(folder.write("a.pdf", Frames().add(ofOne).add(PdfEnd{}).bytes())), 0);
+    ASSERT_EQ(engine.open(folder.write("a.pdf", ofOne + end)), 0);
     EXPECT_EQ(engine.errors, std::vector<int>{ DynaPDFMBS::pagesLeftOut });
 }
 

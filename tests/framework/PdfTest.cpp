@@ -9,7 +9,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
-#include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -45,17 +45,23 @@ std::string pdfOf(const std::vector<std::string>& objects)
 
 const std::string catalog = "<</Type/Catalog/Pages 2 0 R>>";
 
-/// A document of one page, which draws `content` so many times.
-std::string onePage(const std::string& content, int times = 1)
+/// A document of equal pages, each of which draws `content` so many times.
+std::string pdfDrawing(const std::string& content, int times = 1, int pages = 1)
 {
-    std::string contents;
+    std::string contents, kids;
     for (int i = 0; i < times; ++i)
-        contents += "4 0 R ";
-    return pdfOf({ catalog, "<</Type/Pages/Kids[3 0 R]/Count 1>>",
-        "<</Type/Page/Parent 2 0 R/MediaBox[0 0 600 800]/Resources<</Font<</F 5 0 R>>>>/Contents[" + contents
-            + "]>>",
+        contents += "3 0 R ";
+    std::vector<std::string> objects{ catalog, "",
         "<</Length " + std::to_string(content.size()) + ">>\nstream\n" + content + "\nendstream",
-        "<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>" });
+        "<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>" };
+    for (int i = 0; i < pages; ++i) {
+        objects.push_back(
+            "<</Type/Page/Parent 2 0 R/MediaBox[0 0 600 800]/Resources<</Font<</F 4 0 R>>>>/Contents["
+            + contents + "]>>");
+        kids += std::to_string(objects.size()) + " 0 R ";
+    }
+    objects[1] = "<</Type/Pages/Kids[" + kids + "]/Count " + std::to_string(pages) + ">>";
+    return pdfOf(objects);
 }
 
 /// Content that shows the text, each time a little farther right and up.
@@ -64,28 +70,13 @@ std::string show(const std::string& text)
     return "1 0 0 1 .1 .2 cm BT /F 12 Tf 72 700 Td (" + text + ") Tj ET ";
 }
 
-TEST_F(Pdf, GivesTheTextOfEachPage)
-{
-    ASSERT_EQ(engine.open(flyer), 0);
-    ASSERT_EQ(engine.GetPageCount(), 3);
-    EXPECT_NE(engine.pageText(1).find("front-page@example.org"), std::string::npos);
-    const std::string last = engine.pageText(3);
-    for (const std::string_view address : { "office.staff@example.com", "ENROL@example.com",
-             "enrol@example.com", "press+flyer@media.example.net", "organisers@print-shop.example.org" })
-        EXPECT_NE(last.find(address), std::string::npos) << address << " in\n" << last;
-    EXPECT_EQ(last.find("front-page"), std::string::npos);
-    EXPECT_TRUE(engine.errors.empty());
-    EXPECT_TRUE(engine.warnings.empty());
-}
-
 TEST_F(Pdf, FollowsTheOrderOfCalls)
 {
     EXPECT_EQ(engine.ImportPDFFile(1), -1);
     EXPECT_FALSE(engine.EditPage(1));
     EXPECT_TRUE(engine.errors.empty());
-    ASSERT_EQ(engine.OpenImportFile(*GetFolderItem(flyer)), 0);
-    EXPECT_EQ(engine.GetPageCount(), 0);
-    EXPECT_EQ(engine.ImportPDFFile(1), 3);
+    ASSERT_EQ(engine.open(flyer), 0);
+    EXPECT_EQ(engine.GetPageCount(), 3);
     for (const int page : { 0, -1, 4 })
         EXPECT_FALSE(engine.EditPage(page)) << page;
     EXPECT_EQ(engine.errors, std::vector<int>(3, DynaPDFMBS::noSuchPage));
@@ -97,7 +88,9 @@ TEST_F(Pdf, FollowsTheOrderOfCalls)
 TEST_F(Pdf, ReadsWhatOtherProgramsWrite)
 {
     ASSERT_EQ(engine.open(flyer), 0);
+    EXPECT_NE(engine.pageText(1).find("front-page@example.org"), std::string::npos);
     const std::string expected = engine.pageText(3);
+    EXPECT_NE(expected.find("enrol@example.com"), std::string::npos);
     for (const std::string options :
         { "--object-streams=generate", "--linearize --qdf --stream-data=uncompress",
             "--encrypt '' owner 256 --", "--allow-weak-crypto --encrypt '' owner 40 --" }) {
@@ -108,7 +101,7 @@ TEST_F(Pdf, ReadsWhatOtherProgramsWrite)
 
     const std::string text
         = "BT /F 12 Tf 500 300 Td (out.of.the.page@example.com) Tj 9 600 Td (off@example.com) Tj ET";
-    ASSERT_EQ(engine.open(folder.write("\xFF wide\n.pdf", onePage(text))), 0);
+    ASSERT_EQ(engine.open(folder.write("\xFF wide\n.pdf", pdfDrawing(text))), 0);
     EXPECT_EQ(engine.pageText(1), "out.of.the.page@example.com\noff@example.com\n");
 }
 
@@ -149,7 +142,7 @@ TEST_F(Pdf, GivesAllWarningsInOneAndCanBeStopped)
     for (int i = 0; i < 1000; ++i)
         content += "nonsense" + std::to_string(i) + ' ';
     content += "odd ";
-    std::string damaged = onePage(content);
+    std::string damaged = pdfDrawing(content);
     const std::string path = folder.write("a.pdf", damaged.replace(damaged.find("/Size"), 5, "/Sise"));
     ASSERT_EQ(engine.open(path), 0);
     EXPECT_EQ(engine.pageText(1), "me@example.com\n");
@@ -165,24 +158,20 @@ TEST_F(Pdf, GivesAllWarningsInOneAndCanBeStopped)
     EXPECT_TRUE(engine.errors.empty());
 }
 
-/// The running children: the one that reads a document, if any, and the one that waits for the next.
-std::vector<pid_t> documentChildren()
-{
-    std::vector<pid_t> children = childrenOf(readerProcess());
-    std::erase_if(children, [](pid_t child) {
-        const std::string status = TempFolder::contentOf("/proc/" + std::to_string(child) + "/stat");
-        return status.find(") Z ") != std::string::npos;
-    });
-    return children;
-}
-
-/// Waits until there are so many, and returns the first.
+/// Waits until the reader has so many running children, and returns the first: the one that reads a document,
+/// if any; the last one waits for the next document.
 pid_t firstOfChildren(std::size_t count)
 {
     std::vector<pid_t> children;
-    do
-        children = documentChildren();
-    while (children.size() != count);
+    do {
+        children = childrenOf(readerProcess());
+        std::erase_if(children, [](pid_t child) {
+            std::ifstream file("/proc/" + std::to_string(child) + "/stat");
+            std::string status; // stays empty if the child has gone meanwhile
+            std::getline(file, status);
+            return status.empty() || status.find(") Z ") != std::string::npos;
+        });
+    } while (children.size() != count);
     return children[0];
 }
 
@@ -197,7 +186,7 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
         };
     };
     const auto nothing = [] {};
-    const std::string endless = onePage(std::string(100'000, 'Q'), 20'000);
+    const std::string endless = pdfDrawing(std::string(100'000, 'Q'), 20'000);
     constexpr DocumentLimits usual;
     struct Case {
         std::string_view name;
@@ -213,7 +202,7 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
         { "endless document", endless, { .document = 1s }, nothing, "It takes more than 1 seconds." },
 #ifndef __SANITIZE_ADDRESS__ // it handles faults itself, and memory can't be limited with it
         { "crashed", endless, usual, toChild(SIGSEGV), "broke down: Segmentation fault." },
-        { "memory", onePage(show("some words"), 100'000), { .memory = 16 << 20 }, nothing,
+        { "memory", pdfDrawing(show("some words"), 100'000), { .memory = 16 << 20 }, nothing,
             "It needs more than 16 MiB of memory." },
 #endif
     };
@@ -222,7 +211,6 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
     const std::ptrdiff_t filesBefore = openFiles();
     for (const auto& [name, pdf, limits, meanwhile, reason] : cases) {
         RecordingEngine suffering(limits);
-        suffering.CreateNewPDF();
         firstOfChildren(1); // the child of the last document has ended
         ASSERT_EQ(suffering.OpenImportFile(*GetFolderItem(folder.write("a.pdf", pdf))), 0) << name;
         meanwhile();
@@ -241,22 +229,9 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
 
 TEST_F(Pdf, ReadsOnlyThePagesThatTheTimeAllows)
 {
-    const auto slow = [](int count) {
-        std::vector<std::string> objects{ catalog, "",
-            "<</Length 100000>>\nstream\n" + std::string(100'000, 'q') + "\nendstream" };
-        std::string kids;
-        std::string contents;
-        for (int i = 0; i < 100; ++i)
-            contents += "3 0 R ";
-        for (int i = 0; i < count; ++i) {
-            objects.push_back("<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]/Contents[" + contents + "]>>");
-            kids += std::to_string(objects.size()) + " 0 R ";
-        }
-        objects[1] = "<</Type/Pages/Kids[" + kids + "]/Count " + std::to_string(count) + ">>";
-        return pdfOf(objects);
-    };
+    const std::string slow = pdfDrawing(std::string(100'000, 'q'), 100, 500);
     RecordingEngine hasty({ .document = 2s });
-    ASSERT_EQ(hasty.open(folder.write("a.pdf", slow(500))), 0);
+    ASSERT_EQ(hasty.open(folder.write("a.pdf", slow)), 0);
     EXPECT_GT(hasty.GetPageCount(), 0);
     EXPECT_LT(hasty.GetPageCount(), 500);
     EXPECT_EQ(hasty.errors, std::vector<int>{ DynaPDFMBS::pagesLeftOut });
@@ -267,18 +242,12 @@ TEST_F(Pdf, IsReadAgainWhenTheReaderIsLost)
 {
     ASSERT_EQ(engine.open(flyer), 0);
     const std::string expected = engine.pageText(3);
-    const auto kill = [] {
-        const pid_t reader = readerProcess();
-        ::kill(reader, SIGKILL);
-    };
-    kill();
+    ::kill(readerProcess(), SIGKILL);
     EXPECT_EQ(engine.open(flyer), 0);
     EXPECT_EQ(engine.pageText(3), expected);
-    engine.CreateNewPDF();
-    ASSERT_EQ(
-        engine.OpenImportFile(*GetFolderItem(folder.write("a.pdf", onePage(show("me@example.com"), 2000)))),
-        0);
-    kill();
+    const std::string path = folder.write("a.pdf", pdfDrawing(show("me@example.com"), 2000));
+    ASSERT_EQ(engine.OpenImportFile(*GetFolderItem(path)), 0);
+    ::kill(readerProcess(), SIGKILL);
     EXPECT_EQ(engine.ImportPDFFile(1), 1);
     EXPECT_TRUE(engine.errors.empty());
 }
@@ -287,12 +256,11 @@ TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
 {
     // Children that the program leaves become the test's.
     const Scoped adopting([](int isOn) { ::prctl(PR_SET_CHILD_SUBREAPER, isOn); }, 0, 1);
-    const std::string path = folder.write("a.pdf", onePage(std::string(100'000, 'Q'), 20'000));
+    const std::string path = folder.write("a.pdf", pdfDrawing(std::string(100'000, 'Q'), 20'000));
     ReaderProcess::forget(); // the program below needs a reader of its own
     const pid_t program = ::fork();
     if (program == 0) {
         RecordingEngine doomed;
-        doomed.CreateNewPDF();
         doomed.OpenImportFile(*itemAt(path)); // returns when the reading has begun
         ::raise(SIGSTOP);
     }
