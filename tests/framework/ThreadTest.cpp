@@ -37,20 +37,17 @@ TEST(ThreadTest, killUnwindsTheBodyAndClosesItsStreams)
     const TempFolder folder;
     std::string log;
     Thread thread;
-    const auto insideOfACall = [&] {
+    const auto before = openFiles();
+    thread.RunEvent = [&] {
+        const auto stream = itemAt(folder / "export")->CreateTextFile();
+        stream->WriteLine("half");
+        EXPECT_GT(openFiles(), before);
         try {
             thread.Kill();
             log += "not reached";
         } catch (const std::exception&) {
             log += "taken for an error";
         }
-    };
-    const auto before = openFiles();
-    thread.RunEvent = [&] {
-        const auto stream = itemAt(folder / "export")->CreateTextFile();
-        stream->WriteLine("half");
-        EXPECT_GT(openFiles(), before);
-        insideOfACall();
     };
     thread.Run();
     thread.Kill(); // nothing runs
