@@ -9,7 +9,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDBusMessage>
-#include <QDBusVirtualObject>
+#include <QDBusVariant>
 #include <QLineEdit>
 #include <QPalette>
 #include <QProcess>
@@ -23,71 +23,62 @@
 
 namespace quilvane {
 
+/// The part of a desktop's settings portal for dark windows.
+class Portal : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    bool wasAsked = false;
+
+    void change(const QString& key, uint scheme)
+    {
+        emit SettingChanged("org.freedesktop.appearance", key, QDBusVariant(scheme));
+    }
+
+public slots:
+    QDBusVariant Read(const QString& group, const QString& key)
+    {
+        wasAsked = group == "org.freedesktop.appearance" && key == "color-scheme";
+        const QDBusVariant preferDark(1U);
+        return QDBusVariant(QVariant::fromValue(preferDark));
+    }
+
+signals:
+    void SettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+};
+
 namespace {
 
-/// A message bus for the test alone.
-class Bus {
-public:
-    Bus()
+/// A message bus for the test alone, with a desktop that prefers dark windows.
+class ColorSchemeTest : public testing::Test {
+protected:
+    ColorSchemeTest()
     {
         m_daemon.setStandardErrorFile(QProcess::nullDevice());
         m_daemon.start("dbus-daemon", { "--session", "--nofork", "--print-address" });
         m_daemon.waitForReadyRead();
-        m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+        const QString address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+        QDBusConnection desktop = QDBusConnection::connectToBus(address, "desktop");
+        desktop.registerObject("/org/freedesktop/portal/desktop", &portal,
+            QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals);
+        desktop.registerService("org.freedesktop.portal.Desktop");
+        QDBusConnection::connectToBus(address, "program");
     }
-    ~Bus()
+    ~ColorSchemeTest() override
     {
-        QDBusConnection::disconnectFromBus("portal");
+        QDBusConnection::disconnectFromBus("desktop");
         QDBusConnection::disconnectFromBus("program");
         m_daemon.kill();
         m_daemon.waitForFinished();
     }
 
-    QDBusConnection portalsEnd() { return QDBusConnection::connectToBus(m_address, "portal"); }
-    QDBusConnection programsEnd() { return QDBusConnection::connectToBus(m_address, "program"); }
+    static QDBusConnection programsEnd() { return QDBusConnection("program"); }
+
+    Portal portal;
 
 private:
     QProcess m_daemon;
-    QString m_address;
-};
-
-/// The part of a desktop's settings portal for dark windows.
-class Portal : public QDBusVirtualObject {
-public:
-    Portal(QDBusConnection bus, uint scheme)
-        : m_bus(std::move(bus))
-        , m_scheme(scheme)
-    {
-        m_bus.registerVirtualObject(path, this);
-        m_bus.registerService("org.freedesktop.portal.Desktop");
-    }
-
-    bool wasAsked = false;
-
-    void change(const QString& key, uint scheme)
-    {
-        QDBusMessage signal
-            = QDBusMessage::createSignal(path, "org.freedesktop.portal.Settings", "SettingChanged");
-        signal << "org.freedesktop.appearance" << key << QVariant::fromValue(QDBusVariant(scheme));
-        m_bus.send(signal);
-    }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override
-    {
-        if (message.member() != "Read"
-            || message.arguments() != QVariantList{ "org.freedesktop.appearance", "color-scheme" })
-            return false;
-        wasAsked = true;
-        const QDBusVariant inner{ m_scheme };
-        return connection.send(
-            message.createReply(QVariant::fromValue(QDBusVariant(QVariant::fromValue(inner)))));
-    }
-    QString introspect(const QString&) const override { return {}; }
-
-private:
-    const QString path = "/org/freedesktop/portal/desktop";
-    QDBusConnection m_bus;
-    uint m_scheme;
 };
 
 Scoped palette(const QPalette& colors)
@@ -102,11 +93,9 @@ bool isDarkNow()
 
 } // namespace
 
-TEST(ColorSchemeTest, followsTheDesktop)
+TEST_F(ColorSchemeTest, followsTheDesktop)
 {
-    Bus bus;
-    Portal portal(bus.portalsEnd(), 1);
-    const ColorScheme scheme(bus.programsEnd());
+    const ColorScheme scheme(programsEnd());
     EXPECT_TRUE(QTest::qWaitFor(isDarkNow)) << "as the desktop answers";
     portal.change("color-scheme", 2);
     EXPECT_TRUE(QTest::qWaitFor([] { return !isDarkNow(); })) << "as the desktop tells later";
@@ -118,7 +107,7 @@ TEST(ColorSchemeTest, followsTheDesktop)
         << "no preference gives the desktop's own colours";
 }
 
-TEST(ColorSchemeTest, emptyAndDisabledControlsAreVisibleInDarkColors)
+TEST(DarkColors, emptyAndDisabledControlsAreVisibleInDarkColors)
 {
     const auto desktops = [](QPalette palette) {
         QApplication::style()->polish(palette); // as Qt does
@@ -157,20 +146,20 @@ TEST(ColorSchemeTest, emptyAndDisabledControlsAreVisibleInDarkColors)
     }
 }
 
-TEST(ColorSchemeTest, leavesTheDesktopsOwnDarkColorsAlone)
+TEST_F(ColorSchemeTest, leavesTheDesktopsOwnDarkColorsAlone)
 {
     const QPalette own(Qt::black);
     const Scoped shown = palette(own);
-    Bus bus;
-    Portal portal(bus.portalsEnd(), 1);
-    const ColorScheme scheme(bus.programsEnd());
-    EXPECT_TRUE(QTest::qWaitFor([&portal] { return portal.wasAsked; }));
+    const ColorScheme scheme(programsEnd());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return portal.wasAsked; }));
     portal.change("color-scheme", 0);
     // After this answer, all that the portal has sent before has arrived.
-    bus.programsEnd().call(QDBusMessage::createMethodCall(
+    programsEnd().call(QDBusMessage::createMethodCall(
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"));
     QApplication::processEvents();
     EXPECT_EQ(QApplication::palette().color(QPalette::Window), own.color(QPalette::Window));
 }
 
 } // namespace quilvane
+
+#include "ColorSchemeTest.moc"

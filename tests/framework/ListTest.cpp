@@ -3,6 +3,7 @@
 #include "framework/WindowTest.h"
 
 #include "framework/controls/RowStore.h"
+#include "framework/exceptions.h"
 #include "framework/internal/RowPlace.h"
 #include "framework/internal/fitText.h"
 
@@ -110,6 +111,7 @@ TEST_F(ListTest, removingRowsThatTheViewDoesNotKnowKeepsTheSelection)
     addShownRows(3);
     EXPECT_NE(list().Arrangement(), arrangement);
     EXPECT_EQ(view->model()->rowCount(), 13);
+    EXPECT_THROW(list().Cell(13, 0), OutOfBoundsException);
     EXPECT_TRUE(view->selectionModel()->hasSelection());
 
     const std::pair<const char*, std::function<void()>> removals[] = {
