@@ -184,12 +184,12 @@ TEST_F(ListTest, theMenuKeyShowsTheCommandsOfTheList)
 
 TEST_F(ListTest, copiedRowsDoNotChangeWithTheList)
 {
-    static const std::vector<unsigned char> secondRowGoes{ 1, 0, 1, 1, 1 };
+    static const std::vector<unsigned char> thirdRowGoes{ 1, 1, 0, 1, 1 };
     const std::pair<const char*, std::function<void()>> changesOfTheList[] = {
         { "nothing", [] {} },
         { "more rows", [] { addShownRows(3); } },
         { "later rows go", [] { list().TruncateRows(3); } },
-        { "a copied row goes", [] { list().RetainRows(0, secondRowGoes); } },
+        { "a copied row goes", [] { list().RetainRows(0, thirdRowGoes); } },
         { "other rows", [] { list().ReplaceRows({}); } },
         { "another selection", [this] { click(0); } },
         { "another copy of the same", [this] { pressCopyKeys(); } },
