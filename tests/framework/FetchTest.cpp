@@ -5,6 +5,7 @@
 #include "framework/exceptions.h"
 #include "support/Scoped.h"
 #include "support/WebServer.h"
+#include "support/messageOf.h"
 
 #include <gtest/gtest.h>
 
@@ -38,12 +39,7 @@ protected:
     /// The message must tell the reason and name the address.
     void expectFailure(const std::string& url, const std::string& reason) const
     {
-        std::string message;
-        try {
-            fetch(url, options);
-        } catch (const ConnectionException& error) {
-            message = error.what();
-        }
+        const std::string message = messageOf<ConnectionException>([&] { fetch(url, options); });
         EXPECT_NE(message.find(reason), std::string::npos) << url << ": " << message;
         EXPECT_NE(message.find(std::string(url.c_str()).substr(0, 60)), std::string::npos) << message;
     }

@@ -4,6 +4,7 @@
 #include "framework/controls/RowStore.h"
 #include "framework/exceptions.h"
 #include "framework/strings.h"
+#include "support/messageOf.h"
 
 #include <random>
 #include <string>
@@ -28,17 +29,13 @@ Texts allMatches(RegEx& expression, std::string_view text)
     return found;
 }
 
+/// The message of the exception that a search throws.
 template <typename Exception>
-std::string messageOf(const std::string& pattern, std::string_view text)
+std::string failure(const std::string& pattern, std::string_view text)
 {
     RegEx expression;
     expression.setSearchPattern(pattern);
-    try {
-        expression.matches(text);
-    } catch (const Exception& error) {
-        return error.what();
-    }
-    return "nothing was thrown";
+    return messageOf<Exception>([&] { expression.matches(text); });
 }
 
 const std::string longText(5000, '-');
@@ -135,13 +132,13 @@ TEST(RegEx, GivesSubExpressions)
 
 TEST(RegEx, RefusesInvalidPatternsWhenFirstUsed)
 {
-    const std::string open = messageOf<RegExSearchPatternException>("ab(c", "abc");
+    const std::string open = failure<RegExSearchPatternException>("ab(c", "abc");
     EXPECT_NE(open.find("missing closing parenthesis"), std::string::npos) << open;
     EXPECT_NE(open.find("at position 4"), std::string::npos) << open;
 
     for (const std::string& pattern : { std::string(1'000'000, 'a'), std::string(1'000'000, '('),
              std::string("(((a{999}){999}){999})"), std::string("(*UTF)a"), std::string("a\0[", 3) }) {
-        const std::string message = messageOf<RegExSearchPatternException>(pattern, "a");
+        const std::string message = failure<RegExSearchPatternException>(pattern, "a");
         EXPECT_NE(message.find("is not valid"), std::string::npos) << message;
         EXPECT_LT(message.size(), 500u);
     }
@@ -156,7 +153,7 @@ TEST(RegEx, GivesUpARunawayPattern)
     for (const auto& [pattern, text] :
         { std::pair("(a+)+$", row + "!"), std::pair("(*NO_JIT)(a+)+$", row + "!"),
             std::pair("(a|b)*c", std::string(5'000'000, 'a')), std::pair("(a+)+$", manyTraps) }) {
-        const std::string message = messageOf<RegExException>(pattern, text);
+        const std::string message = failure<RegExException>(pattern, text);
         EXPECT_NE(message.find("was given up"), std::string::npos) << pattern << ": " << message;
     }
 }
@@ -174,17 +171,13 @@ TEST(RegEx, OneBudgetIsForAllTextsSinceThePatternWasSet)
         }
         return done;
     };
-    struct Case {
-        const char* pattern;
-        bool ends;
-    };
     const std::string rows[]
         = { "somebody.else-1234@mail.example-company.com", std::string(20, 'a') + "@b.co" };
     for (const auto& [pattern, ends] :
-        { Case{ "^([a-z]+[.-]?)+$", false }, Case{ "(*NO_JIT)^([a-z]+[.-]?)+$", false },
-            Case{ "(?=.*.*.*[?])", false }, Case{ "^(.*)@(.*)\\.(com|org|net)$", true },
-            Case{ "^(?!.*gmail).*$", true }, Case{ "[a-z0-9._-]+@[a-z0-9.-]+\\.[a-z]{2,4}", true },
-            Case{ "\\b(\\w+)\\b.*\\b\\1\\b", true }, Case{ "(\\w+\\.)*\\w+@x", true } }) {
+        { std::pair("^([a-z]+[.-]?)+$", false), { "(*NO_JIT)^([a-z]+[.-]?)+$", false },
+            { "(?=.*.*.*[?])", false }, { "^(.*)@(.*)\\.(com|org|net)$", true }, { "^(?!.*gmail).*$", true },
+            { "[a-z0-9._-]+@[a-z0-9.-]+\\.[a-z]{2,4}", true }, { "\\b(\\w+)\\b.*\\b\\1\\b", true },
+            { "(\\w+\\.)*\\w+@x", true } }) {
         RegEx expression;
         expression.setSearchPattern(pattern);
         constexpr std::size_t most = 50'000;
@@ -197,14 +190,13 @@ TEST(RegEx, OneBudgetIsForAllTextsSinceThePatternWasSet)
 
 TEST(RegEx, MorePatternsWorkThanCompiledOnesAreKept)
 {
-    std::vector<std::unique_ptr<RegEx>> expressions;
-    for (int i = 0; i < 100; ++i) {
-        expressions.push_back(std::make_unique<RegEx>());
-        expressions.back()->setSearchPattern("^" + Str(i) + "$");
-        EXPECT_TRUE(expressions.back()->matches(Str(i)));
+    std::vector<RegEx> expressions(100);
+    for (std::size_t i = 0; i < expressions.size(); ++i) {
+        expressions[i].setSearchPattern("^" + std::to_string(i) + "$");
+        EXPECT_TRUE(expressions[i].matches(std::to_string(i)));
     }
-    for (int i = 0; i < 100; ++i)
-        EXPECT_TRUE(expressions[static_cast<std::size_t>(i)]->matches(Str(i)));
+    for (std::size_t i = 0; i < expressions.size(); ++i)
+        EXPECT_TRUE(expressions[i].matches(std::to_string(i)));
 }
 
 } // namespace
