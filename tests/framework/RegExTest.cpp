@@ -199,6 +199,12 @@ TEST(RegEx, MorePatternsWorkThanCompiledOnesAreKept)
         EXPECT_TRUE(expressions[i].matches(std::to_string(i)));
 }
 
+TEST(Strings, SplitCutsAtEachSeparator)
+{
+    EXPECT_EQ(Split(".a..", "."), (Texts{ "", "a", "", "" }));
+    EXPECT_EQ(Split("a, b,c", ", "), (Texts{ "a", "b,c" }));
+}
+
 } // namespace
 
 } // namespace quilvane
