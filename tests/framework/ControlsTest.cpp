@@ -122,6 +122,7 @@ TEST_F(ControlsTest, keysReachTheFieldFirstAndThenTheWindowsButtons)
         events += key == "\r" ? "return " : key == "\x03" ? "enter " : key + " ";
         return key == "x";
     };
+    EXPECT_EQ(widget("parked"), nullptr) << "the user can't reach it";
     auto* edit = widget<QLineEdit>("field");
     edit->setFocus();
     QTest::keyClick(edit, Qt::Key_Return);
