@@ -29,8 +29,6 @@ class Portal : public QObject {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 
 public:
-    bool wasAsked = false;
-
     void change(const QString& key, uint scheme)
     {
         emit SettingChanged("org.freedesktop.appearance", key, QDBusVariant(scheme));
@@ -39,9 +37,8 @@ public:
 public slots:
     QDBusVariant Read(const QString& group, const QString& key)
     {
-        wasAsked = group == "org.freedesktop.appearance" && key == "color-scheme";
-        const QDBusVariant preferDark(1U);
-        return QDBusVariant(QVariant::fromValue(preferDark));
+        const bool isKnown = group == "org.freedesktop.appearance" && key == "color-scheme";
+        return QDBusVariant(QVariant::fromValue(QDBusVariant(isKnown ? 1U : 0U)));
     }
 
 signals:
@@ -50,32 +47,25 @@ signals:
 
 namespace {
 
-/// A message bus for the test alone, with a desktop that prefers dark windows.
-class ColorSchemeTest : public testing::Test {
-protected:
-    ColorSchemeTest()
+/// A message bus for the test alone.
+class Bus {
+public:
+    Bus()
     {
         m_daemon.setStandardErrorFile(QProcess::nullDevice());
         m_daemon.start("dbus-daemon", { "--session", "--nofork", "--print-address" });
         m_daemon.waitForReadyRead();
         const QString address = QString::fromUtf8(m_daemon.readLine()).trimmed();
-        QDBusConnection desktop = QDBusConnection::connectToBus(address, "desktop");
-        desktop.registerObject("/org/freedesktop/portal/desktop", &portal,
-            QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals);
-        desktop.registerService("org.freedesktop.portal.Desktop");
-        QDBusConnection::connectToBus(address, "program");
+        for (const char* end : { "desktop", "program" })
+            QDBusConnection::connectToBus(address, end);
     }
-    ~ColorSchemeTest() override
+    ~Bus()
     {
-        QDBusConnection::disconnectFromBus("desktop");
-        QDBusConnection::disconnectFromBus("program");
+        for (const char* end : { "desktop", "program" })
+            QDBusConnection::disconnectFromBus(end);
         m_daemon.kill();
         m_daemon.waitForFinished();
     }
-
-    static QDBusConnection programsEnd() { return QDBusConnection("program"); }
-
-    Portal portal;
 
 private:
     QProcess m_daemon;
@@ -93,9 +83,16 @@ bool isDarkNow()
 
 } // namespace
 
-TEST_F(ColorSchemeTest, followsTheDesktop)
+TEST(ColorSchemeTest, followsTheDesktopUnlessItsOwnColorsAreDark)
 {
-    const ColorScheme scheme(programsEnd());
+    const Bus bus;
+    Portal portal;
+    QDBusConnection desktop("desktop");
+    desktop.registerObject("/org/freedesktop/portal/desktop", &portal,
+        QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals);
+    desktop.registerService("org.freedesktop.portal.Desktop");
+    const QDBusConnection program("program");
+    const ColorScheme scheme(program);
     EXPECT_TRUE(QTest::qWaitFor(isDarkNow)) << "as the desktop answers";
     portal.change("color-scheme", 2);
     EXPECT_TRUE(QTest::qWaitFor([] { return !isDarkNow(); })) << "as the desktop tells later";
@@ -105,9 +102,19 @@ TEST_F(ColorSchemeTest, followsTheDesktop)
     portal.change("color-scheme", 0);
     EXPECT_TRUE(QTest::qWaitFor([] { return !isDarkNow(); }))
         << "no preference gives the desktop's own colours";
+
+    const QPalette ownDark(Qt::black);
+    const Scoped shown = palette(ownDark);
+    portal.change("color-scheme", 1);
+    portal.change("color-scheme", 0);
+    // After this answer, all that the portal has sent before has arrived.
+    program.call(QDBusMessage::createMethodCall(
+        "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"));
+    QApplication::processEvents();
+    EXPECT_EQ(QApplication::palette().color(QPalette::Window), ownDark.color(QPalette::Window));
 }
 
-TEST(DarkColors, emptyAndDisabledControlsAreVisibleInDarkColors)
+TEST(ColorSchemeTest, emptyAndDisabledControlsAreVisibleInDarkColors)
 {
     const auto desktops = [](QPalette palette) {
         QApplication::style()->polish(palette); // as Qt does
@@ -144,20 +151,6 @@ TEST(DarkColors, emptyAndDisabledControlsAreVisibleInDarkColors)
                 [&](const auto& each) { return contrast(QColor(each.first), QColor(behind->first)) >= 3; }));
         }
     }
-}
-
-TEST_F(ColorSchemeTest, leavesTheDesktopsOwnDarkColorsAlone)
-{
-    const QPalette own(Qt::black);
-    const Scoped shown = palette(own);
-    const ColorScheme scheme(programsEnd());
-    EXPECT_TRUE(QTest::qWaitFor([this] { return portal.wasAsked; }));
-    portal.change("color-scheme", 0);
-    // After this answer, all that the portal has sent before has arrived.
-    programsEnd().call(QDBusMessage::createMethodCall(
-        "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"));
-    QApplication::processEvents();
-    EXPECT_EQ(QApplication::palette().color(QPalette::Window), own.color(QPalette::Window));
 }
 
 } // namespace quilvane
