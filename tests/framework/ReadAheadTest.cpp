@@ -3,7 +3,6 @@
 #include "framework/files/ReadAhead.h"
 
 #include "framework/FilesTest.h"
-#include "framework/exceptions.h"
 #include "framework/files/BinaryStream.h"
 #include "framework/files/TextInputStream.h"
 #include "framework/processes.h"

@@ -5,30 +5,23 @@
 #include "framework/Application.h"
 #include "framework/exceptions.h"
 #include "framework/files/BinaryStream.h"
-#include "framework/files/FileDescriptor.h"
 #include "framework/files/FolderItem.h"
 #include "framework/processes.h"
 #include "support/TempFolder.h"
 #include "support/messageOf.h"
 
-#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <utility>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 namespace quilvane {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 const std::string letter = QUILVANE_SAMPLES "/letter.docx";
 
