@@ -184,7 +184,7 @@ TEST(RegEx, OneBudgetIsForAllTextsSinceThePatternWasSet)
         const std::size_t done = rowsDone(expression, rows[0], most) + rowsDone(expression, rows[1], most);
         EXPECT_EQ(done == 2 * most, ends) << pattern << ": " << done;
         expression.setSearchPattern(pattern);
-        EXPECT_EQ(rowsDone(expression, "a@b.co", 1), 1u) << pattern;
+        EXPECT_EQ(rowsDone(expression, rows[0], 100), 100u) << pattern;
     }
 }
 
