@@ -170,10 +170,12 @@ TEST_F(ControlsTest, aWindowThatItsHandlerClosesIsNeverShown)
 {
     window->box.Action = [] { implicit<OtherWindow>().Close(); };
     window->box.setValue(true);
-    const auto* closed = widget("Other");
+    auto* closed = widget("Other");
     ASSERT_NE(closed, nullptr);
     EXPECT_FALSE(closed->testAttribute(Qt::WA_WState_Created));
+    const EventCount shows(*closed, QEvent::Show);
     Application::DoEvents(20);
+    EXPECT_EQ(shows.count, 0);
     EXPECT_EQ(widget("Other"), nullptr);
 }
 
