@@ -132,6 +132,11 @@ TEST_F(ControlsTest, keysReachTheFieldFirstAndThenTheWindowsButtons)
     EXPECT_EQ(window->field.Text(), "y") << "what the handler takes is not typed";
 
     events.clear();
+    window->parked.setCancel();
+    QTest::keyClick(edit, Qt::Key_Escape);
+    EXPECT_EQ(events, "\x1b default ");
+
+    events.clear();
     window->field.KeyDown = [](const std::string&) -> bool { throw IOException("the reason"); };
     desktop.willReport({ "the reason" });
     QTest::keyClick(edit, Qt::Key_Return);
