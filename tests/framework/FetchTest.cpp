@@ -5,6 +5,7 @@
 #include "framework/exceptions.h"
 #include "support/Scoped.h"
 #include "support/WebServer.h"
+#include "support/messageOf.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +13,13 @@ namespace quilvane {
 
 namespace {
 
+using namespace std::string_literals;
 using Ending = WebServer::Ending;
+
+const std::string ok = "HTTP/1.1 200 OK\r\n";
+const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
+const std::string gzipped = ok + "Content-Encoding: gzip\r\n\r\n";
+const std::string ofTenBytes = ok + "Content-Length: 10\r\n\r\n";
 
 std::string redirection(const std::string& target)
 {
@@ -29,15 +36,12 @@ protected:
         options.largestBody = 100'000;
     }
 
-    /// The message of the exception; empty if there is none.
-    std::string failure(const std::string& url) const
+    /// The message must tell the reason and name the address.
+    void expectFailure(const std::string& url, const std::string& reason) const
     {
-        try {
-            fetch(url, options);
-            return {};
-        } catch (const ConnectionException& error) {
-            return error.what();
-        }
+        const std::string message = messageOf<ConnectionException>([&] { fetch(url, options); });
+        EXPECT_NE(message.find(reason), std::string::npos) << url << ": " << message;
+        EXPECT_NE(message.find(std::string(url.c_str()).substr(0, 60)), std::string::npos) << message;
     }
 
     WebServer server;
@@ -52,120 +56,100 @@ private:
 
 TEST_F(FetchTest, bodies)
 {
-    const std::string gzipped(
-        "\x1f\x8b\x08\0\0\0\0\0\x02\x03\xab\x70\xa8\xd4\xcb\x2f\x4a\x07\0\x7f\x72\xc8\x74\x07\0\0\0", 27);
-    const std::string page = "<p>x@y.org\r\n\0\xFF";
-    server.page("/page", page);
-    server.page("/gzip", gzipped, "Content-Encoding: gzip\r\n");
-    server.answer("/chunked",
-        "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nx@y\r\n4;x=y\r\n.org\r\n0\r\n\r\n");
-    server.answer("/old", "HTTP/1.0 200 OK\r\n\r\nx@y.org");
-    server.answer("/cut", "HTTP/1.1 200 OK\r\n\r\nx@y.org", Ending::CutOff);
-    server.answer("/missing", "HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\ngone");
-    server.page("/empty", "");
-    server.page("/full", std::string(100'000, 'x'));
-    server.answer("/redirect", redirection("/page"));
-    plain.answer("/insecure", redirection(server.url("/redirect")));
-
-    const std::pair<std::string, std::string> cases[] = {
-        { server.url("/page"), page },
-        { server.url("/page").substr(8), page }, // no scheme
-        { " \t\xC2\xA0" + server.url("/page") + "\n ", page }, // as it was copied
-        { "HTTPS" + server.url("/page#part").substr(5), page },
-        { server.url("/gzip"), "x@y.org" },
-        { server.url("/chunked"), "x@y.org" },
-        { server.url("/old"), "x@y.org" },
-        { server.url("/cut"), "x@y.org" }, // many servers end like that
-        { server.url("/missing"), "gone" },
-        { server.url("/empty"), "" },
-        { server.url("/full"), std::string(100'000, 'x') },
-        { server.url("/redirect"), page },
-        { plain.url("/insecure"), page },
+    const std::string page = "<p>x@y.org\r\n\0\xFF"s;
+    const std::string full(100'000, 'x');
+    const struct {
+        const char* path;
+        std::string answer;
+        std::string body;
+        Ending ending = Ending::Close;
+    } answers[] = {
+        { "/page", ok + "Content-Length: 14\r\n\r\n" + page, page },
+        { "/gzip",
+            gzipped
+                + "\x1f\x8b\x08\0\0\0\0\0\x02\x03\xab\x70\xa8\xd4\xcb\x2f\x4a\x07\0\x7f\x72\xc8\x74\x07\0\0\0"s,
+            "x@y.org" },
+        { "/chunked", chunked + "3\r\nx@y\r\n4;x=y\r\n.org\r\n0\r\n\r\n", "x@y.org" },
+        { "/old", "HTTP/1.0 200 OK\r\n\r\nx@y.org", "x@y.org" },
+        { "/cut", ok + "\r\nx@y.org", "x@y.org", Ending::CutOff }, // many servers end like that
+        { "/missing", "HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\ngone", "gone" },
+        { "/empty", ok + "Content-Length: 0\r\n\r\n", "" },
+        { "/full", ok + "\r\n" + full, full },
+        { "/redirect", redirection("/page"), page },
     };
-    for (const auto& [url, body] : cases)
-        EXPECT_EQ(fetch(url, options), body) << url;
+    for (const auto& [path, answer, body, ending] : answers) {
+        server.answer(path, answer, ending);
+        EXPECT_EQ(fetch(server.url(path), options), body) << path;
+    }
+    plain.answer("/insecure", redirection(server.url("/redirect")));
+    const std::string withoutScheme = server.url("/page").substr(8);
+    for (const std::string& url : { withoutScheme, " \t\xC2\xA0https://" + withoutScheme + "\n ",
+             "HTTPS://" + withoutScheme + "#part", plain.url("/insecure") })
+        EXPECT_EQ(fetch(url, options), page) << url;
 }
 
 TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
 {
-    const std::string begin = "HTTP/1.1 200 OK\r\n";
-    server.answer("/short", begin + "Content-Length: 10\r\n\r\nx@y.org");
-    server.answer("/silent", begin, Ending::Stall);
-    server.answer("/stalled", begin + "Content-Length: 10\r\n\r\nx", Ending::Stall);
-    server.answer("/endless", begin + "\r\nx", Ending::Endless);
-    server.answer("/loop", redirection("/loop"));
-    server.answer("/ftp", redirection("ftp://127.0.0.1/"));
-    server.page("/large", std::string(100'001, 'x'));
-    server.page("/damaged", "no archive", "Content-Encoding: gzip\r\n");
-    server.answer("/insecure", redirection(plain.url("/page")));
-    plain.answer("/toAndFro", redirection(server.url("/insecure")));
-    plain.page("/page", "x@y.org");
     std::string lines;
     while (lines.size() < 300'000)
         lines += "X-Line: " + std::string(1000, 'x') + "\r\n";
-    server.answer("/headers", begin + lines + "\r\nx");
-    server.answer("/header", begin + "X-Line: " + std::string(200'000, 'x') + "\r\n\r\nx");
-    server.answer("/trailers", begin + "Transfer-Encoding: chunked\r\n\r\n1\r\nx\r\n0\r\n" + lines + "\r\n");
-    server.answer("/chunks", begin + "Transfer-Encoding: chunked\r\n\r\nno number\r\n");
-    server.answer("/noHttp", "220 mail.example.org ready\r\n");
-    server.answer("/toNoHttp", redirection("/noHttp"));
-    server.answer("/noVersion", "HTTP/9.9 200 OK\r\n\r\nx");
-    server.answer("/headersCut", begin + "Content-Type: text/html\r\n");
-    server.answer("/secondHeadersCut", "HTTP/1.1 103 Early Hints\r\n\r\n" + begin);
-
-    struct Case {
-        std::string url;
+    const struct {
+        const char* path;
+        std::string answer;
         std::string reason;
+        Ending ending = Ending::Close;
+    } answers[] = {
+        { "/short", ofTenBytes + "x@y.org", "broke off" },
+        { "/nothing", "", "broke off" },
+        { "/headersCut", ok + "Content-Type: text/html\r\n", "broke off before the page began" },
+        { "/secondHeadersCut", "HTTP/1.1 103 Early Hints\r\n\r\n" + ok, "broke off before the page began" },
+        { "/silent", ok, "did not answer in time", Ending::Stall },
+        { "/stalled", ofTenBytes + "x", "stopped sending", Ending::Stall },
+        { "/endless", ok + "\r\nx", "larger than 100000 bytes", Ending::Endless },
+        { "/large", ok + "Content-Length: 100001\r\n\r\n", "larger than 100000 bytes", Ending::Stall },
+        { "/headers", ok + lines + "\r\nx", "headers are too long" },
+        { "/header", ok + "X-Line: " + std::string(200'000, 'x') + "\r\n\r\nx", "headers are too long" },
+        { "/trailers", chunked + "1\r\nx\r\n0\r\n" + lines + "\r\n", "headers are too long" },
+        { "/chunks", chunked + "no number\r\n", "chunked-encoding" },
+        { "/damaged", gzipped + "no archive", "compressed content" },
+        { "/noHttp", "220 mail.example.org ready\r\n", "the server at 127.0.0.1 did not answer in HTTP" },
+        { "/toNoHttp", redirection("/noHttp"), "the server at 127.0.0.1 did not answer in HTTP" },
+        { "/noVersion", "HTTP/9.9 200 OK\r\n\r\nx", "the server at 127.0.0.1 did not answer in HTTP" },
+        { "/loop", redirection("/loop"), "without an end" },
+        { "/ftp", redirection("ftp://127.0.0.1/"), "only http and https" },
+        { "/insecure", redirection(plain.url("/page")), "one that is not" },
     };
-    const Case cases[] = {
+    plain.page("/page", "x@y.org");
+    for (const auto& [path, answer, reason, ending] : answers) {
+        server.answer(path, answer, ending);
+        expectFailure(server.url(path), reason);
+    }
+    plain.answer("/toAndFro", redirection(server.url("/insecure")));
+    const std::pair<std::string, std::string> addresses[] = {
         { "   ", "no valid web address" },
         { "https://", "no valid web address" },
         { "https://a b/", "no valid web address" },
-        { std::string("127.0.0.1\0.org", 14), "no valid web address" },
+        { "127.0.0.1\0.org"s, "no valid web address" },
         { "ftp://127.0.0.1/", "only http and https" },
         { "file:///etc/passwd", "only http and https" },
-        { server.url("/ftp"), "only http and https" },
         { "https://" + std::string(64, 'a') + ".invalid/", "no such host" }, // no name server is asked for it
         { "https://127.0.0.1:1/", "Connection refused" },
-        { server.url("/page", "localhost"), "certificate" },
-        { server.url("/short"), "broke off" },
-        { server.url("/unknown"), "broke off" },
-        { server.url("/silent"), "did not answer in time" },
-        { server.url("/stalled"), "stopped sending" },
-        { server.url("/endless"), "larger than 100000 bytes" },
-        { server.url("/large"), "larger than 100000 bytes" },
-        { server.url("/loop"), "without an end" },
-        { server.url("/damaged"), "compressed content" },
-        { server.url("/insecure"), "one that is not" },
-        { plain.url("/toAndFro"), "one that is not" },
-        { server.url("/headers"), "headers are too long" },
-        { server.url("/header"), "headers are too long" },
-        { server.url("/trailers"), "headers are too long" },
-        { server.url("/chunks"), "chunked-encoding" },
-        { server.url("/noHttp"), "the server at 127.0.0.1 did not answer in HTTP" },
-        { server.url("/toNoHttp"), "the server at 127.0.0.1 did not answer in HTTP" },
-        { server.url("/noVersion"), "the server at 127.0.0.1 did not answer in HTTP" },
-        { server.url("/headersCut"), "broke off before the page began" },
-        { server.url("/secondHeadersCut"), "broke off before the page began" },
         { "https" + plain.url("/page").substr(4), "no encrypted connection" },
+        { plain.url("/toAndFro"), "one that is not" },
+        { server.url("/page", "localhost"), "certificate" },
     };
-    for (const Case& c : cases) {
-        const std::string what = failure(c.url);
-        EXPECT_NE(what.find(c.reason), std::string::npos) << c.url << ": " << what;
-        EXPECT_NE(what.find(c.url.substr(0, c.url.find('\0')).substr(0, 60)), std::string::npos) << what;
-    }
-    options.authoritiesFile.clear();
-    EXPECT_NE(failure(server.url("/page")).find("certificate"), std::string::npos)
-        << "signed by nobody known";
+    for (const auto& [url, reason] : addresses)
+        expectFailure(url, reason);
+    options.authoritiesFile.clear(); // then its certificate is signed by nobody known
+    expectFailure(server.url("/page"), "certificate");
 }
 
 TEST_F(FetchTest, aServerThatNeverStallsIsGivenUpAfterAWhile)
 {
-    server.answer("/drip", "HTTP/1.1 200 OK\r\n\r\nx", Ending::Drip);
+    server.answer("/drip", ok + "\r\nx", Ending::Drip);
     options.stallTimeout = std::chrono::hours(1);
     options.timeout = std::chrono::seconds(1);
-    const std::string what = failure(server.url("/drip"));
-    EXPECT_NE(what.find("not complete after 1 seconds"), std::string::npos) << what;
+    expectFailure(server.url("/drip"), "not complete after 1 seconds");
 }
 
 TEST_F(FetchTest, publicServersCannotRedirectToThisMachine)
@@ -183,10 +167,9 @@ TEST_F(FetchTest, publicServersCannotRedirectToThisMachine)
     EXPECT_EQ(fetch(own.url("/aside", "127.0.0.2"), options), "own");
     EXPECT_EQ(fetch(own.url("/outwards", "127.0.0.2"), options), "public");
     const std::size_t asked = own.requests().size();
-    EXPECT_NE(failure(plain.url("/inwards")).find("an address of this computer"), std::string::npos);
+    expectFailure(plain.url("/inwards"), "an address of this computer");
     EXPECT_EQ(own.requests().size(), asked);
-    EXPECT_NE(
-        failure(own.url("/outAndIn", "127.0.0.2")).find("an address of this computer"), std::string::npos);
+    expectFailure(own.url("/outAndIn", "127.0.0.2"), "an address of this computer");
     EXPECT_EQ(own.requests().size(), asked + 1) << "not over the connection that stands either";
 }
 
@@ -202,7 +185,7 @@ TEST(OwnAddressTest, addresses)
 
 TEST_F(FetchTest, aRequestToStopEndsTheTransferAtOnce)
 {
-    server.answer("/stalled", "HTTP/1.1 200 OK\r\n\r\nx", Ending::Stall);
+    server.answer("/stalled", ok + "\r\nx", Ending::Stall);
     options.stallTimeout = std::chrono::hours(1);
     std::stop_source source;
     std::jthread stopper([&] {
@@ -221,8 +204,8 @@ TEST_F(FetchTest, longBodiesOfUnknownLengthAreComplete)
         body += std::to_string(body.size()) + '\n';
     server.answer("/long", "HTTP/1.0 200 OK\r\n\r\n" + body);
     options.largestBody = body.size();
-    for (auto* patience : { &options.timeout, &options.connectTimeout })
-        *patience = std::chrono::hours(1); // a busy machine takes its time
+    // A busy machine takes its time.
+    options.timeout = options.connectTimeout = std::chrono::hours(1);
     options.stallTimeout = std::chrono::hours(1);
     EXPECT_TRUE(fetch(server.url("/long"), options) == body);
 }

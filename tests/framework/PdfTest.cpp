@@ -1,19 +1,22 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "framework/PdfTest.h"
+#include "framework/documents/DynaPDFMBS.h"
 
+#include "documents/reader/messages.h"
 #include "framework/files/FileDescriptor.h"
+#include "framework/files/FolderItem.h"
 #include "framework/processes.h"
+#include "support/TempFolder.h"
+#include "support/WordFileBuilder.h"
 
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -28,6 +31,59 @@ namespace quilvane {
 namespace {
 
 using namespace std::chrono_literals;
+
+/// An engine that records its events.
+class RecordingEngine : public DynaPDFMBS {
+public:
+    using DynaPDFMBS::DynaPDFMBS;
+
+    int open(const std::string& path)
+    {
+        CreateNewPDF();
+        SetImportFlags(0x80000000);
+        const int result = OpenImportFile(*itemAt(path));
+        ImportPDFFile(1);
+        return result;
+    }
+
+    std::string pageText(int number)
+    {
+        const std::string text = EditPage(number) ? ExtractPageText() : "no page";
+        EndPage();
+        return text;
+    }
+
+    std::vector<int> errors; // codes
+    std::vector<std::string> warnings;
+    std::string lastMessage;
+    int answer = 0;
+
+protected:
+    int Event_Error(int errorCode, const std::string& errorMessage, int errorType) override
+    {
+        if ((errorType & warningType) != 0)
+            warnings.push_back(errorMessage);
+        else
+            errors.push_back(errorCode);
+        lastMessage = errorMessage;
+        return answer;
+    }
+};
+
+class Pdf : public testing::Test {
+protected:
+    /// The path of a copy of the flyer that qpdf has made.
+    std::string rewritten(const std::string& options) const
+    {
+        const std::string copy = folder / "copy.pdf";
+        EXPECT_EQ(std::system(("qpdf " + options + " '" + flyer + "' " + copy).c_str()), 0) << options;
+        return copy;
+    }
+
+    TempFolder folder;
+    const std::string flyer = QUILVANE_SAMPLES "/flyer.pdf";
+    RecordingEngine engine;
+};
 
 /// A document with these objects; the first one, number 1, is the catalog.
 std::string pdfOf(const std::vector<std::string>& objects)
@@ -45,17 +101,23 @@ std::string pdfOf(const std::vector<std::string>& objects)
 
 const std::string catalog = "<</Type/Catalog/Pages 2 0 R>>";
 
-/// A document of one page, which draws `content` so many times.
-std::string onePage(const std::string& content, int times = 1)
+/// A document of equal pages, each of which draws `content` so many times.
+std::string pdfDrawing(const std::string& content, int times = 1, int pages = 1)
 {
-    std::string contents;
+    std::string contents, kids;
     for (int i = 0; i < times; ++i)
-        contents += "4 0 R ";
-    return pdfOf({ catalog, "<</Type/Pages/Kids[3 0 R]/Count 1>>",
-        "<</Type/Page/Parent 2 0 R/MediaBox[0 0 600 800]/Resources<</Font<</F 5 0 R>>>>/Contents[" + contents
-            + "]>>",
+        contents += "3 0 R ";
+    std::vector<std::string> objects{ catalog, "",
         "<</Length " + std::to_string(content.size()) + ">>\nstream\n" + content + "\nendstream",
-        "<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>" });
+        "<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>" };
+    for (int i = 0; i < pages; ++i) {
+        objects.push_back(
+            "<</Type/Page/Parent 2 0 R/MediaBox[0 0 600 800]/Resources<</Font<</F 4 0 R>>>>/Contents["
+            + contents + "]>>");
+        kids += std::to_string(objects.size()) + " 0 R ";
+    }
+    objects[1] = "<</Type/Pages/Kids[" + kids + "]/Count " + std::to_string(pages) + ">>";
+    return pdfOf(objects);
 }
 
 /// Content that shows the text, each time a little farther right and up.
@@ -64,28 +126,13 @@ std::string show(const std::string& text)
     return "1 0 0 1 .1 .2 cm BT /F 12 Tf 72 700 Td (" + text + ") Tj ET ";
 }
 
-TEST_F(Pdf, GivesTheTextOfEachPage)
-{
-    ASSERT_EQ(engine.open(flyer), 0);
-    ASSERT_EQ(engine.GetPageCount(), 3);
-    EXPECT_NE(engine.pageText(1).find("front-page@example.org"), std::string::npos);
-    const std::string last = engine.pageText(3);
-    for (const std::string_view address : { "office.staff@example.com", "ENROL@example.com",
-             "enrol@example.com", "press+flyer@media.example.net", "organisers@print-shop.example.org" })
-        EXPECT_NE(last.find(address), std::string::npos) << address << " in\n" << last;
-    EXPECT_EQ(last.find("front-page"), std::string::npos);
-    EXPECT_TRUE(engine.errors.empty());
-    EXPECT_TRUE(engine.warnings.empty());
-}
-
 TEST_F(Pdf, FollowsTheOrderOfCalls)
 {
     EXPECT_EQ(engine.ImportPDFFile(1), -1);
     EXPECT_FALSE(engine.EditPage(1));
     EXPECT_TRUE(engine.errors.empty());
-    ASSERT_EQ(engine.OpenImportFile(*GetFolderItem(flyer)), 0);
-    EXPECT_EQ(engine.GetPageCount(), 0);
-    EXPECT_EQ(engine.ImportPDFFile(1), 3);
+    ASSERT_EQ(engine.open(flyer), 0);
+    EXPECT_EQ(engine.GetPageCount(), 3);
     for (const int page : { 0, -1, 4 })
         EXPECT_FALSE(engine.EditPage(page)) << page;
     EXPECT_EQ(engine.errors, std::vector<int>(3, DynaPDFMBS::noSuchPage));
@@ -97,7 +144,9 @@ TEST_F(Pdf, FollowsTheOrderOfCalls)
 TEST_F(Pdf, ReadsWhatOtherProgramsWrite)
 {
     ASSERT_EQ(engine.open(flyer), 0);
+    EXPECT_NE(engine.pageText(1).find("front-page@example.org"), std::string::npos);
     const std::string expected = engine.pageText(3);
+    EXPECT_NE(expected.find("enrol@example.com"), std::string::npos);
     for (const std::string options :
         { "--object-streams=generate", "--linearize --qdf --stream-data=uncompress",
             "--encrypt '' owner 256 --", "--allow-weak-crypto --encrypt '' owner 40 --" }) {
@@ -108,7 +157,7 @@ TEST_F(Pdf, ReadsWhatOtherProgramsWrite)
 
     const std::string text
         = "BT /F 12 Tf 500 300 Td (out.of.the.page@example.com) Tj 9 600 Td (off@example.com) Tj ET";
-    ASSERT_EQ(engine.open(folder.write("\xFF wide\n.pdf", onePage(text))), 0);
+    ASSERT_EQ(engine.open(folder.write("\xFF wide\n.pdf", pdfDrawing(text))), 0);
     EXPECT_EQ(engine.pageText(1), "out.of.the.page@example.com\noff@example.com\n");
 }
 
@@ -149,7 +198,7 @@ TEST_F(Pdf, GivesAllWarningsInOneAndCanBeStopped)
     for (int i = 0; i < 1000; ++i)
         content += "nonsense" + std::to_string(i) + ' ';
     content += "odd ";
-    std::string damaged = onePage(content);
+    std::string damaged = pdfDrawing(content);
     const std::string path = folder.write("a.pdf", damaged.replace(damaged.find("/Size"), 5, "/Sise"));
     ASSERT_EQ(engine.open(path), 0);
     EXPECT_EQ(engine.pageText(1), "me@example.com\n");
@@ -165,24 +214,20 @@ TEST_F(Pdf, GivesAllWarningsInOneAndCanBeStopped)
     EXPECT_TRUE(engine.errors.empty());
 }
 
-/// The running children: the one that reads a document, if any, and the one that waits for the next.
-std::vector<pid_t> documentChildren()
-{
-    std::vector<pid_t> children = childrenOf(readerProcess());
-    std::erase_if(children, [](pid_t child) {
-        const std::string status = TempFolder::contentOf("/proc/" + std::to_string(child) + "/stat");
-        return status.find(") Z ") != std::string::npos;
-    });
-    return children;
-}
-
-/// Waits until there are so many, and returns the first.
+/// Waits until the reader has so many running children, and returns the first: the one that reads a document,
+/// if any; the last one waits for the next document.
 pid_t firstOfChildren(std::size_t count)
 {
     std::vector<pid_t> children;
-    do
-        children = documentChildren();
-    while (children.size() != count);
+    do {
+        children = childrenOf(readerProcess());
+        std::erase_if(children, [](pid_t child) {
+            std::ifstream file("/proc/" + std::to_string(child) + "/stat");
+            std::string status; // stays empty if the child has gone meanwhile
+            std::getline(file, status);
+            return status.empty() || status.find(") Z ") != std::string::npos;
+        });
+    } while (children.size() != count);
     return children[0];
 }
 
@@ -197,7 +242,7 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
         };
     };
     const auto nothing = [] {};
-    const std::string endless = onePage(std::string(100'000, 'Q'), 20'000);
+    const std::string endless = pdfDrawing(std::string(100'000, 'Q'), 20'000);
     constexpr DocumentLimits usual;
     struct Case {
         std::string_view name;
@@ -213,7 +258,7 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
         { "endless document", endless, { .document = 1s }, nothing, "It takes more than 1 seconds." },
 #ifndef __SANITIZE_ADDRESS__ // it handles faults itself, and memory can't be limited with it
         { "crashed", endless, usual, toChild(SIGSEGV), "broke down: Segmentation fault." },
-        { "memory", onePage(show("some words"), 100'000), { .memory = 16 << 20 }, nothing,
+        { "memory", pdfDrawing(show("some words"), 100'000), { .memory = 16 << 20 }, nothing,
             "It needs more than 16 MiB of memory." },
 #endif
     };
@@ -222,7 +267,6 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
     const std::ptrdiff_t filesBefore = openFiles();
     for (const auto& [name, pdf, limits, meanwhile, reason] : cases) {
         RecordingEngine suffering(limits);
-        suffering.CreateNewPDF();
         firstOfChildren(1); // the child of the last document has ended
         ASSERT_EQ(suffering.OpenImportFile(*GetFolderItem(folder.write("a.pdf", pdf))), 0) << name;
         meanwhile();
@@ -241,22 +285,9 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
 
 TEST_F(Pdf, ReadsOnlyThePagesThatTheTimeAllows)
 {
-    const auto slow = [](int count) {
-        std::vector<std::string> objects{ catalog, "",
-            "<</Length 100000>>\nstream\n" + std::string(100'000, 'q') + "\nendstream" };
-        std::string kids;
-        std::string contents;
-        for (int i = 0; i < 100; ++i)
-            contents += "3 0 R ";
-        for (int i = 0; i < count; ++i) {
-            objects.push_back("<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]/Contents[" + contents + "]>>");
-            kids += std::to_string(objects.size()) + " 0 R ";
-        }
-        objects[1] = "<</Type/Pages/Kids[" + kids + "]/Count " + std::to_string(count) + ">>";
-        return pdfOf(objects);
-    };
+    const std::string slow = pdfDrawing(std::string(100'000, 'q'), 100, 500);
     RecordingEngine hasty({ .document = 2s });
-    ASSERT_EQ(hasty.open(folder.write("a.pdf", slow(500))), 0);
+    ASSERT_EQ(hasty.open(folder.write("a.pdf", slow)), 0);
     EXPECT_GT(hasty.GetPageCount(), 0);
     EXPECT_LT(hasty.GetPageCount(), 500);
     EXPECT_EQ(hasty.errors, std::vector<int>{ DynaPDFMBS::pagesLeftOut });
@@ -267,18 +298,12 @@ TEST_F(Pdf, IsReadAgainWhenTheReaderIsLost)
 {
     ASSERT_EQ(engine.open(flyer), 0);
     const std::string expected = engine.pageText(3);
-    const auto kill = [] {
-        const pid_t reader = readerProcess();
-        ::kill(reader, SIGKILL);
-    };
-    kill();
+    ::kill(readerProcess(), SIGKILL);
     EXPECT_EQ(engine.open(flyer), 0);
     EXPECT_EQ(engine.pageText(3), expected);
-    engine.CreateNewPDF();
-    ASSERT_EQ(
-        engine.OpenImportFile(*GetFolderItem(folder.write("a.pdf", onePage(show("me@example.com"), 2000)))),
-        0);
-    kill();
+    const std::string path = folder.write("a.pdf", pdfDrawing(show("me@example.com"), 2000));
+    ASSERT_EQ(engine.OpenImportFile(*GetFolderItem(path)), 0);
+    ::kill(readerProcess(), SIGKILL);
     EXPECT_EQ(engine.ImportPDFFile(1), 1);
     EXPECT_TRUE(engine.errors.empty());
 }
@@ -287,12 +312,11 @@ TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
 {
     // Children that the program leaves become the test's.
     const Scoped adopting([](int isOn) { ::prctl(PR_SET_CHILD_SUBREAPER, isOn); }, 0, 1);
-    const std::string path = folder.write("a.pdf", onePage(std::string(100'000, 'Q'), 20'000));
+    const std::string path = folder.write("a.pdf", pdfDrawing(std::string(100'000, 'Q'), 20'000));
     ReaderProcess::forget(); // the program below needs a reader of its own
     const pid_t program = ::fork();
     if (program == 0) {
         RecordingEngine doomed;
-        doomed.CreateNewPDF();
         doomed.OpenImportFile(*itemAt(path)); // returns when the reading has begun
         ::raise(SIGSTOP);
     }
@@ -309,6 +333,103 @@ TEST_F(Pdf, LeavesNothingAtWorkWhenTheProgramIsKilled)
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
     }
     while (::waitpid(-1, nullptr, 0) > 0) { } // the child that waits for the next document
+}
+
+/// A frame of the reader's as it is sent.
+std::string frame(const std::string& content, std::size_t announcedSize)
+{
+    return littleEndian(announcedSize, 4) + content;
+}
+
+template <typename Message>
+std::string frame(const Message& message)
+{
+    const std::string content = encode(message);
+    return frame(content, content.size());
+}
+
+class PdfFromLyingReader : public Pdf {
+    Scoped m_liar = otherReader(QUILVANE_LYING_READER);
+};
+
+/// A document of these pages: 'p' for one that shows its number, '-' for one that can't be read.
+std::string pages(const std::string& kinds)
+{
+    std::string frames = frame(PdfOpening{ .pageCount = static_cast<std::uint32_t>(kinds.size()) });
+    for (std::size_t i = 0; i < kinds.size(); ++i)
+        frames += frame(PdfPage{ kinds[i] == 'p', std::to_string(i + 1) });
+    return frames + frame(PdfEnd{});
+}
+
+TEST_F(PdfFromLyingReader, ReportsOnlyAFewBadPages)
+{
+    using Code = DynaPDFMBS::ErrorCode;
+    const auto badPages = [](std::size_t count) { return std::vector<int>(count, Code::noSuchPage); };
+    std::vector<int> thenLeftOut = badPages(3);
+    thenLeftOut.push_back(Code::pagesLeftOut);
+    const std::string many(99'000, '-');
+    struct Case {
+        std::string_view name;
+        std::string kinds;
+        int pageCount;
+        std::vector<int> errors;
+        std::string lastText;
+    };
+    for (const auto& [name, kinds, pageCount, errors, lastText] : {
+             Case{ "two in a row", "p--p", 4, badPages(2), "4" },
+             { "the last one is good", many + "p", 99'001, badPages(3), "99001" },
+             { "none is good", many, 3, thenLeftOut, "" },
+             { "a good one between", "----p" + many, 5, thenLeftOut, "5" },
+             { "every other one", "-p-p-p-p-p-p-p-p-p-p-p-p", 24, badPages(8), "24" },
+             { "the last three", "pp---", 5, badPages(3), "2" },
+         }) {
+        RecordingEngine patient;
+        ASSERT_EQ(patient.open(folder.write("a.pdf", pages(kinds))), 0) << name;
+        std::string last;
+        for (int page = 1; page <= patient.GetPageCount(); ++page)
+            if (patient.EditPage(page))
+                last = patient.ExtractPageText();
+        EXPECT_EQ(patient.GetPageCount(), pageCount) << name;
+        EXPECT_EQ(patient.errors, errors) << name;
+        EXPECT_EQ(last, lastText) << name;
+    }
+    ASSERT_EQ(engine.open(folder.write("a.pdf", pages("---p"))), 0);
+    for (int i = 0; i < 9; ++i)
+        EXPECT_FALSE(engine.EditPage(1));
+    EXPECT_TRUE(engine.EditPage(4)) << "a page that is asked for often counts once";
+}
+
+TEST_F(PdfFromLyingReader, RefusesInvalidFrames)
+{
+    const std::string ofOne = frame(PdfOpening{ .pageCount = 1 });
+    const std::string page = frame(PdfPage{ true, "text" });
+    const std::string end = frame(PdfEnd{});
+    struct Case {
+        std::string_view name;
+        std::string frames;
+        bool opens = true;
+    };
+    for (const auto& [name, frames, opens] : {
+             Case{ "nothing", "", false },
+             { "no opening", frame("?", 1), false },
+             { "a long opening", frame("", largestPdfHead + 1), false },
+             { "too many pages", frame(PdfOpening{ .pageCount = mostPdfPages + 1 }), false },
+             { "no end", ofOne + page },
+             { "a page too many", ofOne + page + page + end },
+             { "a page of any length", ofOne + frame("", UINT32_MAX) },
+             { "a cut page", (ofOne + page).substr(0, ofOne.size() + page.size() - 1) },
+             { "a long reason", ofOne + frame(PdfPage{ false, std::string(longestPdfMessage + 1, 'x') }) },
+             { "no frame", ofOne + frame("", 0) },
+             { "many warnings",
+                 ofOne + page + frame(PdfEnd{ std::vector<std::string>(mostPdfMessages + 1) }) },
+         }) {
+        RecordingEngine careful;
+        EXPECT_EQ(careful.open(folder.write("a.pdf", frames)), opens ? 0 : -1) << name;
+        EXPECT_EQ(careful.GetPageCount(), 0) << name;
+        EXPECT_EQ(careful.errors, std::vector<int>{ DynaPDFMBS::engineLost }) << name;
+    }
+    ASSERT_EQ(engine.open(folder.write("a.pdf", ofOne + end)), 0);
+    EXPECT_EQ(engine.errors, std::vector<int>{ DynaPDFMBS::pagesLeftOut });
 }
 
 } // namespace

@@ -23,68 +23,51 @@ Texts textsOf(const RowStore& rows)
     return texts;
 }
 
-class RandomRows {
-public:
-    explicit RandomRows(unsigned seed)
-        : m_random(seed)
-    {
-    }
-
-    std::size_t below(std::size_t bound) { return m_random() % bound; }
-
-    /// Adds up to two and a half chunks of rows, of all lengths from 0 on.
-    void add(RowStore& rows, Texts& texts)
-    {
-        const std::size_t longest = below(8) == 0 ? 300 : 30;
-        for (std::size_t left = below(8) == 0 ? below(10'000) : below(300); left > 0; --left) {
-            texts.push_back(std::string(below(longest), 'x') + std::to_string(texts.size()));
-            if (below(50) == 0)
-                texts.back().clear();
-            rows.append(texts.back());
-        }
-    }
-
-private:
-    std::minstd_rand m_random;
-};
-
 } // namespace
 
 TEST(RowStore, behavesLikeAPlainList)
 {
-    RandomRows random(1);
+    std::minstd_rand random(1);
+    const auto below = [&random](std::size_t bound) { return random() % bound; };
+    // Up to two and a half chunks of rows, of all lengths from 0 on.
+    const auto add = [&below](RowStore& rows, Texts& texts) {
+        const std::size_t longest = below(8) == 0 ? 300 : 30;
+        for (std::size_t left = below(8) == 0 ? below(10'000) : below(300); left > 0; --left) {
+            texts.push_back(below(50) == 0 ? "" : std::string(below(longest), 'x') + std::to_string(left));
+            rows.append(texts.back());
+        }
+    };
     RowStore rows;
     Texts texts;
     for (int round = 0; round < 300; ++round) {
-        random.add(rows, texts);
+        add(rows, texts);
         RowStore others;
         Texts otherTexts;
-        switch (random.below(6)) {
+        switch (below(6)) {
         case 0:
-            random.add(others, otherTexts);
+            add(others, otherTexts);
             rows.take(std::move(others));
             EXPECT_TRUE(others.empty()); // NOLINT(bugprone-use-after-move): it is promised to be empty
             texts.insert(texts.end(), otherTexts.begin(), otherTexts.end());
             break;
         case 1: {
-            random.add(others, otherTexts);
-            const std::size_t first = random.below(others.size() + 1);
+            add(others, otherTexts);
+            const std::size_t first = below(others.size() + 1);
             rows.append(others, first);
             texts.insert(texts.end(), otherTexts.begin() + std::ptrdiff_t(first), otherTexts.end());
             break;
         }
         case 2:
-            texts.resize(
-                random.below(4) == 0 ? random.below(texts.size() + 1) : texts.size() - texts.size() / 9);
+            texts.resize(texts.size() - below(texts.size() / (1 + below(8)) + 1));
             rows.truncate(texts.size());
             break;
         case 3: {
-            const std::size_t first = random.below(texts.size() + 1);
-            const std::size_t percent = random.below(101);
+            const std::size_t first = below(texts.size() + 1);
+            const std::size_t percent = below(101);
             std::vector<unsigned char> stays(texts.size() - first);
             Texts kept(texts.begin(), texts.begin() + std::ptrdiff_t(first));
             for (std::size_t i = 0; i < stays.size(); ++i) {
-                stays[i] = random.below(100) < percent ? 1 : 0;
+                stays[i] = below(100) < percent ? 1 : 0;
                 if (stays[i] != 0)
                     kept.push_back(texts[first + i]);
             }

@@ -3,10 +3,8 @@
 #include "framework/FilesTest.h"
 
 #include "framework/exceptions.h"
-#include "framework/files/FileDescriptor.h"
 #include "framework/files/TextOutputStream.h"
 
-#include <array>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
@@ -90,8 +88,7 @@ TEST_F(TextOutputStreamTest, FilesThatCannotBeReplacedAreFilledInPlace)
         if (hasOtherName)
             std::filesystem::create_hard_link(path, folder / "other");
         std::filesystem::permissions(folder / name, perms(folderMode));
-        struct stat before { };
-        ASSERT_EQ(::stat(path.c_str(), &before), 0);
+        const FolderItem::Identity before = itemAt(path)->identity();
         const auto write = [&path](const std::string& text) {
             const auto stream = itemAt(path)->CreateTextFile();
             stream->Write(text);
@@ -108,8 +105,7 @@ TEST_F(TextOutputStreamTest, FilesThatCannotBeReplacedAreFilledInPlace)
         }
         std::filesystem::permissions(folder / name, perms::all);
         EXPECT_EQ(TempFolder::contentOf(path), "short") << name;
-        struct stat after { };
-        EXPECT_TRUE(::stat(path.c_str(), &after) == 0 && after.st_ino == before.st_ino) << name;
+        EXPECT_EQ(itemAt(path)->identity(), before) << name;
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / name), {}), 1) << name;
     }
 }
@@ -145,23 +141,17 @@ void forbidNamelessFiles()
 /// Begins to write the file in another process, calls `meanwhile`, and kills the process.
 void killWhileWriting(const std::string& path, bool hasNamelessFiles, const std::function<void()>& meanwhile)
 {
-    std::array<int, 2> ends{};
-    ASSERT_EQ(::pipe(ends.data()), 0);
-    const FileDescriptor told(ends[0]);
-    FileDescriptor telling(ends[1]);
     const pid_t writer = ::fork();
     if (writer == 0) {
         if (!hasNamelessFiles)
             forbidNamelessFiles();
         const auto stream = itemAt(path)->CreateTextFile();
         stream->Write("half");
-        telling.close();
-        ::pause();
-        std::_Exit(1);
+        ::raise(SIGSTOP);
     }
-    telling.close();
-    char byte = 0;
-    EXPECT_EQ(::read(told.number(), &byte, 1), 0);
+    int status = 0;
+    ASSERT_EQ(::waitpid(writer, &status, WUNTRACED), writer);
+    ASSERT_TRUE(WIFSTOPPED(status));
     meanwhile();
     ::kill(writer, SIGKILL);
     ::waitpid(writer, nullptr, 0);

@@ -5,30 +5,23 @@
 #include "framework/Application.h"
 #include "framework/exceptions.h"
 #include "framework/files/BinaryStream.h"
-#include "framework/files/FileDescriptor.h"
 #include "framework/files/FolderItem.h"
 #include "framework/processes.h"
 #include "support/TempFolder.h"
+#include "support/messageOf.h"
 
-#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <string_view>
-#include <thread>
 #include <utility>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 namespace quilvane {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 const std::string letter = QUILVANE_SAMPLES "/letter.docx";
 
@@ -38,26 +31,8 @@ Ref<WordFileMBS> documentOf(const std::string& path, const DocumentLimits& limit
     return WordFileMBS::OpenData(stream->Read(stream->Length()), limits);
 }
 
-/// The message of the exception that reading the sample throws.
-std::string failure()
-{
-    try {
-        documentOf(letter);
-        return "(no exception)";
-    } catch (const RuntimeException& error) {
-        return error.what();
-    }
-}
-
 class WordFile : public testing::Test {
 protected:
-    std::string script(const std::string& name, const std::string& text) const
-    {
-        std::string path = folder.write(name, "#!/bin/sh\n" + text);
-        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-        return path;
-    }
-
     TempFolder folder;
 };
 
@@ -93,19 +68,19 @@ TEST_F(WordFile, NeedsNoMemoryOfTheProgramWhateverItsSize)
 
 TEST_F(WordFile, AnUnusableReaderIsAnExceptionThatNamesIt)
 {
-    struct Case {
-        std::string program;
-        std::string_view reason;
-    };
+    const std::string noProgram = folder.write("no program", "text");
+    const std::string ends = folder.write("ends", "#!/bin/sh\nexit 1\n");
+    const std::string older = folder.write("older", "#!/bin/sh\necho hello >&3\nsleep 9\n");
+    for (const std::string& script : { ends, older })
+        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
     for (const auto& [program, reason] : {
-             Case{ folder / "missing", "could not be started: No such file or directory." },
-             Case{ folder.write("no program", "text"), "could not be started: Permission denied." },
-             Case{ script("ends", "exit 1\n"), "could not be started: it has ended at once." },
-             Case{
-                 script("older", "echo hello >&3\nsleep 9\n"), "belongs to another version of the program." },
+             std::pair(folder / "missing", "could not be started: No such file or directory."),
+             { noProgram, "could not be started: Permission denied." },
+             { ends, "could not be started: it has ended at once." },
+             { older, "belongs to another version of the program." },
          }) {
         const Scoped broken = otherReader(program);
-        const std::string message = failure();
+        const std::string message = messageOf<RuntimeException>([] { documentOf(letter); });
         EXPECT_NE(message.find(program), std::string::npos) << message;
         EXPECT_NE(message.find(reason), std::string::npos) << message;
     }

@@ -3,8 +3,8 @@
 #include "support/FailingReads.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
+#include <filesystem>
 
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -22,10 +22,9 @@ bool isFailing(int descriptor)
 {
     if (failure.path.empty())
         return false;
-    std::array<char, 4096> path{};
-    const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-    const ssize_t size = ::readlink(link.c_str(), path.data(), path.size());
-    return size > 0 && std::string(path.data(), std::size_t(size)).find(failure.path) != std::string::npos;
+    std::error_code ignored;
+    const auto path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), ignored);
+    return path.native().find(failure.path) != std::string::npos;
 }
 
 } // namespace

@@ -56,11 +56,7 @@ public:
     }
 
     /// The number of entries, hidden ones included.
-    std::ptrdiff_t count() const
-    {
-        return std::distance(
-            std::filesystem::directory_iterator(m_path), std::filesystem::directory_iterator());
-    }
+    std::ptrdiff_t count() const { return std::distance(std::filesystem::directory_iterator(m_path), {}); }
 
     /// All bytes of a file; throws if there is none.
     static std::string contentOf(const std::string& path)
