@@ -72,6 +72,12 @@ void useDesktopsOwnIfThere(QFileDialog& dialog, int portalVersion)
 std::optional<std::string> choice(QFileDialog& dialog)
 {
     dialog.resize(dialog.sizeHint().boundedTo(roomOnScreen(*dialog.screen())));
+    // A list of suggestions may still be open. While it is, Qt takes no notice of the window that gets the
+    // keyboard back.
+    QObject::connect(&dialog, &QDialog::finished, [] {
+        if (QWidget* popup = QApplication::activePopupWidget())
+            popup->close();
+    });
     const bool isAccepted = dialog.exec() == QDialog::Accepted;
     WindowPainter::clearAfterDialog();
     if (!isAccepted || dialog.selectedFiles().isEmpty())
