@@ -16,6 +16,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <QTimer>
 #include <QToolTip>
 
 #include <algorithm>
@@ -184,6 +185,16 @@ void RowView::contextMenuEvent(QContextMenuEvent* event)
     const QRect row = visualRect(currentIndex()) & viewport()->rect();
     const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
     popUpEditMenu(*this, byKey ? viewport()->mapToGlobal(row.bottomLeft()) : event->globalPos());
+}
+
+void RowView::focusInEvent(QFocusEvent* event)
+{
+    QListView::focusInEvent(event);
+    // After Qt has told screen readers of the list itself: they speak what comes last.
+    QTimer::singleShot(0, this, [this] {
+        if (hasFocus() && currentIndex().isValid())
+            announce(*this, currentIndex().row(), QAccessible::Focus);
+    });
 }
 
 void RowView::keyPressEvent(QKeyEvent* event)
