@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -78,7 +79,15 @@ std::optional<std::string> choice(QFileDialog& dialog)
         if (QWidget* popup = QApplication::activePopupWidget())
             popup->close();
     });
-    const bool isAccepted = dialog.exec() == QDialog::Accepted;
+    // Not exec(), which waits for the portal's answer even when the dialog has been cancelled.
+    if (!dialog.testOption(QFileDialog::DontUseNativeDialog))
+        FilePortal::cancelAtItsEnd(dialog);
+    QEventLoop loop;
+    QObject::connect(&dialog, &QDialog::finished, &loop, &QEventLoop::quit);
+    dialog.setModal(true);
+    dialog.show();
+    loop.exec();
+    const bool isAccepted = dialog.result() == QDialog::Accepted;
     WindowPainter::clearAfterDialog();
     if (!isAccepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;
