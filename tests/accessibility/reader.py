@@ -188,6 +188,15 @@ class Program:
         self.press(dialog, button)
         self.waitForEndOf(title)
 
+    def typeIntoFileDialog(self, title, path):
+        """Types the path and presses Return while suggestions for it are shown."""
+        self.window(title)
+        self.heard.clear()
+        subprocess.run(["xdotool", "type", path], check=True)
+        self.waitFor("the suggestions", lambda: ("showing", "list", "") in self.heard)
+        keys("Return")
+        self.waitForEndOf(title)
+
     def focused(self, window):
         return next((each.get_name() for each in below(window) if has(each, Atspi.StateType.FOCUSED)), None)
 

@@ -5,7 +5,9 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusReply>
+#include <QDBusServiceWatcher>
 #include <QDBusVariant>
+#include <QDialog>
 #include <QFile>
 #include <QLibraryInfo>
 
@@ -14,6 +16,7 @@ namespace quilvane {
 namespace {
 
 constexpr const char* themeVariable = "QT_QPA_PLATFORMTHEME";
+constexpr const char* service = "org.freedesktop.portal.Desktop";
 constexpr const char* portalTheme = "xdgdesktopportal";
 constexpr int patience = 1000; // ms
 
@@ -42,11 +45,18 @@ int FilePortal::version()
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!themeInUse || !bus.isConnected())
         return 0;
-    QDBusMessage question = QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop",
-        "/org/freedesktop/portal/desktop", "org.freedesktop.DBus.Properties", "Get");
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        service, "/org/freedesktop/portal/desktop", "org.freedesktop.DBus.Properties", "Get");
     question << QString("org.freedesktop.portal.FileChooser") << QString("version");
     const QDBusReply<QDBusVariant> answer = bus.call(question, QDBus::Block, patience);
     return answer.isValid() ? answer.value().variant().toInt() : 0;
+}
+
+void FilePortal::cancelAtItsEnd(QDialog& dialog)
+{
+    auto* watcher = new QDBusServiceWatcher(
+        service, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForUnregistration, &dialog);
+    QObject::connect(watcher, &QDBusServiceWatcher::serviceUnregistered, &dialog, &QDialog::reject);
 }
 
 } // namespace quilvane

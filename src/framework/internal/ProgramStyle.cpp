@@ -10,6 +10,12 @@
 
 namespace quilvane {
 
+namespace {
+
+constexpr double separatorContrast = 2; // a hint for the eye, which nobody needs to read
+
+} // namespace
+
 ProgramStyle::ProgramStyle()
     : QProxyStyle("Fusion")
 {
@@ -32,7 +38,8 @@ void ProgramStyle::drawPrimitive(
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     const bool isBox = element == PE_IndicatorCheckBox;
-    if (!isDark(option->palette) || !(isBox || element == PE_FrameLineEdit || element == PE_Frame))
+    if (!isDark(option->palette)
+        || !(isBox || element == PE_FrameLineEdit || element == PE_Frame || element == PE_PanelMenu))
         return;
     // Over the outline that Fusion has drawn.
     const QColor window = option->palette.color(QPalette::Window);
@@ -45,6 +52,22 @@ void ProgramStyle::drawPrimitive(
     painter->setBrush(Qt::NoBrush);
     painter->drawRoundedRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
     painter->restore();
+}
+
+void ProgramStyle::drawControl(
+    ControlElement element, const QStyleOption* option, QPainter* painter, const QWidget* widget) const
+{
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    const bool isSeparator
+        = element == CE_MenuItem && item && item->menuItemType == QStyleOptionMenuItem::Separator;
+    if (!isSeparator || !isDark(option->palette)) {
+        QProxyStyle::drawControl(element, option, painter, widget);
+        return;
+    }
+    const QColor window = option->palette.color(QPalette::Window);
+    painter->setPen(readableOn(window, window, separatorContrast));
+    const int y = option->rect.center().y();
+    painter->drawLine(option->rect.left() + 5, y, option->rect.right() - 5, y);
 }
 
 int ProgramStyle::styleHint(

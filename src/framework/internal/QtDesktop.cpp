@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -72,7 +73,21 @@ void useDesktopsOwnIfThere(QFileDialog& dialog, int portalVersion)
 std::optional<std::string> choice(QFileDialog& dialog)
 {
     dialog.resize(dialog.sizeHint().boundedTo(roomOnScreen(*dialog.screen())));
-    const bool isAccepted = dialog.exec() == QDialog::Accepted;
+    // A list of suggestions may still be open. While it is, Qt takes no notice of the window that gets the
+    // keyboard back.
+    QObject::connect(&dialog, &QDialog::finished, [] {
+        if (QWidget* popup = QApplication::activePopupWidget())
+            popup->close();
+    });
+    // Not exec(), which waits for the portal's answer even when the dialog has been cancelled.
+    if (!dialog.testOption(QFileDialog::DontUseNativeDialog))
+        FilePortal::cancelAtItsEnd(dialog);
+    QEventLoop loop;
+    QObject::connect(&dialog, &QDialog::finished, &loop, &QEventLoop::quit);
+    dialog.setModal(true);
+    dialog.show();
+    loop.exec();
+    const bool isAccepted = dialog.result() == QDialog::Accepted;
     WindowPainter::clearAfterDialog();
     if (!isAccepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;

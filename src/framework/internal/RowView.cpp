@@ -16,6 +16,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <QTimer>
 #include <QToolTip>
 
 #include <algorithm>
@@ -43,6 +44,25 @@ qint64 countOf(const QItemSelection& rows)
     return count;
 }
 
+/// With places for line breaks after the signs in an address and in long words, where Qt would find none.
+QString breakable(const QString& text)
+{
+    constexpr qsizetype longestWord = 40;
+    constexpr QChar zeroWidthSpace(0x200b);
+    QString result;
+    qsizetype word = 0;
+    for (const QChar character : text) {
+        result += character;
+        ++word;
+        if (character.isPunct() || character.isSymbol()
+            || (word >= longestWord && !character.isHighSurrogate())) {
+            result += zeroWidthSpace;
+            word = 0;
+        }
+    }
+    return result;
+}
+
 /// Shortens a text that is too long for the list, and shows all of it in a tooltip.
 class RowDelegate : public QStyledItemDelegate {
 public:
@@ -58,14 +78,10 @@ public:
             QToolTip::hideText();
             return true;
         }
-        // Broken into lines here, since Qt would find no place to break an address; and cut so that it fits
-        // on a screen.
-        constexpr qsizetype line = 80;
-        constexpr qsizetype longest = 40 * line;
+        constexpr qsizetype longest = 3200; // fits on a screen
         if (text.size() > longest)
             text = text.left(longest) + QChar(0x2026);
-        for (qsizetype end = (text.size() - 1) / line * line; end > 0; end -= line)
-            text.insert(end, u'\n');
+        text = breakable(text);
         QToolTip::showText(event->globalPos(), tooltip(text), view, option.rect);
         return true;
     }
@@ -184,6 +200,16 @@ void RowView::contextMenuEvent(QContextMenuEvent* event)
     const QRect row = visualRect(currentIndex()) & viewport()->rect();
     const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
     popUpEditMenu(*this, byKey ? viewport()->mapToGlobal(row.bottomLeft()) : event->globalPos());
+}
+
+void RowView::focusInEvent(QFocusEvent* event)
+{
+    QListView::focusInEvent(event);
+    // After Qt has told screen readers of the list itself: they speak what comes last.
+    QTimer::singleShot(0, this, [this] {
+        if (hasFocus() && currentIndex().isValid())
+            announce(*this, currentIndex().row(), QAccessible::Focus);
+    });
 }
 
 void RowView::keyPressEvent(QKeyEvent* event)
