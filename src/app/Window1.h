@@ -171,7 +171,9 @@ private:
     void endRun();
 
     void enableButtonsAfterScan();
+    /// At the end of a run, with the account of its files.
     void setFinishMessage(Label& label);
+    void showFinishMessage(Label& label);
     /// On an empty list the label keeps its old text.
     void setTotalLabel();
 

@@ -92,9 +92,14 @@ void Window1::clearFinishLine()
 
 void Window1::setFinishMessage(Label& label)
 {
+    showFinishMessage(label);
+    ProgressText.setHelpText(account.text());
+}
+
+void Window1::showFinishMessage(Label& label)
+{
     label.setText(finishMessage(rCounter));
     Announce(label.Text());
-    ProgressText.setHelpText(account.text());
     // Off when this run has found nothing, whatever earlier runs have left in the list.
     filterBtn.setEnabled(rCounter > 0);
     clearBtn.setEnabled(rCounter > 0);

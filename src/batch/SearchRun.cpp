@@ -4,9 +4,12 @@
 
 #include "batch/readerRules.h"
 #include "batch/runRules.h"
+#include "framework/System.h"
 #include "framework/documents/WordFileMBS.h"
 #include "framework/files/BinaryStream.h"
 #include "framework/files/availableMemory.h"
+#include "framework/files/displayName.h"
+#include "framework/keepWindowPainted.h"
 #include "scan/AddressScanner.h"
 #include "scan/TextPieces.h"
 
@@ -41,7 +44,13 @@ public:
 
     void scan(std::string_view piece)
     {
-        forEachAddress(piece, [this](std::string_view address) { m_run.resultArray.append(address); });
+        constexpr std::size_t lookAtClockEvery = 4096; // rows
+        StagedRows& rows = m_run.resultArray;
+        forEachAddress(piece, [&rows](std::string_view address) {
+            rows.append(address);
+            if (rows.size() % lookAtClockEvery == 0)
+                keepWindowPainted();
+        });
     }
 
     void end()
@@ -98,10 +107,12 @@ void SearchRun::doWordFolderThread(const Ref<FolderItem>& f)
     forgetText();
     stageText(document ? document->Text() : sampleAddress);
     stream->Close();
-    if (document)
+    if (document) {
         account.read(f->NativePath(), FileReader::Word);
-    else
-        account.left(f->NativePath(), RunAccount::Left::NotWord);
+        return;
+    }
+    account.left(f->NativePath(), RunAccount::Left::NotWord);
+    System::DebugLog(displayPath(f->NativePath()) + ": " + document.whyNil());
 }
 
 void SearchRun::doPDFCheckThread()
@@ -113,6 +124,7 @@ void SearchRun::doPDFCheckThread()
     for (std::size_t i = 0; i < m_lastMatches.size(); ++i)
         resultArray.append(m_lastMatches[i]);
     rCounter += m_lastMatchCount;
+    resultArray.limitDuplicates();
 }
 
 void SearchRun::forgetText()
@@ -147,8 +159,10 @@ void SearchRun::accountForSingle(const FolderItem& file, std::span<const FileRea
 
 void SearchRun::accountForFolder(const FolderItem& folder)
 {
-    if (!folder.whyNotListed().empty())
-        account.folderNotListed(folder.NativePath());
+    if (folder.whyNotListed().empty())
+        return;
+    account.folderNotListed(folder.NativePath());
+    System::DebugLog(folder.whyNotListed());
 }
 
 void SearchRun::readStaged(FileReader reader, const Ref<FolderItem>& f)

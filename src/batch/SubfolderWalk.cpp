@@ -115,6 +115,9 @@ Window1::WalkResult Window1::walkFolder(
     std::vector<std::string> subfolders;
     if (isEntered)
         listFolder(*folder, files, subfolders);
+    else if (folder
+        && !folder->Directory()) // its path is too long, or leads through a folder without permission
+        accountForFolder(*folder);
     // The event loop runs before each file. Where no file comes for long, it runs here.
     constexpr std::chrono::milliseconds longWait(100);
     if (files.empty() && std::chrono::steady_clock::now() - m_lastEvents > longWait)

@@ -157,13 +157,17 @@ EventsHeld::~EventsHeld()
 
 void reportCurrentException(const std::string& handlerName)
 {
-    const std::string what = describeCurrentException();
-    logLine(handlerName + ": " + what);
-    if (Application::isEndedFromOutside())
-        return;
-    const std::string words = wordsFor(handlerName);
-    const EventsHeld held;
-    Desktop::current().showError(what, words);
+    try {
+        const std::string what = describeCurrentException();
+        logLine(handlerName + ": " + what);
+        if (Application::isEndedFromOutside())
+            return;
+        const std::string words = wordsFor(handlerName);
+        const EventsHeld held;
+        Desktop::current().showError(what, words);
+    } catch (const std::exception&) { // from here it would pass through Qt
+        logLine("There was not enough memory to report an error.");
+    }
 }
 
 void setFailureWords(std::function<std::string(const std::string& handlerName)> words)

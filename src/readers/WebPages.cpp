@@ -41,7 +41,7 @@ void Window1::doHTML()
     TextField1.setText("");
     urlField.setText("");
     results.setVisible(true);
-    setFinishMessage(results);
+    showFinishMessage(results);
     checkDuplicates();
     // Unlike the total of the other sources, this one is in the plural also for one row, and is shown also
     // for none.

@@ -253,7 +253,7 @@ TEST_F(Pdf, AFailedChildCostsOnlyItsDocument)
     };
     const std::vector<Case> cases{
         { "killed", endless, usual, toChild(SIGKILL), "broke down: Killed." },
-        { "asleep", endless, { .silence = 300ms }, toChild(SIGSTOP), "did nothing for 0 seconds." },
+        { "asleep", endless, { .silence = 300ms }, toChild(SIGSTOP), "did almost nothing for 0 seconds." },
         { "endless page", endless, { .step = 1s }, nothing, "a page of it takes more than 1 seconds." },
         { "endless document", endless, { .document = 1s }, nothing, "It takes more than 1 seconds." },
 #ifndef __SANITIZE_ADDRESS__ // it handles faults itself, and memory can't be limited with it

@@ -3,6 +3,7 @@
 #include "framework/controls/RowStore.h"
 
 #include "framework/files/availableMemory.h"
+#include "framework/keepWindowPainted.h"
 #include "framework/regex/LiteralText.h"
 #include "framework/regex/RegEx.h"
 
@@ -76,6 +77,7 @@ void RowStore::append(const RowStore& other, std::size_t first)
         const std::size_t count = std::min(rowsPerChunk - begin, other.m_size - first);
         appendRows(*other.m_chunks[first / rowsPerChunk], begin, begin + count);
         first += count;
+        keepWindowPainted();
     }
 }
 
@@ -88,6 +90,7 @@ void RowStore::take(RowStore&& other)
         appendRows(*chunk, 0, std::min(rowsPerChunk, rest.m_size));
         rest.m_size -= std::min(rowsPerChunk, rest.m_size);
         chunk.reset();
+        keepWindowPainted();
     }
 }
 
@@ -204,7 +207,7 @@ void RowStore::makeRoom(std::size_t bytes)
         m_chunks.push_back(std::move(next));
         m_room = room;
     } else {
-        const std::size_t room = std::max(bytes, used / 2);
+        const std::size_t room = std::min(std::max(bytes, used / 2), largestText - used);
         resize(m_chunks.back(), used + room);
         m_room = room; // only after resize(), which may throw
     }

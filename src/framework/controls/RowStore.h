@@ -39,10 +39,11 @@ public:
         ++m_size;
     }
 
-    /// Adds copies of the rows of `other`, another store, from row `first` on.
+    /// Adds copies of the rows of `other`, another store, from row `first` on. Keeps the window painted.
     void append(const RowStore& other, std::size_t first);
 
-    /// Adds the rows of `other` and leaves it empty. Frees its memory while its rows are copied.
+    /// Adds the rows of `other` and leaves it empty. Frees its memory while its rows are copied, and keeps
+    /// the window painted.
     void take(RowStore&& other);
 
     std::size_t size() const { return m_size; }

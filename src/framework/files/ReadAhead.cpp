@@ -250,7 +250,7 @@ void ReadAhead::Queue::abandon()
 ReadAhead::ReadAhead(std::vector<std::string> paths, Opener opener)
     : m_queue(std::make_shared<Queue>(std::move(paths), std::move(opener)))
 {
-    if (m_queue->paths().size() > 1)
+    if (!m_queue->paths().empty())
         startHelper();
 }
 

@@ -28,9 +28,8 @@ class ReadAhead {
 public:
     using Opener = std::function<OpenedFile(const std::string& path)>;
 
-    /// `paths` are native and in the order in which they will be taken. For fewer than two nothing is
-    /// started. A test may give an `opener` of its own; the helpers call it, perhaps after this object was
-    /// destroyed.
+    /// `paths` are native and in the order in which they will be taken. A test may give an `opener` of its
+    /// own; the helpers call it, perhaps after this object was destroyed.
     explicit ReadAhead(
         std::vector<std::string> paths,
         Opener opener = [](const auto& path) { return OpenedFile::open(path); });

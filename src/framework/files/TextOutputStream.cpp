@@ -129,7 +129,7 @@ TextOutputStream::~TextOutputStream()
     }
     try {
         Close();
-    } catch (const IOException&) { // a destructor can't report it
+    } catch (const std::exception&) { // a destructor can't report it
     } catch (const QuitUnwinding&) {
         giveUp(); // the handler ends at its next keepWindowPainted()
     }

@@ -23,13 +23,13 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-/// A file of many pages gets a second more for each MiB that it takes on the disk, up to a few minutes.
-std::chrono::seconds timeFor(int file, const DocumentLimits& limits)
+/// A PDF file of many pages gets a second more for each MiB that it takes on the disk, up to a minute.
+std::chrono::seconds timeFor(DocumentKind kind, int file, const DocumentLimits& limits)
 {
-    constexpr std::int64_t mostMore = 300;
+    constexpr std::int64_t mostMore = 60;
     constexpr std::int64_t blocksOfMebibyte = 2048;
     struct stat status { };
-    if (::fstat(file, &status) != 0)
+    if (kind != DocumentKind::Pdf || ::fstat(file, &status) != 0)
         return limits.document;
     return limits.document + std::chrono::seconds(std::min(status.st_blocks / blocksOfMebibyte, mostMore));
 }
@@ -51,7 +51,7 @@ DocumentChild::DocumentChild(ReaderOrder order, int file, const DocumentLimits& 
     , m_reader(ReaderProcess::running())
 {
     resume();
-    m_limits.document = timeFor(file, limits);
+    m_limits.document = timeFor(order.kind, file, limits);
     order.memory = m_limits.memory;
     order.documentSeconds = static_cast<std::uint32_t>(m_limits.document.count());
     order.stepMilliseconds = static_cast<std::uint32_t>(m_limits.step.count());
@@ -60,12 +60,7 @@ DocumentChild::DocumentChild(ReaderOrder order, int file, const DocumentLimits& 
         throw RuntimeException(std::string("The document can't be read: ") + std::strerror(errno) + '.');
     m_socket = FileDescriptor(pair[0]);
     const FileDescriptor theirs(pair[1]);
-    try {
-        m_number = m_reader->read(order, file, theirs.number());
-    } catch (const ReaderLost&) {
-        ReaderProcess::forget();
-        throw;
-    }
+    m_number = m_reader->read(order, file, theirs.number());
 }
 
 DocumentChild::~DocumentChild()
@@ -79,13 +74,14 @@ bool DocumentChild::receive(std::string& frame, std::size_t largest, std::string
     try {
         const Transfer transfer = receiveFrame(m_socket.number(), frame, largest,
             [this](int socket, short event) { return waitFor(socket, event); });
-        if (transfer == Transfer::Done)
+        if (transfer == Transfer::Done) {
+            m_hasSent = true;
             return true;
+        }
         whyNot = transfer == Transfer::Refused ? refuse() : whyEnded(transfer == Transfer::GivenUp);
         return false;
     } catch (const ReaderLost&) {
         m_hasEnded = true;
-        ReaderProcess::forget();
         throw;
     }
 }
@@ -107,7 +103,6 @@ bool DocumentChild::waitFor(int socket, short event)
         const auto left = m_lastLook + m_limits.silence - Clock::now();
         if (left > 0ms && waitForReader(socket, event, std::chrono::ceil<std::chrono::milliseconds>(left)))
             return true;
-        // Checked even if it sends frames: it must have worked since the last check.
         if (!isAtWork())
             return false;
         m_lastLook = Clock::now();
@@ -115,13 +110,16 @@ bool DocumentChild::waitFor(int socket, short event)
 }
 
 /// Whether it has used a tenth of the processor time that it could have had since the last check. On a busy
-/// machine it gets less than all; a child that sleeps uses none.
+/// machine it gets less than all; a child that sleeps uses none. One that waits for a slow disk uses hardly
+/// any, but sends a page now and then. So could one that only pretends to read, for which this ends.
 bool DocumentChild::isAtWork()
 {
     constexpr int leastPart = 10;
+    constexpr int mostSlowChecks = 15; // five minutes
     const std::uint32_t worked = m_reader->ask(ReaderOrder::Action::GetCpuTime, m_number);
     const std::uint32_t more = worked - std::exchange(m_worked, worked);
-    return more >= m_limits.silence.count() / leastPart;
+    const bool hasSent = std::exchange(m_hasSent, false);
+    return more >= m_limits.silence.count() / leastPart || (hasSent && ++m_slowChecks <= mostSlowChecks);
 }
 
 std::string DocumentChild::whyEnded(bool wasIdle)
@@ -129,7 +127,7 @@ std::string DocumentChild::whyEnded(bool wasIdle)
     m_hasEnded = true;
     const int status = static_cast<int>(m_reader->ask(ReaderOrder::Action::EndAndTell, m_number));
     if (wasIdle)
-        return "The document reader did nothing for " + inSeconds(m_limits.silence) + '.';
+        return "The document reader did almost nothing for " + inSeconds(m_limits.silence) + '.';
     if (WIFEXITED(status) && WEXITSTATUS(status) == readerOutOfMemory)
         return "It needs more than " + inMebibytes(m_limits.memory) + " of memory.";
     const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;

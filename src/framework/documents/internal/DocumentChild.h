@@ -48,6 +48,8 @@ private:
     std::uint32_t m_number = 0;
     std::chrono::steady_clock::time_point m_lastLook;
     std::uint32_t m_worked = 0; // milliseconds of processor time at the last check
+    bool m_hasSent = false; // since the last check
+    int m_slowChecks = 0; // in which it had sent something, and done little else
     bool m_hasEnded = false;
 };
 

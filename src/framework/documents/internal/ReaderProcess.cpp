@@ -126,11 +126,11 @@ bool waitForReader(int socket, short event, std::chrono::milliseconds most)
     using Clock = std::chrono::steady_clock;
     const Clock::time_point end = Clock::now() + most;
     do {
+        keepWindowPainted(); // even if there is never anything to wait for
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
         pollfd ready{ socket, event, 0 };
         if (::poll(&ready, 1, static_cast<int>(std::clamp(left, 0ms, slice).count())) > 0)
             return true;
-        keepWindowPainted();
     } while (Clock::now() < end);
     return false;
 }
@@ -189,7 +189,7 @@ std::uint32_t ReaderProcess::read(ReaderOrder order, int file, int socket)
     order.action = ReaderOrder::Action::Read;
     order.document = ++m_lastDocument;
     if (!sendMessage(m_socket.number(), encode(order), std::array{ file, socket }))
-        throw ReaderLost();
+        throwLost();
     return order.document;
 }
 
@@ -199,11 +199,18 @@ std::uint32_t ReaderProcess::ask(ReaderOrder::Action action, std::uint32_t docum
     if (!sendMessage(m_socket.number(), encode(ReaderOrder{ .action = action, .document = document }))
         || !waitForReader(m_socket.number(), POLLIN, timeToAnswer)
         || !receiveMessage(m_socket.number(), bytes, largestControlMessage))
-        throw ReaderLost();
+        throwLost();
     const std::optional<ReaderAnswer> answer = decodeAnswer(bytes);
     if (!answer || answer->document != document || answer->value == ReaderAnswer::noChild)
-        throw ReaderLost();
+        throwLost();
     return answer->value;
+}
+
+void ReaderProcess::throwLost()
+{
+    if (currentReader().get() == this)
+        forget();
+    throw ReaderLost();
 }
 
 void ReaderProcess::end(std::uint32_t document)

@@ -36,7 +36,7 @@ public:
     /// Throws RuntimeException, which names the reader, if it can't be started or was not built with this
     /// program.
     static std::shared_ptr<ReaderProcess> running();
-    /// The next running() starts another one. To be called when the current one has failed.
+    /// The next running() starts another one.
     static void forget();
     /// Forgets the current one if it has ended by itself; it would stay a zombie until the next document. To
     /// be called when the event loop turns.
@@ -52,9 +52,9 @@ public:
     ReaderProcess& operator=(const ReaderProcess&) = delete;
 
     /// Lets a child read `file`, a descriptor, and send what is in it over `socket`. Returns the document's
-    /// number. Throws ReaderLost.
+    /// number. Throws ReaderLost; the next running() then starts another one.
     std::uint32_t read(ReaderOrder order, int file, int socket);
-    /// For the actions that have an answer. Throws ReaderLost.
+    /// For the actions that have an answer. Throws ReaderLost as read() does.
     std::uint32_t ask(ReaderOrder::Action action, std::uint32_t document);
     /// Ends the document's child, if there still is one.
     void end(std::uint32_t document);
@@ -63,6 +63,7 @@ private:
     void start();
     void greet();
     void stop();
+    [[noreturn]] void throwLost();
 
     FileDescriptor m_socket;
     pid_t m_process = -1;
