@@ -4,6 +4,7 @@
 
 #include "framework/EventGuard.h"
 #include "framework/dialogs/dialogs.h"
+#include "framework/documents/internal/ReaderProcess.h"
 #include "framework/files/FileType.h"
 #include "framework/keepWindowPainted.h"
 #include "framework/threads/Timer.h"
@@ -15,7 +16,12 @@
 #include <QMimeData>
 #include <QTimer>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
+
+#include <poll.h>
+#include <unistd.h>
 
 namespace quilvane {
 
@@ -23,13 +29,14 @@ namespace {
 
 /// Works like a long handler until `done`.
 template <typename Done>
-void workUntil(Done done)
+void workUntil(
+    Done done, const std::function<void()>& work = [] { keepWindowPainted(); })
 {
     constexpr qint64 patience = 20'000; // ms; only a failure takes so long
     QElapsedTimer time;
     time.start();
     while (!done() && time.elapsed() < patience)
-        keepWindowPainted();
+        work();
     EXPECT_TRUE(done());
 }
 
@@ -243,6 +250,18 @@ TEST_F(PaintingTest, rowsAddedMeanwhileAreShown)
     });
     Application::DoEvents(100);
     EXPECT_EQ(happened, "list ");
+}
+
+TEST_F(PaintingTest, pagesThatComeFasterThanTheyAreWaitedForDoNotKeepTheWindowFromPainting)
+{
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe(pipe.data()), 0);
+    ASSERT_EQ(::write(pipe[1], "page", 4), 4);
+    bool isPainted = false;
+    QTimer::singleShot(0, [&] { isPainted = true; });
+    workUntil([&] { return isPainted; },
+        [&] { EXPECT_TRUE(waitForReader(pipe[0], POLLIN, std::chrono::seconds(1))); });
+    std::ranges::for_each(pipe, ::close);
 }
 
 TEST_F(PaintingTest, theWaitCursorVanishesInTheNextTurn)

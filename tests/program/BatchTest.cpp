@@ -133,9 +133,17 @@ TEST_F(BatchTest, loopsLinksPipesAndDeepFolders)
     for (int level = 0; level < 1000; ++level)
         deep += "/d";
     tree.write(deep + "/bottom.txt", "c@y.org");
+    const TempFolder other; // below it the paths get too long
+    std::string below;
+    for (int level = 0; level < 50; ++level)
+        below += '/' + std::string(50, 'e');
+    other.write("top" + below + "/unreachable.txt", "d@y.org");
+    std::filesystem::rename(other / "top", tree / deep + "/top");
     searchFolder(tree.path());
     EXPECT_EQ(sortedRows(), (Rows{ "a@y.org", "b@y.org", "c@y.org" }));
     EXPECT_EQ(window().rCounter, 3) << "a link was followed, and files were read again";
+    EXPECT_NE(window().account.text().find("could not be listed to their end: 1 (eee"), std::string::npos)
+        << "a path that is too long must be told: " << window().account.text();
 }
 
 TEST_F(BatchTest, stopAndTheUntickedBoxSpareWhatIsToCome)
