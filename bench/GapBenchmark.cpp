@@ -191,6 +191,8 @@ void workOnRows(TurnWatch& watch, const fs::path& folder)
     implicit<filterWIn>().checkNet.setValue(false);
     implicit<filterWIn>().checkOrg.setValue(true);
     measure(watch, "Keep", [] { implicit<filterWIn>().keepBtn.Push(); });
+    const DragItem item({ folder });
+    measure(watch, "folder dropped onto the rest", [&] { implicit<Window1>().Canvas1.Drop(item); });
     measure(watch, "Clear List", [] { implicit<Window1>().clearBtn.Push(); });
 }
 
