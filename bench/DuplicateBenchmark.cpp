@@ -15,6 +15,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include <malloc.h>
+
 namespace {
 
 using namespace quilvane;
@@ -53,12 +55,37 @@ private:
     std::vector<std::string_view> m_rows;
 };
 
+void passOver(const Rows& rows, DuplicateIndex& index)
+{
+    DuplicateIndex::Pass pass(index, rows.size(), [&](std::size_t row) { return rows[row]; });
+    while (pass.step()) { }
+}
+
 std::size_t countDistinctRows(const Rows& rows)
 {
     DuplicateIndex index;
-    DuplicateIndex::Pass pass(index, rows.size(), [&](std::size_t row) { return rows[row]; });
-    while (pass.step()) { }
+    passOver(rows, index);
     return index.knownRows();
+}
+
+/// In bytes; what malloc() has given out.
+std::size_t usedMemory()
+{
+    const struct mallinfo2 heap = ::mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+}
+
+void printMemory()
+{
+    constexpr std::size_t megabyte = std::size_t(1) << 20;
+    constexpr std::size_t most = 80;
+    const Rows rows(5'000'000, 0);
+    DuplicateIndex index;
+    const std::size_t before = usedMemory();
+    passOver(rows, index);
+    const std::size_t megabytes = (usedMemory() - before) / megabyte;
+    std::printf(
+        "the index of 5 M rows stays in %zu MB, goal %zu %s\n", megabytes, most, verdict(megabytes <= most));
 }
 
 /// A list that grows by the rows of one file after another, with a duplicate check after each.
@@ -174,4 +201,5 @@ int main()
     for (const unsigned percentDuplicates : { 0U, 50U })
         compareGrowth(Rows(500'000, percentDuplicates), Rows(5'000'000, percentDuplicates));
     compareOneFile();
+    printMemory();
 }
