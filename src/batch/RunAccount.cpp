@@ -17,7 +17,7 @@ constexpr std::array<const char*, 4> kinds{ "PDF", "Word", "delimited", "text" }
 constexpr std::array<const char*, 6> reasons{
     "of a kind that is not read",
     "PDF, which is read only where the file itself is picked or dropped",
-    "old Word files in folders below, where only .docx is read",
+    "Word files of other kinds in folders below, where only .docx is read",
     "lock files of open documents",
     "that could not be opened",
     "Word files that could not be read; a sample address stands for each in the list",

@@ -32,7 +32,7 @@ constexpr std::array worker{
     ReaderRule{ "\\.txt", Text },
     ReaderRule{ "\\.csv", Delimited },
 };
-constexpr std::array noThreadOnes{
+constexpr std::array noThread{
     ReaderRule{ ".doc", Word },
     ReaderRule{ ".txt", Text },
     ReaderRule{ ".csv", Delimited },
@@ -49,7 +49,7 @@ constexpr std::array walk{
 constexpr std::span<const ReaderRule> searchFileReaders = searchFile;
 constexpr std::span<const ReaderRule> droppedFileReaders = droppedFile;
 constexpr std::span<const ReaderRule> workerReaders = worker;
-constexpr std::span<const ReaderRule> noThreadReaders = noThreadOnes;
+constexpr std::span<const ReaderRule> noThreadReaders = noThread;
 constexpr std::span<const ReaderRule> walkReaders = walk;
 
 std::vector<FileReader> readersFor(std::span<const ReaderRule> rules, std::string_view name)

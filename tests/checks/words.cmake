@@ -13,8 +13,8 @@ set(patterns
     "\\bspe[c]s?\\b"
     "\\bas specifie[d]\\b"
     "\\bPar[t] [1-8]\\.[1-4]\\b"
-    "(^|[^A-Za-z0-9_.~-])/(wor[k]|far[m])/"
-    "/tmp/(bash_job[s]|brief[s])"
+    "(^|[^A-Za-z0-9_.~-])/(hom[e]|User[s]|roo[t]|wor[k]|mn[t])/"
+    "[^r]/tm[p]/[a-z]"
 )
 list(JOIN patterns "|" pattern)
 
