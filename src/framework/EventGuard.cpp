@@ -30,12 +30,22 @@ int holds = 0;
 std::deque<PutOffEvent> putOffEvents;
 std::function<std::string(const std::string&)> failureWords;
 
+struct Failure {
+    int depth = 0; // of the handler
+    std::string what;
+    bool operator==(const Failure&) const = default;
+};
+
+Failure toldOfPart; // the last one
+
 class DepthCount {
 public:
     DepthCount()
     {
-        if (depth == 0)
+        if (depth == 0) {
             internal::eventLoopTurned();
+            toldOfPart = {};
+        }
         ++depth;
     }
     ~DepthCount()
@@ -82,6 +92,23 @@ std::string wordsFor(const std::string& handlerName)
     } catch (const std::exception& error) {
         logLine("The report of " + handlerName + " is incomplete: " + error.what());
         return {};
+    }
+}
+
+/// `isTold` gets what has happened, and says whether the user is told.
+void report(const std::string& handlerName, bool (*isTold)(const std::string& what))
+{
+    try {
+        const std::string what = describeCurrentException();
+        logLine(handlerName + ": " + what);
+        if (Application::isEndedFromOutside())
+            return;
+        const std::string words = wordsFor(handlerName); // cleans up, too
+        const EventsHeld held;
+        if (isTold(what))
+            Desktop::current().showError(what, words);
+    } catch (const std::exception&) { // from here it would pass through Qt
+        logLine("There was not enough memory to report an error.");
     }
 }
 
@@ -157,17 +184,15 @@ EventsHeld::~EventsHeld()
 
 void reportCurrentException(const std::string& handlerName)
 {
-    try {
-        const std::string what = describeCurrentException();
-        logLine(handlerName + ": " + what);
-        if (Application::isEndedFromOutside())
-            return;
-        const std::string words = wordsFor(handlerName);
-        const EventsHeld held;
-        Desktop::current().showError(what, words);
-    } catch (const std::exception&) { // from here it would pass through Qt
-        logLine("There was not enough memory to report an error.");
-    }
+    report(handlerName, [](const std::string&) { return true; });
+}
+
+void reportFailedPart(const std::string& name)
+{
+    report(name, [](const std::string& what) {
+        const Failure failure{ depth, what };
+        return std::exchange(toldOfPart, failure) != failure;
+    });
 }
 
 void setFailureWords(std::function<std::string(const std::string& handlerName)> words)

@@ -59,6 +59,9 @@ public:
 
 /// Reports the exception in flight as runGuarded does. To be called inside of a catch block.
 void reportCurrentException(const std::string& handlerName);
+/// The same for a part of a handler, which goes on and may do that part again. Of equal failures one after
+/// the other the user is told once.
+void reportFailedPart(const std::string& name);
 
 /// Sets the function that cleans up after a failed handler and returns the second part of its report: what
 /// has ended, and what became of its work. The handler's name itself is only logged, and so is what `words`

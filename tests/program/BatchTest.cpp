@@ -254,6 +254,11 @@ TEST_F(BatchTest, theFindsOfAFailedSearchStayInTheList)
     drop({ tree.path() });
     EXPECT_EQ(rows(), expected);
 
+    // Each folder's run begins with the first folder's files again, and fails there again.
+    const std::string second = tree.makeFolder("second");
+    willReport("The search of the folders below goes on.");
+    drop({ tree / "below", second, second });
+
     desktop.willOpen(tree / "below/broken.csv");
     willReport("The search of this file has ended here.");
     window().importBtn1.Push();

@@ -30,7 +30,7 @@ void Thread::Run()
         if (unwinding.killed != this)
             throw;
     } catch (const std::exception&) {
-        reportCurrentException(m_name + "_Run");
+        reportFailedPart(m_name + "_Run");
     }
 }
 
