@@ -6,6 +6,7 @@
 #include "framework/dialogs/dialogs.h"
 #include "framework/files/FileType.h"
 #include "framework/keepWindowPainted.h"
+#include "framework/regex/RegEx.h"
 #include "framework/threads/Timer.h"
 
 #include <QAccessible>
@@ -253,6 +254,17 @@ TEST_F(PaintingTest, theWaitCursorVanishesInTheNextTurn)
         Application::DoEvents(10);
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     });
+}
+
+TEST_F(PaintingTest, aPatternThatTakesLongLetsTheProgramEnd)
+{
+    runGuarded("handler", [] {
+        QTimer::singleShot(0, [] { std::raise(SIGTERM); });
+        RegEx expression;
+        expression.setSearchPattern("(a+)+$");
+        expression.matches(std::string(1000, 'a') + std::string(40'000'000, '!')); // would fail some day
+    });
+    EXPECT_EQ(happened, "close ");
 }
 
 TEST_F(PaintingTest, aSignalToEndEndsTheHandler)
