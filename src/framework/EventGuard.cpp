@@ -56,8 +56,8 @@ public:
     }
 };
 
-/// Each event in its own turn of the event loop: a handler may run the loop, which must then deliver the next
-/// events.
+/// One event at a time. The next one is queued before this one is delivered: if its handler runs the event
+/// loop, that delivers the next ones.
 void deliverPutOffSoon()
 {
     QTimer::singleShot(0, [] {

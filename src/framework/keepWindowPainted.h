@@ -5,8 +5,9 @@
 namespace quilvane {
 
 /// To be called again and again by code that waits or works for long; usually it only looks at the clock. If
-/// the last turn of the event loop or the last painting is so many milliseconds ago, it lets the windows
-/// paint and answer the window manager and the accessibility bus. No event reaches the program meanwhile.
+/// the last turn of the event loop and the last painting are at least so many milliseconds ago, it lets the
+/// windows paint and answer the window manager and the accessibility bus. No event reaches the program
+/// meanwhile.
 ///
 /// What a window shows must be whole at the call: no list between two states. If the program was asked to
 /// quit, this ends the handler that has called it, as Application::DoEvents does. On other threads than the

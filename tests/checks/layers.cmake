@@ -16,7 +16,7 @@ set(arrows
     "filter:    app scan framework std"
     "search:    app scan framework std filter/filterWIn.h"
     "export:    app scan framework std search/Window2.h"
-    "scan:      std immintrin.h sys/mman.h"
+    "scan:      std cpuid.h immintrin.h sys/mman.h"
     "framework: documents text std system libraries"
     "documents: text std system libraries"
     "text:      std system libraries"

@@ -7,6 +7,7 @@
 #include "framework/threads/Timer.h"
 
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -112,6 +113,11 @@ TEST_F(ControlsTest, changesByCodeFireTheUsersEvents)
     EXPECT_EQ(window->field.Text().size(), 32'767U) << "what the user pastes has a limit";
     window->field.setText(std::string(100'000, 'a'));
     EXPECT_EQ(window->field.Text().size(), 100'000U);
+    events.clear();
+    window->field.setText("short");
+    EXPECT_EQ(events, "short ");
+    widget<QLineEdit>("field")->insert(QString(1'000'000, 'a'));
+    EXPECT_EQ(window->field.Text().size(), 32'767U) << "also after a longer text";
 }
 
 TEST_F(ControlsTest, keysReachTheFieldFirstAndThenTheWindowsButtons)
@@ -161,6 +167,14 @@ TEST_F(ControlsTest, theEditMenuWorksOnTheControlThatHadTheFocus)
     EnableMenuItems();
     EXPECT_TRUE(menuBar.Lookup("EditPaste").Enabled());
     EXPECT_EQ(foreign->asked, 0);
+
+    QContextMenuEvent byKey(QContextMenuEvent::Keyboard, {}, {});
+    QCoreApplication::sendEvent(edit, &byKey);
+    auto* contextMenu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(contextMenu, nullptr);
+    EXPECT_EQ(contextMenu->actions().size(), 6);
+    EXPECT_EQ(foreign->asked, 0) << "its owner may not answer";
+    contextMenu->close();
 
     QTest::keyClick(widget("Test"), Qt::Key_E, Qt::AltModifier);
     auto* menu = widget<QMenu>("EditMenu");

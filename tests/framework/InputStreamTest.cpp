@@ -148,8 +148,9 @@ TEST_F(InputStreamTest, WideTextIsReadAsUtf8)
 TEST_F(InputStreamTest, RefusesFilesThatDoNotFitIntoMemory)
 {
     std::filesystem::resize_file(
-        folder.write("huge", ""), std::uint64_t(1) << 43); // needs no room on the disk
+        folder.write("huge", "line\n"), std::uint64_t(1) << 43); // needs no room on the disk
     const auto text = item("huge")->OpenAsTextFile();
+    EXPECT_EQ(text->ReadLine(), "line");
     for (const auto read : { &TextInputStream::ReadAll, &TextInputStream::ReadLine }) {
         const std::string message = messageOf<OutOfMemoryException>([&] { ((*text).*read)(); });
         EXPECT_NE(message.find(folder / "huge"), std::string::npos) << message;

@@ -7,6 +7,7 @@
 #include "framework/documents/internal/ReaderProcess.h"
 #include "framework/files/FileType.h"
 #include "framework/keepWindowPainted.h"
+#include "framework/regex/RegEx.h"
 #include "framework/threads/Timer.h"
 
 #include <QAccessible>
@@ -272,6 +273,20 @@ TEST_F(PaintingTest, theWaitCursorVanishesInTheNextTurn)
         Application::DoEvents(10);
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     });
+}
+
+TEST_F(PaintingTest, aPatternThatTakesLongLetsTheProgramEnd)
+{
+    runGuarded("handler", [] {
+        QTimer::singleShot(0, [] { std::raise(SIGTERM); });
+        RegEx expression;
+        expression.setSearchPattern("a*a*a*@");
+        std::string text;
+        for (int i = 0; i < 100'000; ++i)
+            text += std::string(240, 'a') + '!';
+        expression.matches(text);
+    });
+    EXPECT_EQ(happened, "close ");
 }
 
 TEST_F(PaintingTest, aSignalToEndEndsTheHandler)

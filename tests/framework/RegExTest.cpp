@@ -8,6 +8,7 @@
 
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -150,12 +151,18 @@ TEST(RegEx, GivesUpARunawayPattern)
     std::string manyTraps;
     for (int i = 0; i < 500'000; ++i)
         manyTraps += "aaaaaaaaaaaaaaaaaa!"; // each below PCRE2's own limits
-    for (const auto& [pattern, text] :
-        { std::pair("(a+)+$", row + "!"), std::pair("(*NO_JIT)(a+)+$", row + "!"),
-            std::pair("(a|b)*c", std::string(5'000'000, 'a')), std::pair("(a+)+$", manyTraps) }) {
+    const std::string tooManySteps = "too many steps";
+    for (const auto& [pattern, text, reason] :
+        { std::tuple("(a+)+$", row + "!", tooManySteps), { "(*NO_JIT)(a+)+$", row + "!", tooManySteps },
+            { "(*LIMIT_MATCH=10)(a+)+$", row + "!", tooManySteps },
+            { "(a|b)*c", std::string(5'000'000, 'a'), "limit" }, { "(a+)+$", manyTraps, tooManySteps } }) {
         const std::string message = failure<RegExException>(pattern, text);
         EXPECT_NE(message.find("was given up"), std::string::npos) << pattern << ": " << message;
+        EXPECT_NE(message.find(reason), std::string::npos) << pattern << ": " << message;
     }
+    RegEx expression;
+    expression.setSearchPattern("a(?=.*!)|a");
+    EXPECT_THROW(allMatches(expression, std::string(40'000, 'a')), RegExException) << "with all its matches";
 }
 
 TEST(RegEx, OneBudgetIsForAllTextsSinceThePatternWasSet)

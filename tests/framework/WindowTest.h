@@ -22,7 +22,7 @@
 namespace quilvane {
 
 constexpr const char* editCommandNames[]
-    = { "EditCut", "EditCopy", "EditPaste", "EditClear", "EditSelectAll" };
+    = { "EditCut", "EditCopy", "EditPaste", "EditClear", "EditSelectAll", "EditUndo" };
 
 class TestMenuBar : public MenuBar {
 public:

@@ -4,13 +4,16 @@
 
 #include "framework/EventGuard.h"
 #include "framework/internal/Native.h"
+#include "framework/internal/editCommands.h"
 #include "framework/internal/qtText.h"
 #include "framework/strings.h"
 
+#include <QContextMenuEvent>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 
+#include <algorithm>
 #include <utility>
 
 namespace quilvane {
@@ -38,6 +41,14 @@ protected:
             m_field.fire("KeyDown", [&] { handled = m_field.KeyDown(characterOf(*event)); });
         if (!handled)
             QLineEdit::keyPressEvent(event);
+    }
+
+    /// Shows the program's edit commands. Qt's own menu would ask the clipboard for its text, and so wait for
+    /// the program that has filled it.
+    void contextMenuEvent(QContextMenuEvent* event) override
+    {
+        const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+        popUpEditMenu(*this, byKey ? mapToGlobal(cursorRect().bottomLeft()) : event->globalPos());
     }
 
     void focusOutEvent(QFocusEvent* event) override
@@ -77,10 +88,14 @@ void TextField::setText(std::string text)
         return;
     }
     const QString shown = toQt(text);
-    // Only the user's input has a limit, and a smaller one would cut what still stands there.
+    // The limit is for the user's input: a text set by code may be longer. A smaller limit cuts what is
+    // shown, so it has to wait until the text is set.
     if (shown.size() > edit->maxLength())
         edit->setMaxLength(static_cast<int>(shown.size()));
     edit->setText(shown); // comes back through textChanged
+    const int limit = std::max(longestInput, static_cast<int>(edit->text().size()));
+    if (limit < edit->maxLength())
+        edit->setMaxLength(limit);
 }
 
 void TextField::makeWidget(Native& native)

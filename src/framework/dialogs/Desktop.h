@@ -35,7 +35,7 @@ public:
     /// choice.
     virtual std::optional<std::string> chooseFileToOpen(std::string_view title, const OfferedFiles& files)
         = 0;
-    /// A name that is typed without a suffix gets that of `defaultName`.
+    /// A name that is typed without a suffix gets that of `defaultName`, except in the desktop's own dialog.
     virtual std::optional<std::string> chooseFileToSave(std::string_view title, std::string_view defaultName)
         = 0;
     virtual std::optional<std::string> chooseFolder(std::string_view title) = 0;

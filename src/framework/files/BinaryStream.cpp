@@ -31,7 +31,8 @@ std::uint64_t BinaryStream::Length() const
 FileBytes BinaryStream::Read(std::uint64_t count)
 {
     const std::uint64_t begin = m_position;
-    m_position += std::min(count, Length() - std::min(Length(), begin));
+    const std::uint64_t end = std::max(Length(), begin); // the file may have become shorter
+    m_position += std::min(count, end - begin);
     return FileBytes(m_file.descriptor(), m_file.path(), begin, m_position - begin);
 }
 

@@ -13,8 +13,8 @@ namespace quilvane {
 /// file of any size needs no memory. The file stays open as long as the object exists.
 class FileBytes {
 public:
-    /// From `offset` on, `length` bytes, or fewer if the file ends before. Opens `file`, a descriptor, a
-    /// second time. Throws IOException if not even the first byte can be read.
+    /// From `offset` on, `length` bytes, or fewer if the file ends before. Duplicates `file`, a descriptor,
+    /// so the caller may close it. Throws IOException if not even the first byte can be read.
     FileBytes(int file, const std::string& path, std::uint64_t offset, std::uint64_t length);
 
     int descriptor() const { return m_file.number(); }

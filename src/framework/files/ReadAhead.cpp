@@ -39,11 +39,12 @@ constexpr std::chrono::microseconds slow(200);
 /// How long a run waits before it calls keepWindowPainted().
 constexpr std::chrono::milliseconds slice(10);
 
-/// At most so many files are open before their turn,
+/// At most so many files are open before their turn.
 constexpr std::size_t mostFiles = 32;
-/// and the disk is asked for at most so many of their bytes, and so many of one file. The system itself
-/// fetches the rest when the run gets there.
+/// When the disk was asked for so many bytes of them, no further file is opened before the run takes one.
 constexpr std::uint64_t mostBytes = 32u << 20;
+/// The disk is asked for at most so many bytes of one file. The system itself fetches the rest when the run
+/// gets there.
 constexpr std::uint64_t mostBytesOfOne = 4u << 20;
 
 /// The bytes that the disk is asked for.

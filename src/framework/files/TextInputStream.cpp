@@ -11,9 +11,9 @@ namespace quilvane {
 
 namespace {
 
-constexpr std::size_t readAhead = 4096;
+constexpr std::size_t bufferSize = 4096; // bytes
 /// A line of this length makes it likely that the file has no line ends at all.
-constexpr std::size_t longLine = 4096 * readAhead;
+constexpr std::size_t longLine = 4096 * bufferSize;
 
 } // namespace
 
@@ -49,10 +49,11 @@ std::string TextInputStream::ReadLine()
     std::string line;
     while (m_taken < m_buffer.size() || fillBuffer()) {
         const std::size_t end = m_buffer.find_first_of("\r\n", m_taken);
+        const bool wasLong = line.size() >= longLine;
         line.append(m_buffer, m_taken, end - m_taken);
         if (end == std::string::npos) {
             m_taken = m_buffer.size();
-            if (line.size() == longLine)
+            if (!wasLong && line.size() >= longLine)
                 m_file.requireMemoryForRest();
             continue;
         }
@@ -97,7 +98,7 @@ bool TextInputStream::fillBuffer()
     m_taken = 0;
     std::string bytes;
     do {
-        bytes.resize(readAhead);
+        bytes.resize(bufferSize);
         bytes.resize(m_file.read(bytes));
         beginsDecoding(bytes);
         if (!m_decoder) {

@@ -130,8 +130,7 @@ TextOutputStream::~TextOutputStream()
     try {
         Close();
     } catch (const std::exception&) { // a destructor can't report it
-    } catch (const QuitUnwinding&) {
-        giveUp(); // the handler ends at its next keepWindowPainted()
+    } catch (const QuitUnwinding&) { // the handler ends at its next keepWindowPainted()
     }
 }
 

@@ -62,13 +62,17 @@ const Command* find(std::string_view itemName)
     return found == commands.end() ? nullptr : &*found;
 }
 
-/// The list with the focus if it can carry out this command now; a list knows two of them. Else null.
+bool isForLists(std::string_view itemName)
+{
+    return itemName == "EditCopy" || itemName == "EditSelectAll";
+}
+
+/// The list with the focus if it can carry out this command now. Else null.
 RowView* listFor(std::string_view itemName)
 {
     auto* list = dynamic_cast<RowView*>(focusedControl());
-    const bool serves = list
-        && ((itemName == "EditCopy" && list->hasSelection())
-            || (itemName == "EditSelectAll" && list->hasRows()));
+    const bool serves
+        = list && isForLists(itemName) && (itemName == "EditCopy" ? list->hasSelection() : list->hasRows());
     return serves ? list : nullptr;
 }
 
@@ -82,13 +86,16 @@ void followFocus()
     });
 }
 
-void popUpEditMenu(QWidget& list, const QPoint& place)
+void popUpEditMenu(QWidget& control, const QPoint& place)
 {
     EnableMenuItems();
-    auto* menu = new QMenu(&list);
+    auto* menu = new QMenu(&control);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    for (const char* itemName : { "EditCopy", "EditSelectAll" })
-        menu->addAction(&Application::instance().menuBar().Lookup(itemName).native().action);
+    const bool isTextField = qobject_cast<QLineEdit*>(&control) != nullptr;
+    for (const Command& command : commands) {
+        if (isTextField || isForLists(command.itemName))
+            menu->addAction(&Application::instance().menuBar().Lookup(command.itemName).native().action);
+    }
     menu->popup(place);
 }
 

@@ -12,9 +12,9 @@ namespace quilvane {
 /// To be called once, at the start: from then on it is noted from which control the focus goes to a menu bar.
 void followFocus();
 
-/// Shows the edit commands of a list as its context menu, with its corner at `place` on the screen. The list
-/// must have the focus.
-void popUpEditMenu(QWidget& list, const QPoint& place);
+/// Shows the edit commands of a text field or a list as its context menu, with its corner at `place` on the
+/// screen. The control must have the focus.
+void popUpEditMenu(QWidget& control, const QPoint& place);
 
 /// Whether `itemName` is one of the commands on text that the toolkit itself carries out: undo, cut, copy,
 /// paste, delete, select all.

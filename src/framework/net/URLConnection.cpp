@@ -5,6 +5,7 @@
 #include "framework/Application.h"
 #include "framework/EventGuard.h"
 #include "framework/dialogs/Desktop.h"
+#include "framework/exceptions.h"
 #include "framework/keepWindowPainted.h"
 #include "framework/net/fetch.h"
 
@@ -12,6 +13,7 @@
 #include <chrono>
 #include <future>
 #include <optional>
+#include <system_error>
 #include <thread>
 
 namespace quilvane {
@@ -40,7 +42,12 @@ std::string URLConnection::SendSync(std::string_view, std::string_view url, int)
     std::future<std::string> body = transfer.get_future();
     // However this function ends, the transfer is stopped and joined first. That takes no time, since a stop
     // request wakes it from every wait.
-    const std::jthread worker(std::move(transfer));
+    std::jthread worker;
+    try {
+        worker = std::jthread(std::move(transfer));
+    } catch (const std::system_error&) {
+        throw ConnectionException(address, "the system gives the program no thread for it");
+    }
 
     const auto start = std::chrono::steady_clock::now();
     while (!isHere(body, lookEvery)) {

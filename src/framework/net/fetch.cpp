@@ -158,7 +158,7 @@ private:
             if (status == CURLM_OK && running > 0)
                 status = m_curl.multiPoll(m_multi.get(), nullptr, 0, longestWait, nullptr);
             if (status != CURLM_OK)
-                throw std::bad_alloc(); // no other failure is possible with a handle that is used correctly
+                throw ConnectionException(m_address, m_curl.multiStrerror(status));
         }
         int left = 0;
         return m_curl.multiInfoRead(m_multi.get(), &left)->data.result;
@@ -196,7 +196,7 @@ private:
     {
         if (!m_wasPublic || !m_options.isOwn(address))
             return true;
-        m_refusal = "it leads from a public server to an address of this computer";
+        m_refusal = "it leads from a public server to this computer or to a device on the same network link";
         return false;
     }
 

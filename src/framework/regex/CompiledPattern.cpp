@@ -3,10 +3,12 @@
 #include "framework/regex/CompiledPattern.h"
 
 #include "framework/exceptions.h"
+#include "framework/keepWindowPainted.h"
 #include "framework/regex/LiteralText.h"
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <new>
 #include <optional>
 #include <utility>
@@ -50,23 +52,43 @@ std::string messageFor(int error)
 /// Counts the steps of one run. PCRE2's own limits start again at each place where a match may begin, and its
 /// compiled code does not count the repeats of a class; but it can make a callout before each item of a
 /// pattern.
+///
+/// Keeps the windows painted, since one run may take all steps of a budget.
 struct StepCounter {
     std::uint64_t most;
+    PCRE2_SIZE position;
     std::uint64_t steps = 0;
-    PCRE2_SIZE position = 0;
+    std::exception_ptr thrown = nullptr; // PCRE2's compiled code can't be unwound
 
     static int callout(pcre2_callout_block* block, void* data)
     {
         constexpr std::uint64_t bytesPerStep = 16; // so many bytes that a class passes count as one
+        constexpr unsigned calloutsPerPainting = 1u << 18; // some milliseconds
         StepCounter& counter = *static_cast<StepCounter*>(data);
         const PCRE2_SIZE position = block->current_position;
         const PCRE2_SIZE way
             = position > counter.position ? position - counter.position : counter.position - position;
         counter.position = position;
         counter.steps += 1 + way / bytesPerStep;
+        static unsigned callouts = 0; // of all runs
+        if (++callouts % calloutsPerPainting == 0) {
+            try {
+                keepWindowPainted();
+            } catch (...) {
+                counter.thrown = std::current_exception();
+                return PCRE2_ERROR_CALLOUT;
+            }
+        }
         return counter.steps > counter.most ? PCRE2_ERROR_CALLOUT : 0;
     }
 };
+
+// PCRE2's own limits, for each place where a match may begin. A run without callouts that meets the first one
+// is run again with them. One that meets the second one is given up, like one that has used up the budget: it
+// would only take longer. A pattern of many thousand bytes has no other limit, since PCRE2 can't compile it with
+// callouts.
+constexpr std::uint32_t matchLimitUncounted = 1'000;
+constexpr std::uint32_t matchLimitCounted = 1'000'000;
 
 /// The settings of all patterns. A run never starts another run, so all can use the same stack for compiled
 /// code.
@@ -82,18 +104,15 @@ struct Engine {
         constexpr std::size_t firstJitStack = std::size_t(1) << 15;
         constexpr std::size_t largestJitStack = std::size_t(1) << 24;
         constexpr std::uint32_t heapLimit = std::uint32_t(1) << 16; // KiB
-        constexpr std::uint32_t matchLimit = 1'000'000; // for a pattern whose steps can't be counted
-        constexpr std::uint32_t uncountedMatchLimit = 1'000;
         pcre2_set_newline(compileContext.get(), PCRE2_NEWLINE_ANYCRLF);
         pcre2_set_max_pattern_length(compileContext.get(), longestPattern);
-        pcre2_set_depth_limit(matchContext.get(), matchLimit);
         pcre2_set_heap_limit(matchContext.get(), heapLimit);
         // Null if there is no JIT compiler for the machine; PCRE2 then interprets patterns.
         jitStack.reset(pcre2_jit_stack_create(firstJitStack, largestJitStack, nullptr));
         pcre2_jit_stack_assign(matchContext.get(), nullptr, jitStack.get());
         countingContext = owned(pcre2_match_context_copy(matchContext.get()));
-        pcre2_set_match_limit(countingContext.get(), matchLimit);
-        pcre2_set_match_limit(matchContext.get(), uncountedMatchLimit);
+        pcre2_set_match_limit(countingContext.get(), matchLimitCounted);
+        pcre2_set_match_limit(matchContext.get(), matchLimitUncounted);
     }
 };
 
@@ -103,13 +122,14 @@ Engine& engine()
     return theEngine;
 }
 
-// Callouts make a run several times slower. So if a pattern takes few steps on a short text, only one run in
-// so many is counted, and its steps are taken for the next runs, too. No pattern of practical use was seen to
-// take more than 12 steps for a byte.
+// Callouts make a run several times slower. If a counted run over a short text takes few steps, the next 31
+// runs over short texts are not counted: each of them is taken to cost as much as the counted one.
 constexpr std::size_t runsPerCount = 32;
 constexpr std::size_t longestUncounted = 256; // bytes
-constexpr std::uint64_t stepsPerByte = 16; // how much the budget grows
 constexpr std::uint64_t manyStepsPerByte = 64;
+
+/// How much the budget grows. No pattern of practical use was seen to take more than 12 steps for a byte.
+constexpr std::uint64_t stepsPerByte = 16;
 
 } // namespace
 
@@ -147,11 +167,13 @@ struct CompiledPattern::Native {
         PCRE2_SIZE offset = 0;
         if (!countingCode)
             countingCode = compile(pattern, PCRE2_AUTO_CALLOUT, error, offset);
-        StepCounter counter{ budget.stepsLeft, 0, start };
+        StepCounter counter{ budget.stepsLeft, start };
         pcre2_set_callout(engine().countingContext.get(), StepCounter::callout, &counter);
         const int result = pcre2_match((*countingCode ? *countingCode : code).get(),
             reinterpret_cast<PCRE2_SPTR>(text.data()), text.size(), start, options, matchData.get(),
             engine().countingContext.get());
+        if (counter.thrown)
+            std::rethrow_exception(counter.thrown);
         std::uint64_t price = counter.steps;
         if (text.size() <= longestUncounted && price <= manyStepsPerByte * (text.size() - start + 1)) {
             budget.runsUncounted = runsPerCount - 1;
@@ -210,7 +232,9 @@ std::span<const std::size_t> CompiledPattern::run(
         return m_native->literalMatch;
     }
     const std::uint32_t options = empty == EmptyAtStart::Skipped ? PCRE2_NOTEMPTY_ATSTART : 0;
-    budget.stepsLeft += stepsPerByte * (text.size() - start);
+    // Only with the first search in a text, not when a search continues in it.
+    if (start == 0 && empty == EmptyAtStart::Allowed)
+        budget.stepsLeft += stepsPerByte * text.size();
     int result = PCRE2_ERROR_MATCHLIMIT;
     if (budget.runsUncounted > 0 && text.size() <= longestUncounted) {
         --budget.runsUncounted;
@@ -223,7 +247,7 @@ std::span<const std::size_t> CompiledPattern::run(
             2 * std::size_t(pcre2_get_ovector_count(m_native->matchData.get())) };
     if (result == PCRE2_ERROR_NOMATCH)
         return {};
-    if (result == PCRE2_ERROR_CALLOUT)
+    if (result == PCRE2_ERROR_CALLOUT || result == PCRE2_ERROR_MATCHLIMIT)
         throw RegExException(m_pattern, "it needs too many steps for what is searched");
     throw RegExException(m_pattern, messageFor(result));
 }

@@ -16,7 +16,7 @@ class LiteralText;
 /// Limits the cost of running one pattern over all texts of a pass. It counts matching steps and not time, so
 /// that the same pattern over the same list always has the same result.
 struct MatchingBudget {
-    // At most a second's work, or two where PCRE2 interprets the pattern. Grows with each searched byte.
+    // At most a second's work, or two where PCRE2 interprets the pattern. Grows with the length of each text.
     std::uint64_t stepsLeft = 100'000'000;
     std::size_t runsUncounted = 0; // for so many of the next runs the steps are paid already
 };

@@ -23,7 +23,7 @@ class LiteralText;
 ///
 /// Every function that runs the pattern throws RegExSearchPatternException if it is invalid, and
 /// RegExException if it needs too much memory for that text, or too many steps for all texts since the
-/// pattern was set. The limit of steps grows with the texts.
+/// pattern was set. The limit of steps grows with the texts. A run that takes long keeps the windows painted.
 class RegEx {
 public:
     RegEx() = default;

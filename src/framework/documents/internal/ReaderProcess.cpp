@@ -4,9 +4,9 @@
 
 #include "documents/reader/buildId.h"
 #include "documents/reader/frames.h"
-#include "framework/System.h"
 #include "framework/files/displayName.h"
 #include "framework/keepWindowPainted.h"
+#include "framework/logLine.h"
 
 #include <algorithm>
 #include <array>
@@ -244,7 +244,7 @@ void ReaderProcess::greet()
             + " belongs to another version of the program. Please quit the program and start it again.");
     static bool isLogged = false;
     if (!greeting->missing.empty() && !std::exchange(isLogged, true))
-        System::DebugLog(greeting->missing);
+        logLine(greeting->missing);
 }
 
 void ReaderProcess::stop()

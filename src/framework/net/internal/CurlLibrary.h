@@ -42,6 +42,7 @@ public:
     Function<decltype(curl_multi_perform)> multiPerform{ m_library, "curl_multi_perform" };
     Function<decltype(curl_multi_poll)> multiPoll{ m_library, "curl_multi_poll" };
     Function<decltype(curl_multi_remove_handle)> multiRemoveHandle{ m_library, "curl_multi_remove_handle" };
+    Function<decltype(curl_multi_strerror)> multiStrerror{ m_library, "curl_multi_strerror" };
     Function<decltype(curl_multi_wakeup)> multiWakeup{ m_library, "curl_multi_wakeup" };
 
 private:
