@@ -206,13 +206,13 @@ std::string htmlBodyText(std::string_view html, const std::string& charset)
             body.addText(withPlainCharacters(withoutReferences(token.text)));
         else
             body.addTag(token);
-        if (!token.href.empty())
-            targets.push_back({ mailTarget(withoutReferences(token.href)), body.placeInWord() });
+        if (std::string target = mailTarget(withoutReferences(token.href)); !target.empty())
+            targets.push_back({ std::move(target), body.placeInWord() });
     }
     std::string text = body.take();
     std::string lines;
     for (const auto& [address, place] : targets)
-        if (!address.empty() && !(place && isTailOfAddress(address, text, *place)))
+        if (!(place && isTailOfAddress(address, text, *place)))
             lines += (text.empty() && lines.empty() ? "" : "\n") + address;
     return text += lines;
 }
