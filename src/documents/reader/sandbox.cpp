@@ -167,12 +167,6 @@ void limit(__rlimit_resource resource, rlim_t soft, rlim_t hard)
     ::setrlimit(resource, &both);
 }
 
-rlim_t sizeOf(int file)
-{
-    struct stat status { };
-    return ::fstat(file, &status) == 0 ? static_cast<rlim_t>(status.st_size) : 0;
-}
-
 void setLimits(const Allowance& allowance, [[maybe_unused]] int document)
 {
     constexpr rlim_t fewFiles = 32;
@@ -182,7 +176,9 @@ void setLimits(const Allowance& allowance, [[maybe_unused]] int document)
     // RLIMIT_DATA does not count what is only read, but the kernel's tables of its addresses take memory,
     // too.
     constexpr rlim_t forLibraries = rlim_t(512) << 20;
-    const rlim_t addresses = allowance.memory + sizeOf(document) + forLibraries;
+    struct stat status { };
+    ::fstat(document, &status);
+    const rlim_t addresses = allowance.memory + static_cast<rlim_t>(status.st_size) + forLibraries;
     limit(RLIMIT_AS, addresses, addresses);
 #endif
     limit(RLIMIT_STACK, usualStack, usualStack);
