@@ -74,7 +74,7 @@ CodePageConverter::CodePageConverter(const char* name)
         m_upper[i] = character({ &byte, 1 });
     }
     const auto isIncomplete = [](char32_t code) { return code == incomplete; };
-    const auto isCharacter = [](char32_t code) { return code != replacement; };
+    const auto isCharacter = [](char32_t code) { return code != replacementCharacter; };
     if (!m_holdsBack && std::none_of(m_upper.begin(), m_upper.end(), isIncomplete)
         && std::any_of(m_upper.begin(), m_upper.end(), isCharacter))
         close();
@@ -100,11 +100,12 @@ char32_t CodePageConverter::character(std::string_view bytes)
     char* output = text.data();
     std::size_t room = text.size();
     if (iconv(m_native, &input, &inputLeft, &output, &room) == std::size_t(-1))
-        return errno == EINVAL ? incomplete : replacement;
+        return errno == EINVAL ? incomplete : replacementCharacter;
     // Some sets hold a letter back until they know whether an accent follows.
     m_holdsBack = m_holdsBack || room == text.size();
     iconv(m_native, nullptr, nullptr, &output, &room);
-    return room == text.size() ? replacement : firstCharacter({ text.data(), text.size() - room }).code;
+    return room == text.size() ? replacementCharacter
+                               : firstCharacter({ text.data(), text.size() - room }).code;
 }
 
 std::string CodePageConverter::toUtf8(std::string_view bytes)
@@ -129,7 +130,7 @@ std::string CodePageConverter::toUtf8(std::string_view bytes)
         const int reason = errno;
         text.append(buffer.data(), buffer.size() - room);
         if (stopped && reason != E2BIG) {
-            appendUtf8(text, replacement);
+            appendUtf8(text, replacementCharacter);
             ++input;
             --inputLeft;
         }

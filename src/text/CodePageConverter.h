@@ -23,7 +23,6 @@ public:
     CodePageConverter(const CodePageConverter&) = delete;
     CodePageConverter& operator=(const CodePageConverter&) = delete;
 
-    static constexpr char32_t replacement = 0xFFFD;
     static constexpr char32_t incomplete = 0xFFFFFFFF;
     /// The one character that the bytes are: U+FFFD if they are none, `incomplete` if others must follow.
     char32_t character(std::string_view bytes);

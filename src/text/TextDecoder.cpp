@@ -3,6 +3,7 @@
 #include "text/TextDecoder.h"
 
 #include "text/CodePageConverter.h"
+#include "text/utf8.h"
 
 namespace quilvane {
 
@@ -31,10 +32,10 @@ std::optional<char32_t> TextDecoder::next(std::uint8_t byte)
     if (character == CodePageConverter::incomplete && m_pendingCount < m_pending.size())
         return {};
     m_pendingCount = 0;
-    if (character != CodePageConverter::incomplete && character != CodePageConverter::replacement)
+    if (character != CodePageConverter::incomplete && character != replacementCharacter)
         return character;
     // The byte does not continue the character, so it is a character of its own.
-    return byte < firstBeyondAscii ? byte : CodePageConverter::replacement;
+    return byte < firstBeyondAscii ? byte : replacementCharacter;
 }
 
 int codePageOfLanguage(std::uint16_t language)

@@ -10,18 +10,7 @@ namespace quilvane {
 
 namespace {
 
-constexpr char32_t replacement = 0xFFFD;
 constexpr char32_t byteOrderMark = 0xFEFF;
-
-bool isHighSurrogate(char32_t unit)
-{
-    return unit >= 0xD800 && unit < 0xDC00;
-}
-
-bool isLowSurrogate(char32_t unit)
-{
-    return unit >= 0xDC00 && unit < 0xE000;
-}
 
 } // namespace
 
@@ -57,7 +46,7 @@ void WideTextDecoder::decode(std::string_view bytes, std::string& utf8)
 void WideTextDecoder::finish(std::string& utf8)
 {
     if (!m_cutUnit.empty() || m_highSurrogate != 0)
-        appendUtf8(utf8, replacement);
+        appendUtf8(utf8, replacementCharacter);
     m_cutUnit.clear();
     m_highSurrogate = 0;
 }
@@ -79,11 +68,11 @@ void WideTextDecoder::take(char32_t unit, std::string& utf8)
         return;
     const char32_t high = std::exchange(m_highSurrogate, 0);
     if (high != 0 && isLowSurrogate(unit)) {
-        appendUtf8(utf8, 0x10000 + ((high - 0xD800) << 10) + (unit - 0xDC00));
+        appendUtf8(utf8, characterOfPair(high, unit));
         return;
     }
     if (high != 0)
-        appendUtf8(utf8, replacement);
+        appendUtf8(utf8, replacementCharacter);
     if (m_unitSize == 2 && isHighSurrogate(unit))
         m_highSurrogate = unit;
     else

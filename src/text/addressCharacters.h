@@ -2,11 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace quilvane {
+
+/// The longest address that mail allows: RFC 5321, 4.5.3.1, 64 bytes before the @ and 255 after it.
+inline constexpr std::size_t longestAddress = 64 + 1 + 255;
 
 /// The plain form of a character that would otherwise break an address: the ASCII characters for a ligature,
 /// a full-width form, a typographic hyphen or a no-break space, and an empty text for a soft hyphen and

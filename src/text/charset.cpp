@@ -83,7 +83,7 @@ std::optional<int> codePageNamed(std::string_view name)
     if (found != std::end(names))
         return found->codePage;
     if (const std::optional<int> part = numberAfter("iso8859", wanted))
-        return codePageOfIso8859(*part);
+        return *part >= 1 && *part <= 16 ? std::optional(codePageOfIso8859(*part)) : std::nullopt;
     for (const std::string_view prefix : { "windows", "cp", "xcp", "ibm" })
         if (const std::optional<int> number = numberAfter(prefix, wanted))
             return number;

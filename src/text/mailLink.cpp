@@ -12,9 +12,6 @@ namespace quilvane {
 
 namespace {
 
-/// The longest address that mail allows: RFC 5321, 4.5.3.1, 64 bytes before the @ and 255 after it.
-constexpr std::size_t longestAddress = 64 + 1 + 255;
-
 bool isAddressCharacter(char c)
 {
     return isLetter(c) || isDigit(c) || std::string_view("._%+-@").find(c) != std::string_view::npos;

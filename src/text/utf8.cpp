@@ -12,7 +12,7 @@ constexpr char32_t lastCharacter = 0x10FFFF;
 
 constexpr bool isSurrogate(char32_t code)
 {
-    return code >= 0xD800 && code <= 0xDFFF;
+    return isHighSurrogate(code) || isLowSurrogate(code);
 }
 
 } // namespace
@@ -40,9 +40,8 @@ Utf8Character firstCharacter(std::string_view text)
 
 void appendUtf8(std::string& text, char32_t character)
 {
-    constexpr char32_t replacement = 0xFFFD;
     if (character > lastCharacter || isSurrogate(character))
-        character = replacement;
+        character = replacementCharacter;
     const auto tail
         = [character](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
     const auto lead

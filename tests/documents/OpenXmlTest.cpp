@@ -260,6 +260,9 @@ TEST(WordFile, RecognisesTheKindByTheBytes)
             { "an encrypted one", compound + wordMark + std::string(100, '\1') + "a@x.org", "(nil)" },
             { "a damaged file of another program", compound + "a@x.org", "(nil)" },
         });
+    ReadingBudget budget;
+    EXPECT_TRUE(documentText(flat, budget));
+    EXPECT_LT(budget.bytes, ReadingBudget().bytes - 3 * ReadingBudget::costOfPart) << "as in an archive";
 }
 
 TEST(WordFile, ReadsTheRestOfATruncatedDocument)

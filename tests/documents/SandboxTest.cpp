@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Quilvane developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "documents/reader/sandbox.h"
+#include "support/Scoped.h"
 #include "support/TempFolder.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <functional>
@@ -23,6 +25,7 @@
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -125,6 +128,24 @@ bool maps(int protection, int flags, int file)
     return ::mmap(nullptr, 1, protection, flags, file, 0) != MAP_FAILED;
 }
 
+bool makesStackLonger()
+{
+    constexpr std::size_t page = 4096;
+    constexpr std::size_t deep = std::size_t(1) << 17;
+    std::array<char, deep> stack{};
+    void* const begin
+        = reinterpret_cast<void*>((reinterpret_cast<std::uintptr_t>(stack.data()) + page) / page * page);
+    return ::mremap(begin, page, 2 * deep, MREMAP_MAYMOVE) != MAP_FAILED;
+}
+
+/// Only to be read, so it would cost nothing but the kernel's tables.
+bool takesAddresses()
+{
+    constexpr std::size_t terabyte = std::size_t(1) << 40;
+    constexpr int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
+    return ::mmap(nullptr, terabyte, PROT_READ, flags, -1, 0) != MAP_FAILED;
+}
+
 bool connects(int number, const void* address, socklen_t size)
 {
     const bool isConnected = ::connect(number, static_cast<const sockaddr*>(address), size) == 0;
@@ -210,6 +231,10 @@ TEST_F(Sandboxed, AnAttackerCanDoNoHarm)
         { "let itself be looked at", [] { return ::prctl(PR_SET_DUMPABLE, 1) == 0; } },
         { "make code", [] { return maps(PROT_READ | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1); } },
         { "make a file in memory", [] { return closes(::memfd_create("x", 0)); } },
+        { "make a second stack",
+            [] { return maps(PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_GROWSDOWN, -1); } },
+        { "make its stack longer", makesStackLonger },
+        { "take all addresses", takesAddresses },
         { "change its number's owner", [] { return ::setsid() > 0; } },
     };
     acts.insert(acts.end(), actsOnFiles.begin(), actsOnFiles.end());
@@ -285,6 +310,18 @@ TEST_F(Sandboxed, TheKernelEndsWhatCostsTooMuch)
             ::_exit(3);
     };
     EXPECT_EQ(signalOf(inRoom(walls, noDocument, { .memory = 128 << 20, .seconds = 60 }, takeMemory)), -3);
+    rlimit stack{};
+    ::getrlimit(RLIMIT_STACK, &stack);
+    constexpr std::size_t tooDeep = std::size_t(16) << 20;
+    const Scoped roomy([](const rlimit& limit) { ::setrlimit(RLIMIT_STACK, &limit); }, stack,
+        { 2 * tooDeep, stack.rlim_max });
+    const auto goDeep = [] {
+        volatile char frame[tooDeep];
+        frame[0] = 0;
+        ::_exit(frame[0]);
+    };
+    EXPECT_EQ(inRoom({}, noDocument, plenty, goDeep), 0);
+    EXPECT_EQ(signalOf(inRoom(walls, noDocument, plenty, goDeep)), SIGSEGV);
     EXPECT_EQ(signalOf(inRoom(walls, noDocument, plenty, [] { std::abort(); })), SIGABRT);
 }
 

@@ -77,8 +77,8 @@ TEST(Charset, NamesStandForCodePages)
              { "big5", "\xA4\xA4", "中" }, { "euc-kr", "\xB0\xA1", "가" }, { "tis-620", "\xA1", "ก" },
              { "utf-16be", std::string_view("\0a", 2), "a" } })
         EXPECT_EQ(toUtf8(row.bytes, codePageNamed(row.name).value_or(0)), row.text) << row.name;
-    EXPECT_FALSE(codePageNamed("martian"));
-    EXPECT_FALSE(codePageNamed(""));
+    for (const char* unknown : { "martian", "", "iso-8859-0", "iso-8859-17", "iso-8859-2147483647" })
+        EXPECT_FALSE(codePageNamed(unknown)) << unknown;
 }
 
 } // namespace quilvane

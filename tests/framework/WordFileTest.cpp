@@ -59,6 +59,10 @@ TEST_F(WordFile, NeedsNoMemoryOfTheProgramWhateverItsSize)
     std::filesystem::resize_file(huge, std::uint64_t(5) << 30); // takes no room on the disk
     EXPECT_EQ(
         documentOf(huge, { .memory = 64 << 20 }).whyNil(), "The document is encrypted or no Word document.");
+    std::string links;
+    for (int i = 0; i < 800'000; ++i)
+        links += "<a href=x>";
+    EXPECT_EQ(documentOf(folder.write("links.doc", links + "text"), { .memory = 64 << 20 })->Text(), "text");
     const std::string cut = folder.write("cut.docx", TempFolder::contentOf(letter));
     const Ref<BinaryStream> stream = BinaryStream::Open(*GetFolderItem(cut));
     const FileBytes bytes = stream->Read(stream->Length());

@@ -15,7 +15,6 @@ namespace quilvane {
 
 namespace {
 
-constexpr std::string_view whiteSpace = " \t\r\n\f";
 constexpr std::string_view lettersAndDigits
     = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 constexpr std::string_view hexDigits = "0123456789ABCDEFabcdef";
@@ -201,11 +200,11 @@ void HtmlTokenizer::takeAttribute(HtmlToken& tag)
     take(1); // even an equals sign begins a name
     takeUntil(" \t\r\n\f/>=");
     const std::string_view name(begin, static_cast<std::size_t>(m_rest.data() - begin));
-    skip(whiteSpace);
+    skip(htmlWhiteSpace);
     if (!m_rest.starts_with('='))
         return;
     take(1);
-    skip(whiteSpace);
+    skip(htmlWhiteSpace);
     const std::string_view value = takeValue();
     if (tag.href.empty() && equalsIgnoringCase(name, "href"))
         tag.href = value;

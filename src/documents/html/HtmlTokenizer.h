@@ -8,6 +8,8 @@
 
 namespace quilvane {
 
+inline constexpr std::string_view htmlWhiteSpace = " \t\r\n\f";
+
 struct HtmlToken {
     enum class Kind {
         Text,

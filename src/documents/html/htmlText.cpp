@@ -18,7 +18,6 @@ namespace quilvane {
 
 namespace {
 
-constexpr std::string_view whiteSpace = " \t\r\n\f";
 constexpr std::size_t longestHead = 4096; // bytes in which a character set is looked for
 constexpr std::size_t longestSniffed = std::size_t(1) << 20; // a comment may come first
 
@@ -53,7 +52,7 @@ bool isKnown(std::string_view element)
 
 bool isWhiteSpace(char c)
 {
-    return whiteSpace.find(c) != std::string_view::npos;
+    return htmlWhiteSpace.find(c) != std::string_view::npos;
 }
 
 /// Gathers the text of a page from its tokens.
@@ -174,7 +173,7 @@ bool looksLikeHtml(std::string_view bytes)
 {
     constexpr std::size_t farEnough = 4096;
     const std::string page = utf8Page(bytes.substr(0, longestSniffed), {});
-    const std::string_view begin = withoutLeading(page, whiteSpace);
+    const std::string_view begin = withoutLeading(page, htmlWhiteSpace);
     if (!begin.starts_with('<'))
         return false;
     if (beginsIgnoringCase(begin, "<!doctype html"))
@@ -206,13 +205,13 @@ std::string htmlBodyText(std::string_view html, const std::string& charset)
             body.addText(withPlainCharacters(withoutReferences(token.text)));
         else
             body.addTag(token);
-        if (!token.href.empty())
-            targets.push_back({ mailTarget(withoutReferences(token.href)), body.placeInWord() });
+        if (std::string target = mailTarget(withoutReferences(token.href)); !target.empty())
+            targets.push_back({ std::move(target), body.placeInWord() });
     }
     std::string text = body.take();
     std::string lines;
     for (const auto& [address, place] : targets)
-        if (!address.empty() && !(place && isTailOfAddress(address, text, *place)))
+        if (!(place && isTailOfAddress(address, text, *place)))
             lines += (text.empty() && lines.empty() ? "" : "\n") + address;
     return text += lines;
 }

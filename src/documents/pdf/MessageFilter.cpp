@@ -3,6 +3,7 @@
 #include "documents/pdf/MessageFilter.h"
 
 #include "documents/reader/messages.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,11 +11,6 @@
 namespace quilvane {
 
 namespace {
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 std::string withoutNumbers(std::string_view message)
 {

@@ -83,29 +83,37 @@ std::chrono::nanoseconds timeWorked()
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
+/// The page, with no more text than there is room for. Adds the warnings to `warnings` if it can be read.
+PdfPage pageOf(PdfDocument& document, std::uint32_t number, const ReaderOrder& order, std::size_t room,
+    std::vector<std::string>& warnings)
+{
+    limitStep(std::chrono::milliseconds(order.stepMilliseconds));
+    std::optional<std::string> text = document.pageText(static_cast<int>(number));
+    std::vector<std::string> messages = document.takeMessages();
+    PdfPage page{ text.has_value(), (text ? std::move(*text) : lastOf(messages)).substr(0, room) };
+    if (page.isReadable)
+        std::move(messages.begin(), messages.end(), std::back_inserter(warnings));
+    return page;
+}
+
 /// Sends all pages without being asked for them.
 bool tellPages(PdfDocument& document, std::uint32_t count, const ReaderOrder& order)
 {
     PdfEnd end{ document.takeMessages() };
-    // The rest of the time is reserved for sending the end.
+    // The rest of the time is reserved for sending the end, and for the last page.
     const auto timeForPages = std::chrono::seconds(order.documentSeconds) * 4 / 5;
     std::size_t room = longestDocumentText;
-    for (std::uint32_t number = 1; number <= count && (number == 1 || timeWorked() < timeForPages);
-         ++number) {
-        limitStep(std::chrono::milliseconds(order.stepMilliseconds));
-        std::optional<std::string> text = document.pageText(static_cast<int>(number));
-        std::vector<std::string> messages = document.takeMessages();
-        PdfPage page;
-        page.isReadable = text.has_value();
-        page.text = text ? std::move(*text).substr(0, room) : lastOf(messages);
-        if (page.isReadable) {
-            room -= page.text.size();
-            std::move(messages.begin(), messages.end(), std::back_inserter(end.warnings));
-        }
+    std::uint32_t number = 1;
+    for (; number <= count && (number == 1 || timeWorked() < timeForPages); ++number) {
+        const PdfPage page = pageOf(document, number, order, room, end.warnings);
+        room -= page.text.size();
         if (!tell(encode(page)))
             return false;
     }
-    return tell(encode(end));
+    if (!tell(encode(end)))
+        return false;
+    // Should this end the child, the program has all the rest.
+    return number > count || tell(encode(pageOf(document, count, order, room, end.warnings)));
 }
 
 bool tellPdf(std::string_view bytes, const ReaderOrder& order)

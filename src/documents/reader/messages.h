@@ -16,7 +16,7 @@
 // document itself. The program asks about a child, and tells the reader when it is done with one.
 //
 // Over the document's own socket the child alone speaks, in frames, and ends: of a Word document a verdict
-// and the text; of a PDF document the opening, each page in turn, and the end.
+// and the text; of a PDF document the opening, each page in turn, and the end (see PdfEnd).
 //
 // The program trusts neither the reader nor its children: a message that exceeds the bounds below, is too
 // short or has bytes left over is refused as a whole.
@@ -115,7 +115,8 @@ struct PdfPage {
     bool operator==(const PdfPage&) const = default;
 };
 
-/// Comes after the last page, or earlier when the time has run out: then the other pages were not tried.
+/// Comes after the last page, or earlier when the time has run out. Then the only page that is tried of the
+/// rest is the last one: it comes after the end, if it comes.
 struct PdfEnd {
     /// What the PDF library said about a document that it could read, any bytes.
     std::vector<std::string> warnings = {};

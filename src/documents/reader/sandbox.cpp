@@ -16,6 +16,7 @@
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -92,14 +93,14 @@ scmp_arg_cmp argument(unsigned index, std::uint64_t value)
     return argument(index, UINT32_MAX, value);
 }
 
-// A call that an architecture does not have is passed over by the library.
+// A call that an architecture does not have is passed over by the library. Without mremap: it makes a piece
+// of the stack longer, which no limit on memory counts. realloc does without it.
 constexpr std::array plainCalls{ SCMP_SYS(read), SCMP_SYS(readv), SCMP_SYS(pread64), SCMP_SYS(lseek),
-    SCMP_SYS(close), SCMP_SYS(fstat), SCMP_SYS(munmap), SCMP_SYS(mremap), SCMP_SYS(madvise), SCMP_SYS(brk),
-    SCMP_SYS(futex), SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn),
-    SCMP_SYS(getpid), SCMP_SYS(gettid), SCMP_SYS(clock_gettime), SCMP_SYS(clock_getres),
-    SCMP_SYS(gettimeofday), SCMP_SYS(time), SCMP_SYS(getrandom), SCMP_SYS(poll), SCMP_SYS(ppoll),
-    SCMP_SYS(getdents64), SCMP_SYS(setitimer), SCMP_SYS(sched_yield), SCMP_SYS(restart_syscall),
-    SCMP_SYS(exit), SCMP_SYS(exit_group) };
+    SCMP_SYS(close), SCMP_SYS(fstat), SCMP_SYS(munmap), SCMP_SYS(madvise), SCMP_SYS(brk), SCMP_SYS(futex),
+    SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn), SCMP_SYS(getpid),
+    SCMP_SYS(gettid), SCMP_SYS(clock_gettime), SCMP_SYS(clock_getres), SCMP_SYS(gettimeofday), SCMP_SYS(time),
+    SCMP_SYS(getrandom), SCMP_SYS(poll), SCMP_SYS(ppoll), SCMP_SYS(getdents64), SCMP_SYS(setitimer),
+    SCMP_SYS(sched_yield), SCMP_SYS(restart_syscall), SCMP_SYS(exit), SCMP_SYS(exit_group) };
 
 /// A placeholder in the filter, which closeSystemCalls() replaces by the id of the process.
 constexpr std::uint32_t ownProcess = 0x7A3B5C7D;
@@ -141,11 +142,14 @@ std::vector<sock_filter> allowedCalls(const Walls& walls, int socket)
     permit(SCMP_SYS(write));
 #endif
     permit(SCMP_SYS(fcntl), argument(1, F_GETFL));
+    // How fstat is called. That the path is empty can't be checked here, so every path can be asked for.
     permit(SCMP_SYS(newfstatat), argument(3, AT_EMPTY_PATH));
     // abort() raises its signal by this, in its own process.
     permit(SCMP_SYS(tgkill), argument(0, ownProcess), argument(2, SIGABRT));
-    // No code, and nothing that is shared with a file or with another process.
-    permit(SCMP_SYS(mmap), argument(2, PROT_EXEC, 0), argument(3, MAP_SHARED | MAP_PRIVATE, MAP_PRIVATE));
+    // No code, nothing that is shared with a file or with another process, and no second stack: RLIMIT_DATA
+    // counts no stacks.
+    permit(SCMP_SYS(mmap), argument(2, PROT_EXEC, 0),
+        argument(3, MAP_SHARED | MAP_PRIVATE | MAP_GROWSDOWN, MAP_PRIVATE));
     permit(SCMP_SYS(mprotect), argument(2, PROT_EXEC, 0));
     // This filter can't tell one file from another: without Landlock none is opened, and the text of some
     // East Asian PDF documents is not found.
@@ -163,12 +167,21 @@ void limit(__rlimit_resource resource, rlim_t soft, rlim_t hard)
     ::setrlimit(resource, &both);
 }
 
-void setLimits([[maybe_unused]] const Allowance& allowance)
+void setLimits(const Allowance& allowance, [[maybe_unused]] int document)
 {
     constexpr rlim_t fewFiles = 32;
+    constexpr rlim_t usualStack = rlim_t(8) << 20;
 #ifndef __SANITIZE_ADDRESS__
     limit(RLIMIT_DATA, allowance.memory, allowance.memory);
+    // RLIMIT_DATA does not count what is only read, but the kernel's tables of its addresses take memory,
+    // too.
+    constexpr rlim_t forLibraries = rlim_t(512) << 20;
+    struct stat status { };
+    ::fstat(document, &status);
+    const rlim_t addresses = allowance.memory + static_cast<rlim_t>(status.st_size) + forLibraries;
+    limit(RLIMIT_AS, addresses, addresses);
 #endif
+    limit(RLIMIT_STACK, usualStack, usualStack);
     // The soft limit ends the process by a signal that tells why, the hard one by a signal that it can't
     // catch.
     limit(RLIMIT_CPU, allowance.seconds, allowance.seconds + 1);
@@ -211,7 +224,7 @@ bool Sandbox::closeIn(const Allowance& allowance, pid_t parent) const
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent) // it ended before the line above
         return false;
-    setLimits(allowance);
+    setLimits(allowance, m_document);
     const bool isQuiet = ::clearenv() == 0 && ::chdir("/") == 0 && ::prctl(PR_SET_DUMPABLE, 0) == 0
         && ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0;
     return isQuiet && (m_walls.landlock == 0 || closeFileSystem())

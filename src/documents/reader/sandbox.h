@@ -28,8 +28,8 @@ std::string missingFrom(const Walls& walls);
 
 /// What a process may cost.
 struct Allowance {
-    /// Bytes of private memory; pages of a mapped file don't count. Not under AddressSanitizer, which
-    /// reserves terabytes.
+    /// Bytes of private memory; pages of a mapped file and the stack, of 8 MiB at most, don't count. Not
+    /// under AddressSanitizer, which reserves terabytes.
     std::uint64_t memory = 0;
     /// Of processor time, after which the kernel ends it.
     std::uint32_t seconds = 0;
@@ -37,8 +37,10 @@ struct Allowance {
 
 /// Restricts processes for the rest of their lives: such a process can read its document and the character
 /// tables of the PDF library, speak over its socket, and ask for memory; it opens no other file, writes none,
-/// makes no process and no connection, and reaches no other process. A system call that is not allowed fails
-/// and does not kill the process: the next version of a library may try calls that it can do without.
+/// makes no process and no connection, and reaches no other process. It can still learn which files there
+/// are, with their sizes, times and owners, because it may call stat; never their contents. A system call
+/// that is not allowed fails and does not kill the process: the next version of a library may try calls that
+/// it can do without.
 ///
 /// Made once, before the processes are forked.
 class Sandbox {

@@ -16,7 +16,8 @@ namespace quilvane {
 /// ([MS-CFB]). Open it, ask for streams, let it go; the bytes must outlive it.
 ///
 /// Only the streams at the top are seen: storages hold embedded documents, whose streams bear the same names.
-/// Whatever the bytes say, no walk is longer than the file has sectors, and none recurses.
+/// Whatever the bytes say, no walk is longer than the file has sectors, or pieces of 64 bytes for a small
+/// stream, and none recurses.
 class CompoundFile {
 public:
     /// Nothing if the bytes are no compound file, or its header or directory is damaged.

@@ -53,14 +53,13 @@ void TextCollector::putText(std::string_view text)
 
 void TextCollector::putUnit(char16_t unit)
 {
-    constexpr char32_t firstBeyond = 0x10000;
     const char16_t high = std::exchange(m_highSurrogate, char16_t(0));
-    if ((unit & 0xFC00) == 0xD800)
+    if (isHighSurrogate(unit))
         m_highSurrogate = unit;
-    else if ((unit & 0xFC00) != 0xDC00)
+    else if (!isLowSurrogate(unit))
         put(unit);
     else if (high != 0)
-        put(firstBeyond + ((char32_t(high) & 0x3FF) << 10) + (unit & 0x3FF));
+        put(characterOfPair(high, unit));
 }
 
 void TextCollector::endLine()

@@ -106,20 +106,18 @@ private:
 
     Relationships relationshipsOf(std::string_view source)
     {
-        constexpr std::size_t costOfEach = 256;
         Relationships relationships(source);
         if (const ZipArchive::Entry* entry = m_archive.find(Relationships::partFor(source)))
             readXml(unpacked(*entry), relationships);
-        m_budget.spend(relationships.entries().size() * costOfEach);
+        m_budget.spend(relationships.entries().size() * ReadingBudget::costOfRelationship);
         return relationships;
     }
 
     /// As much of it as the budget has left.
     std::string unpacked(const ZipArchive::Entry& entry)
     {
-        constexpr std::size_t costOfAny = std::size_t(1) << 14;
         std::string bytes = ZipArchive::unpacked(entry, std::min(m_budget.bytes, ReadingBudget::partBytes));
-        m_budget.spend(bytes.size() + costOfAny);
+        m_budget.spend(bytes.size() + ReadingBudget::costOfPart);
         return bytes;
     }
 
@@ -233,20 +231,26 @@ std::optional<std::string> sourceOf(std::string_view part)
 }
 
 /// Reads the package twice, since the relationships of a part may come after the part.
-std::string textOfFlatPackage(std::string_view xml)
+std::string textOfFlatPackage(std::string_view xml, ReadingBudget& budget)
 {
     RelationshipsByPart relationships;
     FlatPackageSplitter findRelationships([&](const std::string& part) -> XmlHandler* {
         const std::optional<std::string> source = sourceOf(part);
-        return source ? &relationships.try_emplace(*source, *source).first->second : nullptr;
+        if (!source || budget.bytes == 0)
+            return nullptr;
+        budget.spend(ReadingBudget::costOfPart);
+        return &relationships.try_emplace(*source, *source).first->second;
     });
     readXml(xml, findRelationships);
+    for (const auto& [part, ofPart] : relationships)
+        budget.spend(ofPart.entries().size() * ReadingBudget::costOfRelationship);
 
     const std::set<std::string> wanted = textParts(relationships);
     std::map<std::string, WordXmlText> texts;
     FlatPackageSplitter findText([&](const std::string& part) -> XmlHandler* {
-        if (!wanted.contains(part) || texts.contains(part))
+        if (!wanted.contains(part) || texts.contains(part) || budget.bytes == 0)
             return nullptr;
+        budget.spend(ReadingBudget::costOfPart);
         Relationships& ofPart = relationships.try_emplace(part, part).first->second;
         return &texts.try_emplace(part, ofPart).first->second;
     });
@@ -272,7 +276,7 @@ std::optional<std::string> textOfFlatXml(std::string_view xml, ReadingBudget& bu
     RootProbe root;
     readXml(xml.substr(0, rootIsWithin), root);
     if (root.uri == flatPackageUri)
-        return textOfFlatPackage(xml);
+        return textOfFlatPackage(xml, budget);
 
     // Most other XML is no document, which its beginning shows.
     for (const std::string_view part : { xml.substr(0, rootIsWithin), xml }) {

@@ -129,29 +129,45 @@ bool DynaPDFMBS::receivePages(std::string& whyNot)
     m_child->resume();
     std::size_t room = longestDocumentText;
     std::string frame;
-    while (m_child->receive(frame, room + longestPdfMessage + largestPdfHead, whyNot)) {
+    while (m_child->receive(frame, room + largestPdfHead, whyNot)) {
         if (std::optional<PdfEnd> end = decodeEnd(frame)) {
             m_warnings = std::move(end->warnings);
+            m_pagesInTime = m_pages.size();
+            if (m_pagesInTime < m_sourcePageCount)
+                receiveLastPage(room);
             return true;
         }
         std::optional<PdfPage> page = decodePage(frame);
-        if (!page || m_pages.size() == m_sourcePageCount || (page->isReadable && page->text.size() > room)) {
+        if (!page || m_pages.size() == m_sourcePageCount || page->text.size() > room) {
             whyNot = m_child->refuse();
             return false;
         }
-        if (page->isReadable)
-            room -= page->text.size();
+        room -= page->text.size();
         m_pages.push_back({ page->isReadable, std::move(page->text) });
     }
     return false;
 }
 
+void DynaPDFMBS::receiveLastPage(std::size_t room)
+{
+    std::string frame;
+    std::string whyNot;
+    if (!m_child->receive(frame, room + largestPdfHead, whyNot))
+        return;
+    std::optional<PdfPage> page = decodePage(frame);
+    if (!page || !page->isReadable || page->text.size() > room)
+        return;
+    m_pages.resize(m_sourcePageCount, { .isReadable = true, .text = {} });
+    m_pages.back().text = std::move(page->text);
+}
+
 void DynaPDFMBS::tellOfImport()
 {
-    if (m_pages.size() < m_sourcePageCount)
+    if (m_pagesInTime < m_sourcePageCount)
         fail(pagesLeftOut,
             quotedName() + " takes too long: of its " + std::to_string(m_sourcePageCount)
-                + " pages only the first " + std::to_string(m_pages.size()) + " were read.");
+                + " pages only the first " + std::to_string(m_pagesInTime)
+                + (m_pages.size() == m_pagesInTime ? " were read." : " and the last one were read."));
     if (m_warnings.empty())
         return;
     std::string all;
@@ -246,6 +262,7 @@ void DynaPDFMBS::closeDocument()
     m_child.reset();
     m_source.reset();
     m_sourcePageCount = 0;
+    m_pagesInTime = 0;
     m_pages.clear();
     m_warnings.clear();
     m_isImported = false;

@@ -26,6 +26,9 @@ class InputFile;
 /// When reading fails, because of the limits or a crash, the document is lost: it has no pages, and further
 /// operations fail without another event.
 ///
+/// If the time runs out after some pages, the others count as empty, and the last one is still read; if it
+/// can't be read, the document ends before the others. One error says so.
+///
 /// The user must not be told of each of a million bad pages. After three bad pages in a row, or eight in all,
 /// further ones count as empty. The document then ends with its last good page, or with the last page tried
 /// if that comes later. If this leaves out pages, one error says so.
@@ -93,6 +96,8 @@ private:
     bool openSource();
     /// Receives the pages. False, with the reason, if that fails.
     bool receivePages(std::string& whyNot);
+    /// For a document whose time has run out. If its last page comes, the pages that were left out are empty.
+    void receiveLastPage(std::size_t room);
     void tellOfImport();
     bool failPage(int pageNum, const std::string& reason); // false
     void leaveOutLastPages(std::size_t pagesTried);
@@ -108,6 +113,7 @@ private:
     std::unique_ptr<InputFile> m_source;
     std::unique_ptr<DocumentChild> m_child; // from OpenImportFile to ImportPDFFile
     std::size_t m_sourcePageCount = 0;
+    std::size_t m_pagesInTime = 0; // received before the time ran out
     std::vector<Page> m_pages;
     std::vector<std::string> m_warnings;
     bool m_isImported = false;
