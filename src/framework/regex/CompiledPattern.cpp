@@ -85,8 +85,8 @@ struct StepCounter {
 
 // PCRE2's own limits, for each place where a match may begin. A run without callouts that meets the first one
 // is run again with them. One that meets the second one is given up, like one that has used up the budget: it
-// would only take longer. A pattern of many thousand bytes has no other limit, since PCRE2 can't compile it with
-// callouts.
+// would only take longer. A pattern of many thousand bytes has no other limit, since PCRE2 can't compile it
+// with callouts.
 constexpr std::uint32_t matchLimitUncounted = 1'000;
 constexpr std::uint32_t matchLimitCounted = 1'000'000;
 
