@@ -3,13 +3,13 @@
 #include "documents/word/rtf.h"
 
 #include "documents/word/TextCollector.h"
+#include "documents/word/rtfKeywords.h"
 #include "text/TextDecoder.h"
 #include "text/ascii.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <iterator>
 #include <map>
 #include <utility>
 #include <vector>
@@ -17,108 +17,6 @@
 namespace quilvane {
 
 namespace {
-
-enum class Action {
-    Character, // the value
-    LineEnd,
-    ParagraphEnd,
-    Skip, // the group holds no text
-    Transparent, // of a group that readers may skip: its text counts
-    Aside, // of a group: a text of its own
-    FieldCode,
-    FontTable,
-    DocumentCodePage,
-    CodePage, // the value
-    DefaultFont,
-    Font,
-    FontCharset,
-    FallbackLength,
-    Unicode,
-    Binary,
-    Deleted,
-    ResetCharacters,
-};
-
-struct Keyword {
-    std::string_view name;
-    Action action;
-    int value = 0;
-};
-
-/// Sorted by name. All other words describe only how the text looks.
-constexpr Keyword keywords[] = {
-    { "annotation", Action::Aside },
-    { "ansicpg", Action::DocumentCodePage },
-    { "bin", Action::Binary },
-    { "bullet", Action::Character, 0x2022 },
-    { "cell", Action::Character, '\t' },
-    { "colortbl", Action::Skip },
-    { "column", Action::ParagraphEnd },
-    { "deff", Action::DefaultFont },
-    { "deleted", Action::Deleted },
-    { "do", Action::Transparent },
-    { "dptxbxtext", Action::Aside },
-    { "emdash", Action::Character, 0x2014 },
-    { "emspace", Action::Character, ' ' },
-    { "endash", Action::Character, 0x2013 },
-    { "enspace", Action::Character, ' ' },
-    { "f", Action::Font },
-    { "fcharset", Action::FontCharset },
-    { "fldinst", Action::FieldCode },
-    { "fonttbl", Action::FontTable },
-    { "footer", Action::Aside },
-    { "footerf", Action::Aside },
-    { "footerl", Action::Aside },
-    { "footerr", Action::Aside },
-    { "footnote", Action::Aside },
-    { "header", Action::Aside },
-    { "headerf", Action::Aside },
-    { "headerl", Action::Aside },
-    { "headerr", Action::Aside },
-    { "info", Action::Skip },
-    { "ldblquote", Action::Character, 0x201C },
-    { "line", Action::LineEnd },
-    { "lquote", Action::Character, 0x2018 },
-    { "mac", Action::CodePage, codePages::macintosh },
-    { "nestcell", Action::Character, '\t' },
-    { "nestrow", Action::ParagraphEnd },
-    { "nonshppict", Action::Skip },
-    { "objdata", Action::Skip },
-    { "page", Action::ParagraphEnd },
-    { "par", Action::ParagraphEnd },
-    { "pc", Action::CodePage, 437 },
-    { "pca", Action::CodePage, 850 },
-    { "pict", Action::Skip },
-    { "plain", Action::ResetCharacters },
-    { "qmspace", Action::Character, ' ' },
-    { "rdblquote", Action::Character, 0x201D },
-    { "row", Action::ParagraphEnd },
-    { "rquote", Action::Character, 0x2019 },
-    { "rxe", Action::Skip },
-    { "sect", Action::ParagraphEnd },
-    { "shpinst", Action::Transparent },
-    { "shprslt", Action::Skip }, // the shape's text once more, for old readers
-    { "shptxt", Action::Aside },
-    { "softline", Action::LineEnd },
-    { "sp", Action::Skip },
-    { "stylesheet", Action::Skip },
-    { "tab", Action::Character, '\t' },
-    { "tc", Action::Skip }, // entries of tables of contents and of the index
-    { "tcn", Action::Skip },
-    { "u", Action::Unicode },
-    { "uc", Action::FallbackLength },
-    { "xe", Action::Skip },
-};
-
-static_assert(std::is_sorted(std::begin(keywords), std::end(keywords),
-    [](const Keyword& left, const Keyword& right) { return left.name < right.name; }));
-
-const Keyword* findKeyword(std::string_view name)
-{
-    const auto* found = std::lower_bound(std::begin(keywords), std::end(keywords), name,
-        [](const Keyword& keyword, std::string_view wanted) { return keyword.name < wanted; });
-    return found != std::end(keywords) && found->name == name ? found : nullptr;
-}
 
 /// The settings of a group, which the groups inside it inherit.
 struct State {
@@ -132,8 +30,8 @@ struct State {
 
 struct Group {
     State outer;
-    /// What closes with the group: nothing, Action::Aside or Action::FieldCode.
-    std::optional<Action> closes;
+    /// What closes with the group: nothing, RtfAction::Aside or RtfAction::FieldCode.
+    std::optional<RtfAction> closes;
 };
 
 /// Walks an RTF document once. Construct it on the document, call read() once.
@@ -213,9 +111,9 @@ private:
         if (m_depth-- > deepest)
             return;
         const Group& group = m_groups.back();
-        if (group.closes == Action::Aside)
+        if (group.closes == RtfAction::Aside)
             m_text.closeAside();
-        else if (group.closes == Action::FieldCode)
+        else if (group.closes == RtfAction::FieldCode)
             m_text.closeFieldCode();
         m_state = group.outer;
         m_groups.pop_back();
@@ -251,7 +149,7 @@ private:
             break;
         case '\r':
         case '\n':
-            perform({ {}, Action::ParagraphEnd }, {});
+            perform({ {}, RtfAction::ParagraphEnd }, {});
             break;
         default: // the optional hyphen, and marks of the index
             break;
@@ -278,7 +176,7 @@ private:
         if (m_rest.starts_with(' '))
             m_rest.remove_prefix(1);
 
-        const Keyword* keyword = findKeyword(name);
+        const RtfKeyword* keyword = findRtfKeyword(name);
         const bool wasOptional = std::exchange(m_isOptional, false);
         if (keyword)
             perform(*keyword, number);
@@ -296,9 +194,9 @@ private:
         return error == std::errc() ? std::optional(number) : std::nullopt;
     }
 
-    void perform(const Keyword& keyword, std::optional<int> number)
+    void perform(const RtfKeyword& keyword, std::optional<int> number)
     {
-        if (keyword.action == Action::Binary)
+        if (keyword.action == RtfAction::Binary)
             m_rest.remove_prefix(
                 std::min(m_rest.size(), static_cast<std::size_t>(std::max(number.value_or(0), 0))));
         else if (m_state.isInFontTable)
@@ -307,71 +205,71 @@ private:
             performInText(keyword, number);
     }
 
-    void performInFontTable(Action action, int number)
+    void performInFontTable(RtfAction action, int number)
     {
         constexpr int lastFont = 0x7FFF;
-        if (action == Action::Font)
+        if (action == RtfAction::Font)
             m_tableFont = std::clamp(number, 0, lastFont);
-        else if (action == Action::FontCharset)
+        else if (action == RtfAction::FontCharset)
             if (const std::optional<int> codePage = codePageOfCharset(number))
                 m_fontCodePages[m_tableFont] = *codePage;
     }
 
-    void performInText(const Keyword& keyword, std::optional<int> number)
+    void performInText(const RtfKeyword& keyword, std::optional<int> number)
     {
         switch (keyword.action) {
-        case Action::Character:
+        case RtfAction::Character:
             putCharacter(static_cast<char32_t>(keyword.value));
             break;
-        case Action::LineEnd:
+        case RtfAction::LineEnd:
             m_text.endLine();
             break;
-        case Action::ParagraphEnd:
+        case RtfAction::ParagraphEnd:
             m_text.endParagraph();
             break;
-        case Action::FontTable:
+        case RtfAction::FontTable:
             m_state.isInFontTable = true;
             [[fallthrough]];
-        case Action::Skip:
+        case RtfAction::Skip:
             m_state.isSkipped = true;
             break;
-        case Action::Aside:
-        case Action::FieldCode:
+        case RtfAction::Aside:
+        case RtfAction::FieldCode:
             beginAside(keyword.action);
             break;
-        case Action::DocumentCodePage:
+        case RtfAction::DocumentCodePage:
             m_codePage = number.value_or(m_codePage);
             break;
-        case Action::CodePage:
+        case RtfAction::CodePage:
             m_codePage = keyword.value;
             break;
-        case Action::DefaultFont:
+        case RtfAction::DefaultFont:
             m_defaultFont = number.value_or(0);
             break;
-        case Action::Font:
+        case RtfAction::Font:
             m_state.font = number.value_or(0);
             break;
-        case Action::FallbackLength:
+        case RtfAction::FallbackLength:
             m_state.fallbackLength = number.value_or(1);
             break;
-        case Action::Unicode:
+        case RtfAction::Unicode:
             putUnit(static_cast<char16_t>(number.value_or(0))); // negative above 0x7FFF
             break;
-        case Action::Deleted:
+        case RtfAction::Deleted:
             m_state.isDeleted = number != 0;
             break;
-        case Action::ResetCharacters:
+        case RtfAction::ResetCharacters:
             m_state.isDeleted = false;
             m_state.font.reset();
             break;
-        case Action::Transparent:
-        case Action::FontCharset:
-        case Action::Binary:
+        case RtfAction::Transparent:
+        case RtfAction::FontCharset:
+        case RtfAction::Binary:
             break;
         }
     }
 
-    void beginAside(Action action)
+    void beginAside(RtfAction action)
     {
         Group& group = m_groups.back();
         if (m_depth > deepest || group.closes)
