@@ -150,10 +150,11 @@ TEST(ColorSchemeTest, emptyAndDisabledControlsAreVisibleInDarkColors)
                 for (int y = 0; y < image.height(); ++y)
                     ++count[image.pixel(x, y)];
             }
-            const auto behind = std::max_element(
+            const auto background = std::max_element(
                 count.begin(), count.end(), [](const auto& a, const auto& b) { return a.second < b.second; });
-            EXPECT_TRUE(std::any_of(count.begin(), count.end(),
-                [&](const auto& each) { return contrast(QColor(each.first), QColor(behind->first)) >= 3; }));
+            EXPECT_TRUE(std::any_of(count.begin(), count.end(), [&](const auto& each) {
+                return contrast(QColor(each.first), QColor(background->first)) >= 3;
+            }));
         }
     }
 }

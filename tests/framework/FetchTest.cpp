@@ -52,18 +52,20 @@ private:
     Scoped m_noProxy = environmentVariable("no_proxy", "*");
 };
 
+struct Answer {
+    const char* path;
+    std::string bytes;
+    std::string expected; // the body, or a part of the reason why there is none
+    Ending ending = Ending::Close;
+};
+
 } // namespace
 
 TEST_F(FetchTest, bodies)
 {
     const std::string page = "<p>x@y.org\r\n\0\xFF"s;
     const std::string full(100'000, 'x');
-    const struct {
-        const char* path;
-        std::string answer;
-        std::string body;
-        Ending ending = Ending::Close;
-    } answers[] = {
+    const Answer answers[] = {
         { "/page", ok + "Content-Length: 14\r\n\r\n" + page, page },
         { "/gzip",
             gzipped
@@ -93,12 +95,7 @@ TEST_F(FetchTest, failuresNameTheAddressAndTheReason)
     std::string lines;
     while (lines.size() < 300'000)
         lines += "X-Line: " + std::string(1000, 'x') + "\r\n";
-    const struct {
-        const char* path;
-        std::string answer;
-        std::string reason;
-        Ending ending = Ending::Close;
-    } answers[] = {
+    const Answer answers[] = {
         { "/short", ofTenBytes + "x@y.org", "broke off" },
         { "/nothing", "", "broke off" },
         { "/headersCut", ok + "Content-Type: text/html\r\n", "broke off before the page began" },
