@@ -95,20 +95,23 @@ std::string wordsFor(const std::string& handlerName)
     }
 }
 
-/// `isTold` gets what has happened, and says whether the user is told.
-void report(const std::string& handlerName, bool (*isTold)(const std::string& what))
+enum class Failed { Handler, PartOfOne };
+
+void report(const std::string& name, Failed failed)
 {
     try {
         const std::string what = describeCurrentException();
-        logLine(handlerName + ": " + what);
+        logLine(name + ": " + what);
         if (Application::isEndedFromOutside())
             return;
-        const std::string words = wordsFor(handlerName); // cleans up, too
+        const std::string words = wordsFor(name); // cleans up, too
+        const Failure failure{ depth, what };
+        if (failed == Failed::PartOfOne && std::exchange(toldOfPart, failure) == failure)
+            return;
         const EventsHeld held;
-        if (isTold(what))
-            Desktop::current().showError(what, words);
+        Desktop::current().showError(what, words);
     } catch (const std::exception&) { // from here it would pass through Qt
-        logLine("There was not enough memory to report an error.");
+        logLine("An error could not be reported.");
     }
 }
 
@@ -184,15 +187,12 @@ EventsHeld::~EventsHeld()
 
 void reportCurrentException(const std::string& handlerName)
 {
-    report(handlerName, [](const std::string&) { return true; });
+    report(handlerName, Failed::Handler);
 }
 
 void reportFailedPart(const std::string& name)
 {
-    report(name, [](const std::string& what) {
-        const Failure failure{ depth, what };
-        return std::exchange(toldOfPart, failure) != failure;
-    });
+    report(name, Failed::PartOfOne);
 }
 
 void setFailureWords(std::function<std::string(const std::string& handlerName)> words)

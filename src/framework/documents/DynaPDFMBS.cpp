@@ -186,15 +186,17 @@ bool DynaPDFMBS::EditPage(int pageNum)
         return false;
     }
     const Page& page = m_pages[static_cast<std::size_t>(pageNum) - 1];
-    if (page.isReadable)
+    if (page.isReadable) {
         m_badPagesInARow = 0;
-    else if (!m_ignoresBadPages)
-        return failPage(pageNum, page.text);
+    } else if (!m_ignoresBadPages) {
+        failPage(pageNum, page.text);
+        return false;
+    }
     m_openPage = pageNum;
     return true;
 }
 
-bool DynaPDFMBS::failPage(int pageNum, const std::string& reason)
+void DynaPDFMBS::failPage(int pageNum, const std::string& reason)
 {
     if (std::exchange(m_lastBadPage, pageNum) != pageNum) { // the first page is sometimes opened twice
         ++m_badPagesInARow;
@@ -205,7 +207,6 @@ bool DynaPDFMBS::failPage(int pageNum, const std::string& reason)
     m_ignoresBadPages = m_badPagesInARow == mostBadPagesInARow || m_badPages == mostBadPages;
     if (m_ignoresBadPages)
         leaveOutLastPages(static_cast<std::size_t>(pageNum));
-    return false;
 }
 
 void DynaPDFMBS::leaveOutLastPages(std::size_t pagesTried)

@@ -99,7 +99,7 @@ private:
     /// For a document whose time has run out. If its last page comes, the pages that were left out are empty.
     void receiveLastPage(std::size_t room);
     void tellOfImport();
-    bool failPage(int pageNum, const std::string& reason); // false
+    void failPage(int pageNum, const std::string& reason);
     void leaveOutLastPages(std::size_t pagesTried);
     /// Fires the error event, and stops the document if its result says so.
     void tell(int code, const std::string& message, int type);

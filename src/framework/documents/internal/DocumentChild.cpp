@@ -71,19 +71,14 @@ DocumentChild::~DocumentChild()
 
 bool DocumentChild::receive(std::string& frame, std::size_t largest, std::string& whyNot)
 {
-    try {
-        const Transfer transfer = receiveFrame(m_socket.number(), frame, largest,
-            [this](int socket, short event) { return waitFor(socket, event); });
-        if (transfer == Transfer::Done) {
-            m_hasSent = true;
-            return true;
-        }
-        whyNot = transfer == Transfer::Refused ? refuse() : whyEnded(transfer == Transfer::GivenUp);
-        return false;
-    } catch (const ReaderLost&) {
-        m_hasEnded = true;
-        throw;
+    const Transfer transfer = receiveFrame(m_socket.number(), frame, largest,
+        [this](int socket, short event) { return waitFor(socket, event); });
+    if (transfer == Transfer::Done) {
+        m_hasSent = true;
+        return true;
     }
+    whyNot = transfer == Transfer::Refused ? refuse() : whyEnded(transfer == Transfer::GivenUp);
+    return false;
 }
 
 void DocumentChild::resume()
