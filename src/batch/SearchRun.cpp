@@ -109,10 +109,10 @@ void SearchRun::doWordFolderThread(const Ref<FolderItem>& f)
     stream->Close();
     if (document) {
         account.read(f->NativePath(), FileReader::Word);
-        return;
+    } else {
+        account.left(f->NativePath(), RunAccount::Left::NotWord);
+        System::DebugLog(displayPath(f->NativePath()) + ": " + document.whyNil());
     }
-    account.left(f->NativePath(), RunAccount::Left::NotWord);
-    System::DebugLog(displayPath(f->NativePath()) + ": " + document.whyNil());
 }
 
 void SearchRun::doPDFCheckThread()

@@ -110,13 +110,13 @@ Window1::WalkResult Window1::walkFolder(
     const WalkedFolder here{ folder ? folder->identity() : FolderItem::Identity{}, above };
     const bool isBelowItself = above && above->has(here.identity);
     const WalkResult* known = emptyFolders.find(here.identity, above);
-    const bool isEntered = folder && folder->Directory() && !isBelowItself && !known;
+    const bool isFolder = folder && folder->Directory();
+    const bool isEntered = isFolder && !isBelowItself && !known;
     std::vector<std::string> files;
     std::vector<std::string> subfolders;
     if (isEntered)
         listFolder(*folder, files, subfolders);
-    else if (folder
-        && !folder->Directory()) // its path is too long, or leads through a folder without permission
+    else if (folder && !isFolder) // since its path is too long, or leads through a forbidden folder
         accountForFolder(*folder);
     // The event loop runs before each file. Where no file comes for long, it runs here.
     constexpr std::chrono::milliseconds longWait(100);

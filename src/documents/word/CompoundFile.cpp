@@ -49,7 +49,7 @@ template <typename PieceAt, typename NextOf>
 std::string joined(std::uint32_t first, std::uint64_t size, std::size_t count, PieceAt pieceAt, NextOf nextOf)
 {
     std::string result;
-    if (size <= longestChain) // it is known; the pieces may hold less
+    if (size <= longestChain) // a size that is known; the pieces may hold less
         result.reserve(std::min<std::uint64_t>(size, count * pieceAt(first).size()));
     size = std::min<std::uint64_t>(size, longestChain);
     std::uint32_t number = first;
